@@ -1,0 +1,44 @@
+#include "diagnostics/debug_log.h"
+
+#include <algorithm>
+
+namespace radiashafts {
+
+DebugLog& DebugLog::Instance() {
+  static DebugLog log;
+  return log;
+}
+
+DebugLog::~DebugLog() {
+  if (std::FILE* file = file_.exchange(nullptr)) std::fclose(file);
+}
+
+void DebugLog::LogMessage(const std::string& text, int severity) {
+  RefreshOutputs();
+  if (severity < severityThreshold_) return;
+  std::FILE* file = file_.load();
+  if (file == nullptr && !console_.isOpen()) return;
+
+  std::string line(static_cast<std::size_t>(std::max(0, indentLevel.load())) * 4, ' ');
+  line += text;
+  if (file != nullptr) {
+    std::fwrite(line.data(), 1, line.size(), file);
+    std::fflush(file);
+  }
+  if (console_.isOpen()) console_.write(line);
+}
+
+void DebugLog::RefreshOutputs() {
+  if (file_.load() == nullptr && !logPath_.empty()) OpenFile();
+  if (!consoleWanted_ && console_.isOpen()) console_.close();
+  if (consoleWanted_ && !console_.isOpen()) console_.open("Debug Window", 120, 5000);
+}
+
+// Several threads may try at once; the first one's file is kept.
+void DebugLog::OpenFile() {
+  std::FILE* opened = std::fopen(logPath_.c_str(), "a");
+  std::FILE* none = nullptr;
+  if (opened != nullptr && !file_.compare_exchange_strong(none, opened)) std::fclose(opened);
+}
+
+}  // namespace radiashafts

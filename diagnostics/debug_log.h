@@ -1,0 +1,73 @@
+// The process-wide trace. Where a log file or a console is configured it shows the road of a
+// run; with neither it costs the formatting of the text.
+#pragma once
+
+#include <atomic>
+#include <cstdio>
+#include <sstream>
+#include <string>
+
+#include "platform/console.h"
+
+namespace radiashafts {
+
+enum Severity : int { severityTrace = 1, severityWarning = 2, severityError = 3 };
+
+// Written by the caller at the start of a text of that severity.
+inline constexpr char warningMarker[] = "-**### WARNING ###**-: ";
+inline constexpr char errorMarker[] = "-**###  ERROR  ###**-: ";
+
+class DebugLog {
+ public:
+  DebugLog() { RefreshOutputs(); }
+  ~DebugLog();
+  DebugLog(const DebugLog&) = delete;
+  DebugLog& operator=(const DebugLog&) = delete;
+
+  static DebugLog& Instance();
+
+  // Writes the indent and the text, which brings its own line feed. Failures are silent. Takes no
+  // lock: a line goes out whole, lines of several threads come in any order.
+  void LogMessage(const std::string& text, int severity);
+
+  // The file is opened for appending at the next LogMessage. A file that is open stays.
+  void SetLogFile(const std::string& path) { logPath_ = path; }
+  void SetConsoleWanted(bool wanted) { consoleWanted_ = wanted; }
+  void RefreshOutputs();
+
+  // Raised and lowered by the traced functions, see LogIndent.
+  std::atomic<int> indentLevel{0};
+
+ private:
+  void OpenFile();
+
+  std::string logPath_;
+  std::atomic<std::FILE*> file_{nullptr};
+  bool consoleWanted_ = false;
+  int severityThreshold_ = severityTrace;
+  platform::Console console_;
+};
+
+// One trace line: the parts in order and a line feed.
+template <class... Parts>
+void logLine(Severity severity, const Parts&... parts) {
+  std::ostringstream stream;
+  (stream << ... << parts) << '\n';
+  DebugLog::Instance().LogMessage(stream.str(), severity);
+}
+
+template <class... Parts>
+void trace(const Parts&... parts) {
+  logLine(severityTrace, parts...);
+}
+
+// Indents the log for the body of a traced function.
+class LogIndent {
+ public:
+  LogIndent() { ++DebugLog::Instance().indentLevel; }
+  ~LogIndent() { --DebugLog::Instance().indentLevel; }
+  LogIndent(const LogIndent&) = delete;
+  LogIndent& operator=(const LogIndent&) = delete;
+};
+
+}  // namespace radiashafts

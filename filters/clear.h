@@ -1,0 +1,30 @@
+// Zeroes a tight float image, the weight behind the channels included.
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+
+#include "image/halvorsund_filter.h"
+#include "image/pixel_array.h"
+
+namespace radiashafts {
+
+template <class Image>
+class ClearImageFilter final : public RowFilter {
+ public:
+  using RowFilter::RowFilter;
+
+  Image image;
+
+  std::int32_t run(std::int32_t stagePosition, std::int32_t stageCount) override {
+    return runRows(image.height, stagePosition, stageCount);
+  }
+
+  std::int32_t processRow(std::int32_t row, std::int32_t, std::int32_t threadIndex) override {
+    const std::ptrdiff_t samples = static_cast<std::ptrdiff_t>(image.width) * Image::Pixel::samples;
+    std::fill_n(image.at(0, row), samples, 0.0F);
+    return reportRow(row, image.height, threadIndex);
+  }
+};
+
+}  // namespace radiashafts

@@ -1,0 +1,27 @@
+// How fast a ray fades, for both ray filters.
+#pragma once
+
+#include <cmath>
+#include <cstdint>
+
+#include "image/power.h"
+
+namespace radiashafts {
+
+// Steps after which a ray has fallen to 1/1024, for a picture of width x height and a length
+// already squared. A picture with a diagonal of 800 pixels has 1000 at full length.
+inline double raySteps(std::int32_t width, std::int32_t height, double squaredLength) {
+  const std::int32_t squaredDiagonal = width * width + height * height;  // sides are below 32768
+  return std::sqrt(static_cast<double>(squaredDiagonal)) * squaredLength * 1000.0 /
+         std::sqrt(640000.0);
+}
+
+// The factor of one step, 0.0001 at least.
+inline double decayFactorFor(double steps) {
+  constexpr double smallest = 0.0001;
+  constexpr double faded = 0.0009765625;  // 1/1024
+  const double factor = steps > 0.0 ? power(faded, 1.0 / steps) : 0.0;
+  return factor > smallest ? factor : smallest;
+}
+
+}  // namespace radiashafts

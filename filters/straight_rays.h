@@ -1,0 +1,295 @@
+// The smear of the mode "straight": one ray from the origin to every pixel of the border.
+#pragma once
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <cmath>
+#include <cstdint>
+#include <cstdlib>
+#include <memory>
+#include <type_traits>
+#include <utility>
+
+#include "filters/clear.h"
+#include "filters/ordered_chunks.h"
+#include "filters/ray_decay.h"
+#include "image/halvorsund_filter.h"
+#include "image/pixel.h"
+#include "image/pixel_array.h"
+
+namespace radiashafts {
+
+// Each ray walks outward with a running sum of what it has passed, which decays at every step, and
+// deposits sum and weight in an accumulation image. The last step divides sums by weights: every
+// pixel becomes a weighted mean of the picture nearer to the origin on the rays that cross it.
+//
+// The result is bit for bit that of one thread walking the sides top, right, bottom and left, ray
+// by ray. A ray's sum depends on the picture alone, so only the order in which rays deposit in a
+// pixel matters: rays go in chunks, and chunks in their order through blocks of steps.
+template <class Image>
+class RadiashaftsStraightFilter final : public HalvorsundFilter {
+ public:
+  using HalvorsundFilter::HalvorsundFilter;
+
+  Image image;
+  double length = 0.0;       // 0 to 1
+  std::int32_t originX = 0;  // in frame coordinates, at most 1e9 from 0
+  std::int32_t originY = 0;
+
+  std::int32_t run(std::int32_t stage, std::int32_t stages) override {
+    stage_ = stage;
+    stages_ = stages;
+    ox_ = originX - image.frameX;
+    oy_ = originY - image.frameY;
+
+    const HostBuffer buffer(*host, image.width, image.height, AccumulationPixel::bytes);
+    if (!buffer) return host->OutOfMemoryCode();
+    accumulationImage_ = tightView<AccumulationImage>(image.width, image.height, buffer.data());
+    accumulationImage_.frameX = image.frameX;
+    accumulationImage_.frameY = image.frameY;
+    progressCounter_ = 0;
+    progressTotal_ = 3 * image.height + 2 * image.width;
+
+    std::int32_t status = clearAccumulation();
+    if (status == host->NoErrorCode()) status = walkRays();
+    if (status == host->NoErrorCode()) status = resolve();
+    return status;
+  }
+
+ private:
+  using Pixel = typename Image::Pixel;
+  using AccumulationPixel = typename Pixel::WithWeight;
+  using AccumulationImage = PixelArray<AccumulationPixel, 0, 0>;
+  static constexpr int channels = Pixel::channels;
+
+  static constexpr std::int32_t raysInChunk = 64;
+  static constexpr std::int32_t stepsInBlock = 128;
+
+  struct Border {
+    std::int32_t x, y;
+  };
+
+  // Rays that step along the same axis in the same direction, all from the clamped origin.
+  struct Direction {
+    bool byColumns;
+    std::int32_t sign;
+    bool operator==(const Direction&) const = default;
+  };
+
+  struct Sums {
+    std::array<double, channels> color{};
+    double weight = 0.0;
+  };
+
+  // The bar steps back when the walk begins: the clear has its own position.
+  std::int32_t clearAccumulation() {
+    ClearImageFilter<AccumulationImage> clear(*host);
+    clear.image = accumulationImage_;
+    return clear.run(3 * stage_, 3 * stages_);
+  }
+
+  // The rays of all sides in walking order: a side runs when the origin is not beyond it. Each
+  // border pixel belongs to one side, a corner to the side that ends there.
+  std::int32_t sideRays(int side) const {
+    const bool runs[4] = {oy_ >= 0, ox_ < image.width, oy_ < image.height, ox_ >= 0};
+    if (!runs[side]) return 0;
+    return (side % 2 == 0 ? image.width : image.height) - 1;
+  }
+
+  std::int32_t rayCount() const { return sideRays(0) + sideRays(1) + sideRays(2) + sideRays(3); }
+
+  Border borderOf(std::int32_t ray) const {
+    int side = 0;
+    while (ray >= sideRays(side)) ray -= sideRays(side++);
+    const std::int32_t i = ray + 1;
+    const std::int32_t right = image.width - 1;
+    const std::int32_t bottom = image.height - 1;
+    switch (side) {
+      case 0:
+        return {i, 0};
+      case 1:
+        return {right, i};
+      case 2:
+        return {right - i, bottom};
+      default:
+        return {0, bottom - i};
+    }
+  }
+
+  Direction directionTo(Border border) const {
+    const std::int32_t dx = border.x - ox_;
+    const std::int32_t dy = border.y - oy_;
+    const bool byColumns = std::abs(dx) > std::abs(dy);
+    return {byColumns, (byColumns ? dx : dy) >= 1 ? 1 : -1};
+  }
+
+  std::int32_t walkRays() {
+    const std::int32_t rays = rayCount();
+    for (std::int32_t first = 0; first < rays;) {
+      const Direction direction = directionTo(borderOf(first));
+      std::int32_t end = first + 1;
+      while (end < rays && directionTo(borderOf(end)) == direction) ++end;
+      const std::int32_t status = direction.byColumns
+                                      ? walkGroup<true>(first, end, direction.sign)
+                                      : walkGroup<false>(first, end, direction.sign);
+      if (status != host->NoErrorCode()) return status;
+      first = end;
+    }
+    return host->NoErrorCode();
+  }
+
+  // All rays from first to end - 1, which share a direction.
+  template <bool byColumns>
+  std::int32_t walkGroup(std::int32_t first, std::int32_t end, std::int32_t sign) {
+    const double decayFactor = decayFactorFor(raySteps(image.width, image.height, length * length));
+    const std::int32_t extent = byColumns ? image.width : image.height;
+    const std::int32_t start = std::clamp(byColumns ? ox_ : oy_, 0, extent - 1);
+    const std::int32_t longest = sign > 0 ? extent - start : start + 1;
+    const std::int32_t chunks = (end - first + raysInChunk - 1) / raysInChunk;
+    const std::int32_t blocks = (longest + stepsInBlock - 1) / stepsInBlock;
+
+    const auto sums = std::make_unique<Sums[]>(static_cast<std::size_t>(end - first));
+    const auto rayRange = [&](std::int32_t chunk) {
+      const std::int32_t from = first + chunk * raysInChunk;
+      return std::pair(from, std::min(from + raysInChunk, end));
+    };
+    const auto work = [&](std::int32_t chunk, std::int32_t block, std::int32_t) {
+      const auto [from, to] = rayRange(chunk);
+      for (std::int32_t ray = from; ray < to; ++ray) {
+        const Border border = borderOf(ray);
+        const std::int32_t steps = std::abs((byColumns ? border.x : border.y) - start) + 1;
+        const std::int32_t firstStep = block * stepsInBlock;
+        const std::int32_t lastStep = std::min(firstStep + stepsInBlock, steps);
+        walkSteps<byColumns>(border, start + sign * firstStep, lastStep - firstStep, sign,
+                             decayFactor, sums[static_cast<std::size_t>(ray - first)]);
+      }
+    };
+    const auto finish = [&](std::int32_t chunk, std::int32_t threadIndex) {
+      const auto [from, to] = rayRange(chunk);
+      std::int32_t status = host->NoErrorCode();
+      for (std::int32_t ray = from; ray < to && status == host->NoErrorCode(); ++ray) {
+        status = report(threadIndex);
+      }
+      return status;
+    };
+    return OrderedChunks(chunks, blocks).run(*host, work, finish);
+  }
+
+  // A product in 32 bits, which wraps for origins very far outside. Those rays are wanted as they
+  // come out.
+  static std::int32_t product(std::int32_t a, std::int32_t b) {
+    return static_cast<std::int32_t>(static_cast<std::uint32_t>(a) * static_cast<std::uint32_t>(b));
+  }
+
+  // Part of one ray: from position on along the walking axis, count steps. A position outside the
+  // image across the axis, or one that is not a number, deposits nothing but still decays.
+  template <bool byColumns>
+  void walkSteps(Border border, std::int32_t position, std::int32_t count, std::int32_t sign,
+                 double decayFactor, Sums& carried) const {
+    const std::int32_t dx = border.x - ox_;
+    const std::int32_t dy = border.y - oy_;
+    // The column walk measures from the origin, the row walk from the border pixel.
+    const double run = byColumns ? dx : dy;
+    const double base = byColumns ? oy_ : border.x;
+    const std::int32_t rise = byColumns ? dy : dx;
+    const std::int32_t crossExtent = byColumns ? image.height : image.width;
+    const std::ptrdiff_t crossStride = byColumns ? image.rowStride : Pixel::bytes;
+    const std::ptrdiff_t sumCrossStride =
+        byColumns ? accumulationImage_.rowStride : AccumulationPixel::bytes;
+
+    Sums sums = carried;
+    for (std::int32_t n = 0; n < count; ++n, position += sign) {
+      for (double& sum : sums.color) sum *= decayFactor;
+      sums.weight *= decayFactor;
+
+      const std::int32_t climbed = product(position - (byColumns ? ox_ : border.y), rise);
+      const double t = climbed / run + base;
+      if (!(t >= 0.0 && t < crossExtent)) continue;
+
+      const auto whole = static_cast<std::int32_t>(t);
+      const bool atLimit = whole == crossExtent - 1;
+      const float* first = byColumns ? image.at(position, whole) : image.at(whole, position);
+      float* firstSum = byColumns ? accumulationImage_.at(position, whole)
+                                  : accumulationImage_.at(whole, position);
+      const float* second = advance(first, atLimit ? 0 : crossStride);
+      float* secondSum = advance(firstSum, atLimit ? 0 : sumCrossStride);
+      depositSample(first, second, firstSum, secondSum, t - whole, sums);
+    }
+    carried = sums;
+  }
+
+  template <class Sample>
+  static Sample* advance(Sample* sample, std::ptrdiff_t bytes) {
+    using Byte = std::conditional_t<std::is_const_v<Sample>, const std::uint8_t, std::uint8_t>;
+    return reinterpret_cast<Sample*>(reinterpret_cast<Byte*>(sample) + bytes);
+  }
+
+  // The sample is read by linear interpolation between the two pixels, u of the way to the second,
+  // and the sum is given to the same two with the same shares.
+  static void depositSample(const float* first, const float* second, float* firstSum,
+                            float* secondSum, double u, Sums& sums) {
+    const double a = 1.0 - u;
+    for (int c = 0; c < channels; ++c) {
+      sums.color[c] += first[c] * a;
+      sums.color[c] += second[c] * u;
+    }
+    sums.weight += static_cast<float>(a);
+    sums.weight += static_cast<float>(u);
+    addShare(firstSum, a, sums);
+    addShare(secondSum, u, sums);
+  }
+
+  // Channels are added in double precision, the weight in single.
+  static void addShare(float* sum, double share, const Sums& sums) {
+    for (int c = 0; c < channels; ++c) {
+      sum[c] = static_cast<float>(share * sums.color[c] + sum[c]);
+    }
+    sum[channels] = static_cast<float>(share * sums.weight) + sum[channels];
+  }
+
+  std::int32_t resolve() {
+    const auto strip = [](void* context, std::int32_t index, std::int32_t iterations,
+                          std::int32_t threadIndex) {
+      return static_cast<RadiashaftsStraightFilter*>(context)->resolveStrip(index, iterations,
+                                                                            threadIndex);
+    };
+    return host->RunIterations(4, {this, strip});
+  }
+
+  // A pixel that no ray touched becomes 0.
+  std::int32_t resolveStrip(std::int32_t index, std::int32_t strips, std::int32_t threadIndex) {
+    const std::int32_t rows = image.height / strips;
+    const std::int32_t end = index == strips - 1 ? image.height : (index + 1) * rows;
+    for (std::int32_t y = index * rows; y < end; ++y) {
+      const float* sum = accumulationImage_.at(0, y);
+      float* pixel = image.at(0, y);
+      for (std::int32_t x = 0; x < image.width; ++x) {
+        const double weight = sum[channels];
+        const double inverse = weight != 0.0 ? 1.0 / weight : 0.0;
+        for (int c = 0; c < channels; ++c) pixel[c] = static_cast<float>(sum[c] * inverse);
+        sum += AccumulationPixel::samples;
+        pixel += Pixel::samples;
+      }
+      const std::int32_t status = report(threadIndex);
+      if (status != host->NoErrorCode()) return status;
+    }
+    return host->NoErrorCode();
+  }
+
+  // One border pixel or one resolved row is done.
+  std::int32_t report(std::int32_t threadIndex) {
+    return host->Progress(stage_ * progressTotal_ + progressCounter_++, stages_ * progressTotal_,
+                          threadIndex);
+  }
+
+  AccumulationImage accumulationImage_;
+  std::int32_t ox_ = 0;  // the origin in the image's own pixel grid; may lie outside
+  std::int32_t oy_ = 0;
+  std::int32_t stage_ = 0;
+  std::int32_t stages_ = 1;
+  std::int32_t progressTotal_ = 0;
+  std::atomic<std::int32_t> progressCounter_{0};
+};
+
+}  // namespace radiashafts

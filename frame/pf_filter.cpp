@@ -1,0 +1,101 @@
+#include "frame/pf_filter.h"
+
+#include "diagnostics/debug_log.h"
+#include "hostapi/constants.h"
+#include "interface/live_preview.h"
+#include "platform/pump.h"
+#include "platform/tick.h"
+
+namespace radiashafts {
+
+pfFilter::pfFilter(FilterIdentity identity)
+    : HalvorsundHost(std::move(identity)), preview(MakePreview()) {}
+
+std::int16_t pfFilter::Dispatch(std::int8_t selector, void* block) {
+  auto* const record = static_cast<hostapi::FilterRecord*>(block);
+  auto* const aboutRecord = static_cast<hostapi::AboutRecord*>(block);
+  basicSuite = selector == hostapi::selectorAbout ? aboutRecord->sSPBasic : record->sSPBasic;
+  AcquireSuites();
+  currentRecord = record;
+  std::int16_t result = -1;
+  switch (selector) {
+    case hostapi::selectorAbout:
+      result = DoAboutSelector(aboutRecord);
+      break;
+    case hostapi::selectorParameters:
+      result = DoParametersSelector(record);
+      break;
+    case hostapi::selectorPrepare:
+      result = DoPrepareSelector(record);
+      break;
+    case hostapi::selectorStart:
+      result = DoStartSelector(record);
+      break;
+    case hostapi::selectorContinue:
+      result = DoContinueSelector(record);
+      break;
+    case hostapi::selectorFinish:
+      result = DoFinishSelector(record);
+      break;
+    default:
+      break;
+  }
+  ReleaseSuites();
+  return result;
+}
+
+// The Handle Suite keeps its last value where the host writes none.
+void pfFilter::AcquireSuites() {
+  bufferSuite = nullptr;
+  if (basicSuite == nullptr) return;
+  const void* suite = nullptr;
+  basicSuite->AcquireSuite(hostapi::bufferSuiteName, hostapi::bufferSuiteVersion, &suite);
+  bufferSuite = static_cast<const hostapi::BufferSuite1*>(suite);
+  suite = handleSuite;
+  basicSuite->AcquireSuite(hostapi::handleSuiteName, hostapi::handleSuiteVersion, &suite);
+  handleSuite = static_cast<const hostapi::HandleSuite2*>(suite);
+}
+
+void pfFilter::ReleaseSuites() {
+  if (basicSuite == nullptr) return;
+  basicSuite->ReleaseSuite(hostapi::bufferSuiteName, hostapi::bufferSuiteVersion);
+  basicSuite->ReleaseSuite(hostapi::handleSuiteName, hostapi::handleSuiteVersion);
+}
+
+std::int32_t pfFilter::Progress(std::int32_t done, std::int32_t total, std::int32_t threadIndex) {
+  const std::lock_guard lock(memoryLock);
+  if (nRenderStartTick != 0) return PumpMessages();
+  return threadIndex == 0 ? ReportToHost(done, total) : NoErrorCode();
+}
+
+std::int32_t pfFilter::ReportToHost(std::int32_t done, std::int32_t total) {
+  currentRecord->progressProc(done, total);
+  const bool aborted = currentRecord->abortProc != nullptr && currentRecord->abortProc() != 0;
+  return aborted ? hostapi::userCanceledError : NoErrorCode();
+}
+
+std::int32_t pfFilter::PumpMessages() {
+  constexpr std::uint32_t undisturbed = 201;  // milliseconds that every preview is left
+  if (!platform::pumpPendingMessages()) return -1;
+  const bool superseded =
+      bRenderPending && bLivePreview && platform::tickCount() - nRenderStartTick >= undisturbed;
+  return superseded ? hostapi::userCanceledError : NoErrorCode();
+}
+
+void* pfFilter::Allocate(std::uint32_t size) {
+  const std::lock_guard lock(memoryLock);
+  if (!usesHostMemory()) return HalvorsundHost::Allocate(size);
+  std::uint32_t requested = size;
+  return bufferSuite->New(&requested, size);
+}
+
+void pfFilter::Free(void* pointer) {
+  const std::lock_guard lock(memoryLock);
+  if (!usesHostMemory()) {
+    HalvorsundHost::Free(pointer);
+  } else if (pointer != nullptr) {
+    bufferSuite->Dispose(&pointer);
+  }
+}
+
+}  // namespace radiashafts

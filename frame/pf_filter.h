@@ -1,0 +1,77 @@
+// The filter as the host's interface wants it: selectors, the record, progress and memory.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <vector>
+
+#include "hostapi/constants.h"
+#include "hostapi/filter_record.h"
+#include "interface/preview.h"
+#include "parameters/parameters.h"
+#include "parameters/undo.h"
+#include "services/halvorsund_host.h"
+
+namespace radiashafts {
+
+class pfFilter : public HalvorsundHost {
+ public:
+  explicit pfFilter(FilterIdentity identity);
+
+  // Runs one selector with the suites acquired for its length. block is an AboutRecord for the
+  // selector 0 and a FilterRecord for all others. -1 for a selector that there is not.
+  std::int16_t Dispatch(std::int8_t selector, void* block);
+
+  // In a final render, thread 0 reports to the host and polls its abort: -128. In a preview render
+  // every thread dispatches the waiting window messages; -1 when the interface was closed, -128
+  // when a newer render is wanted 201 ms or more into this one.
+  std::int32_t Progress(std::int32_t done, std::int32_t total, std::int32_t threadIndex) override;
+  // From the host's Buffer Suite where it has the Handle Suite too, else from the heap.
+  void* Allocate(std::uint32_t size) override;
+  void Free(void* pointer) override;
+  std::int32_t OutOfMemoryCode() const override { return hostapi::memoryFullError; }
+
+  virtual std::int16_t SelectRenderTemplate(hostapi::FilterRecord* record) = 0;
+  // Brings the widgets in line with the picture, once the interface has fetched it.
+  virtual void PrepareInterface(hostapi::FilterRecord*) {}
+  virtual void ResetParameters(bool recordUndo) = 0;
+  virtual const char* GetFilterName() const = 0;
+  virtual std::int16_t DoParametersSelector(hostapi::FilterRecord* record);
+
+  // Has the host fill the record's buffers with the whole image, reduced by the factor. Returns
+  // what the host's advanceState returned.
+  std::int16_t SetupFilterRecord(hostapi::FilterRecord* record, std::uint32_t scaleFactor);
+
+  // Written by one preview's renders: coarseness added to the view scale. 0 in a final render.
+  std::int32_t previewLevel = 0;
+  UndoHistory undoHistory;
+
+ protected:
+  std::unique_ptr<pfPreview> preview;
+  pfParameters parameters;
+  std::vector<pfParameterUI*> widgets;  // not owned
+
+ private:
+  std::int16_t DoAboutSelector(hostapi::AboutRecord* record);
+  std::int16_t DoPrepareSelector(hostapi::FilterRecord* record);
+  std::int16_t DoStartSelector(hostapi::FilterRecord* record);
+  std::int16_t DoContinueSelector(hostapi::FilterRecord* record);
+  std::int16_t DoFinishSelector(hostapi::FilterRecord* record);
+
+  std::int16_t RunFilter(hostapi::FilterRecord* record);
+  // A Handle Suite may be left over from an earlier host call, so both are asked for.
+  bool usesHostMemory() const { return handleSuite != nullptr && bufferSuite != nullptr; }
+  void AcquireSuites();
+  void ReleaseSuites();
+  std::int32_t ReportToHost(std::int32_t done, std::int32_t total);
+  std::int32_t PumpMessages();
+
+  hostapi::SPBasicSuite* basicSuite = nullptr;  // valid during one selector, like the next two
+  const hostapi::BufferSuite1* bufferSuite = nullptr;
+  const hostapi::HandleSuite2* handleSuite = nullptr;
+  hostapi::FilterRecord* currentRecord = nullptr;
+  std::recursive_mutex memoryLock;  // a window procedure may come back while Progress pumps
+};
+
+}  // namespace radiashafts

@@ -1,0 +1,98 @@
+// What the filter does on each selector. All of a run's work happens on start.
+
+#include <cstdio>
+#include <string>
+
+#include "diagnostics/debug_log.h"
+#include "frame/pf_filter.h"
+#include "hostapi/constants.h"
+#include "platform/message_box.h"
+
+namespace radiashafts {
+namespace {
+
+void traceSelector(const char* name, const void* record) {
+  trace("pfFilter::", name, "( pFilterRecord(0x", record, ") )");
+}
+
+}  // namespace
+
+std::int16_t pfFilter::DoAboutSelector(hostapi::AboutRecord* record) {
+  traceSelector("DoAboutSelector", record);
+  const LogIndent indent;
+  const FilterIdentity& id = identity();
+  char text[256];
+  std::snprintf(text, sizeof text, "%s v%d.%d.%d\r%s", id.name.c_str(), id.versionMajor,
+                id.versionMinor, id.versionRevision, id.description.c_str());
+  ShowAbout(text);
+  trace("pfFilter::DoAboutSelector( return(", 0, ") )");
+  return 0;
+}
+
+// Shows nothing: the interface opens on start.
+std::int16_t pfFilter::DoParametersSelector(hostapi::FilterRecord* record) {
+  traceSelector("DoParametersSelector", record);
+  const LogIndent indent;
+  parameters.ValidateAll();
+  trace("pfFilter::DoParametersSelector( return(", 0, ") )");
+  return 0;
+}
+
+// No buffer space is to be kept for the filter, and the host's own limit needs no respect: memory
+// is taken on demand.
+std::int16_t pfFilter::DoPrepareSelector(hostapi::FilterRecord* record) {
+  traceSelector("DoPrepareSelector", record);
+  const LogIndent indent;
+  record->bufferSpace = 0;
+  record->maxSpace = 0;
+  return 0;
+}
+
+std::int16_t pfFilter::DoStartSelector(hostapi::FilterRecord* record) {
+  traceSelector("DoStartSelector", record);
+  const LogIndent indent;
+  const std::int16_t result = RunFilter(record);
+  // An empty request tells the host that nothing more is wanted.
+  record->inRect = {0, 0, 0, 0};
+  record->outRect = record->inRect;
+  record->maskRect = record->inRect;
+  trace("pfFilter::DoStartSelector( return(", result, ") )");
+  return result;
+}
+
+std::int16_t pfFilter::RunFilter(hostapi::FilterRecord* record) {
+  if (record->advanceState == nullptr || record->progressProc == nullptr) {
+    logLine(severityError, errorMarker,
+            "AdvanceStateAvailable() or ProgressProcedure not available");
+    platform::showErrorBox(GetFilterName(),
+                           "Sorry, but this Plug-In requires some functions\n"
+                           " which are not supported by this host.\n"
+                           " you need a photoshop 3.0+ compatible host to run this filter.");
+    return 1;
+  }
+  parameters.ValidateAll();
+  const bool interfaceWanted = parameters.ReadScriptParams(record);
+  const bool confirmed = !interfaceWanted || preview->Show(this, record, &widgets);
+  parameters.WriteScriptParams(record);  // after a Cancel too
+  if (!confirmed) return hostapi::userCanceledError;
+
+  parameters.ValidateAll();  // the interface or the script may have left values outside the limits
+  std::int16_t result = SetupFilterRecord(record, 1);
+  if (result != 0) return result;
+  previewLevel = 0;
+  result = SelectRenderTemplate(record);
+  Progress(0, 1, 0);  // empties the host's bar
+  return result;
+}
+
+std::int16_t pfFilter::DoContinueSelector(hostapi::FilterRecord* record) {
+  traceSelector("DoContinueSelector", record);
+  return 0;
+}
+
+std::int16_t pfFilter::DoFinishSelector(hostapi::FilterRecord* record) {
+  traceSelector("DoFinishSelector", record);
+  return 0;
+}
+
+}  // namespace radiashafts

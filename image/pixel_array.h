@@ -1,0 +1,56 @@
+// A view of one image: a plain value that never owns the buffer.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace radiashafts {
+
+// Strided is 1 where the distance between pixels is read from the view (the host's buffers, whose
+// pixels may hold more planes than the pixel type uses) and 0 where it is the pixel's own size.
+template <class PixelType, int Reserved, int Strided>
+struct PixelArray {
+  using Pixel = PixelType;
+  using Sample = typename Pixel::Sample;
+
+  std::int32_t width = 0;        // pixels in a row
+  std::int32_t height = 0;       // rows
+  std::int32_t rowStride = 0;    // bytes from a row to the next
+  std::int32_t pixelStride = 0;  // bytes from a pixel to the next in a row
+  std::int32_t frameX = 0;       // the first pixel in the coordinates of the whole frame
+  std::int32_t frameY = 0;
+  double scale = 1.0;
+  std::uint8_t* data = nullptr;
+  bool valid = false;          // the view has data; image code tests the pointer
+  bool premultiplied = false;  // the colours are multiplied by alpha in the buffer
+
+  std::ptrdiff_t stride() const {
+    if constexpr (Strided != 0) return pixelStride;
+    return Pixel::bytes;
+  }
+  std::uint8_t* rowBytes(std::int32_t y) const {
+    return data + static_cast<std::ptrdiff_t>(y) * rowStride;
+  }
+  Sample* at(std::int32_t x, std::int32_t y) const {
+    return reinterpret_cast<Sample*>(rowBytes(y) + x * stride());
+  }
+  bool contains(std::int32_t x, std::int32_t y) const {
+    return x >= 0 && y >= 0 && x < width && y < height;
+  }
+};
+
+// A tight image of the given size over a buffer that the caller owns.
+template <class Image>
+Image tightView(std::int32_t width, std::int32_t height, void* buffer) {
+  Image view;
+  view.width = width;
+  view.height = height;
+  view.pixelStride = Image::Pixel::bytes;
+  view.rowStride = width * Image::Pixel::bytes;
+  view.data = static_cast<std::uint8_t*>(buffer);
+  view.valid = true;
+  view.premultiplied = true;
+  return view;
+}
+
+}  // namespace radiashafts

@@ -1,0 +1,31 @@
+// The interface of a module without windows: it never opens, and says so in the log.
+
+#include "diagnostics/debug_log.h"
+#include "interface/live_preview.h"
+#include "interface/preview.h"
+
+namespace radiashafts {
+namespace {
+
+class HeadlessPreview final : public pfPreview {
+ public:
+  bool Show(pfFilter*, hostapi::FilterRecord*, std::vector<pfParameterUI*>*) override {
+    logLine(severityError, errorMarker,
+            "this module has no dialogs; it runs with recorded parameters that ask for none");
+    return false;
+  }
+  void RequestRender() override { bRenderPending = true; }
+};
+
+}  // namespace
+
+std::unique_ptr<pfPreview> MakePreview() {
+  return std::make_unique<HeadlessPreview>();
+}
+
+void ShowAbout(const std::string& text) {
+  trace("ShowAbout()");
+  trace(text);
+}
+
+}  // namespace radiashafts

@@ -1,0 +1,92 @@
+#include "parameters/effect_parameters.h"
+
+#include "parameters/undo.h"
+
+namespace radiashafts {
+namespace {
+
+void setUp(pfParameter& parameter, const ParameterFacts& facts) {
+  parameter.SetName(facts.name);
+  parameter.storedInPreset = facts.storedInPreset;
+  parameter.updatesPreview = facts.updatesPreview;
+  switch (facts.kind) {
+    case ParameterKind::position: {
+      auto& position = static_cast<pfParameterPosition&>(parameter);
+      for (std::size_t i = 0; i < 2; ++i) position.keys[i] = scriptKey(facts.keys[i]);
+      break;
+    }
+    case ParameterKind::color: {
+      auto& color = static_cast<pfParameterRGB&>(parameter);
+      for (std::size_t i = 0; i < 3; ++i) color.keys[i] = scriptKey(facts.keys[i]);
+      break;
+    }
+    case ParameterKind::number: {
+      auto& number = static_cast<pfParameterFloat&>(parameter);
+      number.minimum = facts.minimum;
+      number.maximum = facts.maximum;
+      number.useMinimum = facts.bound != Bound::none;
+      number.useMaximum = facts.bound == Bound::both;
+      number.key = scriptKey(facts.keys[0]);
+      break;
+    }
+    case ParameterKind::boolean:
+      static_cast<pfParameterBool&>(parameter).key = scriptKey(facts.keys[0]);
+      break;
+    case ParameterKind::list: {
+      auto& list = static_cast<pfParameterList&>(parameter);
+      for (const char* entry : facts.entries) list.AddEntry(entry);
+      list.key = scriptKey(facts.keys[0]);
+      break;
+    }
+  }
+}
+
+void setDefault(pfParameter& parameter, const ParameterFacts& facts) {
+  const auto& v = facts.defaults;
+  switch (facts.kind) {
+    case ParameterKind::position:
+      static_cast<pfParameterPosition&>(parameter).SetValue(v[0], v[1]);
+      break;
+    case ParameterKind::color:
+      static_cast<pfParameterRGB&>(parameter).SetValue(v[0], v[1], v[2]);
+      break;
+    case ParameterKind::number:
+      static_cast<pfParameterFloat&>(parameter).SetValue(v[0]);
+      break;
+    case ParameterKind::boolean:
+      static_cast<pfParameterBool&>(parameter).SetValue(v[0] != 0.0);
+      break;
+    case ParameterKind::list:
+      static_cast<pfParameterList&>(parameter).SetValue(static_cast<std::int32_t>(v[0]));
+      break;
+  }
+}
+
+}  // namespace
+
+EffectParameters::EffectParameters() {
+  for (std::size_t i = 0; i < all.size(); ++i) {
+    setUp(*all[i], effectTable[i]);
+    setDefault(*all[i], effectTable[i]);
+  }
+}
+
+void EffectParameters::Reset(UndoHistory* history) {
+  const std::array<pfParameter*, 20> order{
+      &Origin,          &Intensity,       &RayLength,     &Radius,
+      &ColorBalance,    &UseImageColor,   &Contrast,      &Hue,
+      &Saturation,      &Lightness,       &SelectionLow,  &SelectionHigh,
+      &SelectionSoften, &SelectionClimax, &ColorLow,      &ColorHigh,
+      &GammaCorrection, &BlendMode,       &SelectionShow, &Mode};
+  if (history != nullptr) {
+    for (pfParameter* parameter : order) history->Push(parameter->CreateUndo());
+    ++history->nGroup;
+  }
+  for (pfParameter* parameter : order) {
+    for (std::size_t i = 0; i < all.size(); ++i) {
+      if (all[i] == parameter) setDefault(*parameter, effectTable[i]);
+    }
+  }
+}
+
+}  // namespace radiashafts

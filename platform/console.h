@@ -1,0 +1,26 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace radiashafts::platform {
+
+// A second text output beside the host's windows.
+class Console {
+ public:
+  Console() = default;
+  ~Console() { close(); }
+  Console(const Console&) = delete;
+  Console& operator=(const Console&) = delete;
+
+  bool isOpen() const { return handle_ != 0; }
+  // Columns and lines are the size of the scroll-back where the system has one to size.
+  void open(const char* title, int columns, int lines);
+  void write(const std::string& text);
+  void close();
+
+ private:
+  std::uintptr_t handle_ = 0;
+};
+
+}  // namespace radiashafts::platform

@@ -1,0 +1,189 @@
+// The whole effect: the chain of passes from the host's picture to the host's output.
+#pragma once
+
+#include <cmath>
+#include <cstdint>
+
+#include "filters/move_sub_pixel.h"
+#include "filters/multiply.h"
+#include "filters/range_selection.h"
+#include "filters/smooth_rays.h"
+#include "filters/straight_rays.h"
+#include "image/halvorsund_filter.h"
+#include "image/sampling.h"
+#include "render/blend_pixel.h"
+#include "render/ray_shading.h"
+#include "render/render_values.h"
+
+namespace radiashafts {
+
+// Image is the host's picture, Working the float image of the same layout and range, Mask the
+// host's mask.
+template <class Image, class Working, class Mask>
+class RadiashaftsEffect final : public RowFilter {
+ public:
+  using RowFilter::RowFilter;
+
+  Image source;
+  Image output;
+  Image colorSource;  // decides the selection
+  Mask mask;          // its data may be null
+  RenderValues values;
+
+  // The passes have their own fixed positions in the render, and the arguments are not looked at. A
+  // status other than NoErrorCode skips the passes that follow.
+  std::int32_t run(std::int32_t, std::int32_t) override {
+    const HostBuffer rays(*host, output.width, output.height, Pixel::bytes);
+    const HostBuffer gamma(*host, GammaTable<Pixel>::entries, 1, sizeof(float));
+    if (!rays || !gamma) return host->OutOfMemoryCode();
+    GammaTable<HostPixel>::fill(gamma.floats(), values.inverseGamma);
+    gammaTable_ = gamma.floats();
+    rayImage_ = tightView<Working>(output.width, output.height, rays.data());
+    rayImage_.frameX = source.frameX;
+    rayImage_.frameY = source.frameY;
+    return values.show == SelectionShowMode::normal ? renderRays() : showSelection();
+  }
+
+  // The last pass: shades and blends a band of rows. The last band takes the remainder.
+  std::int32_t processRow(std::int32_t index, std::int32_t iterations,
+                          std::int32_t threadIndex) override {
+    const std::int32_t height = output.height;
+    const std::int32_t rows = height / iterations;
+    const std::int32_t end = index == iterations - 1 ? height : rows * (index + 1);
+    const RayShading<HostPixel> shading(values, gammaTable_);
+    for (std::int32_t y = rows * index; y < end; ++y) {
+      shadeRow(shading, y);
+      const std::int32_t status = host->Progress(4 * height + y, 5 * height, threadIndex);
+      if (status != host->NoErrorCode()) return status;
+    }
+    return host->NoErrorCode();
+  }
+
+ private:
+  using HostPixel = typename Image::Pixel;
+  using Pixel = typename Working::Pixel;
+  using Sample = typename HostPixel::Sample;
+
+  std::int32_t renderRays() {
+    std::int32_t status = select(rayImage_, 0);
+    if (status == host->NoErrorCode()) status = multiplyByMask(rayImage_, 1);
+    if (status == host->NoErrorCode() && values.rayLength != 0.0) status = smear();
+    if (status != host->NoErrorCode()) return status;
+
+    std::int32_t bands = 1;
+    host->ThreadCount(&bands, output.height);
+    return runRows(bands);
+  }
+
+  std::int32_t showSelection() {
+    const std::int32_t status = select(output, 2);
+    return status == host->NoErrorCode() ? multiplyByMask(output, 3) : status;
+  }
+
+  template <class Target>
+  std::int32_t select(const Target& target, std::int32_t position) {
+    HslRangeSelectionFilter<Image, Target, Image> filter(*host);
+    filter.firstImage = source;
+    filter.target = target;
+    filter.selectionSource = colorSource;
+    filter.selection = values.selection;
+    return filter.run(position, passCount);
+  }
+
+  template <class Target>
+  std::int32_t multiplyByMask(const Target& target, std::int32_t position) {
+    if (mask.data == nullptr) return host->NoErrorCode();
+    MultImageFilter<Target, Mask> filter(*host);
+    filter.image = target;
+    filter.mask = mask;
+    return filter.run(position, passCount);
+  }
+
+  // The picture moves by half a pixel before the smear and is read back by the same amount the
+  // other way in the last pass.
+  std::int32_t smear() {
+    const double offsetX = offsetFor(values.originX);
+    const double offsetY = offsetFor(values.originY);
+    const std::int32_t status = move(offsetX, offsetY);
+    if (status != host->NoErrorCode()) return status;
+    shiftX_ = -offsetX;
+    shiftY_ = -offsetY;
+    return values.mode == RayMode::straight ? castRays<RadiashaftsStraightFilter<Working>>()
+                                            : castRays<RadiashaftsSmoothFilter<Working>>();
+  }
+
+  // -0.5 for a whole origin of 0 or more, +0.5 for a negative one.
+  static double offsetFor(double origin) {
+    const double offset = std::abs(origin - std::trunc(origin)) - 0.5;
+    return origin < 0.0 ? -offset : offset;
+  }
+
+  std::int32_t move(double offsetX, double offsetY) {
+    MoveSubPixelImageFilter<Working> filter(*host);
+    filter.image = rayImage_;
+    filter.offsetX = offsetX;
+    filter.offsetY = offsetY;
+    return filter.run(2, passCount);
+  }
+
+  template <class Filter>
+  std::int32_t castRays() {
+    Filter filter(*host);
+    filter.image = rayImage_;
+    filter.length = values.rayLength;
+    filter.originX = static_cast<std::int32_t>(values.originX);
+    filter.originY = static_cast<std::int32_t>(values.originY);
+    return filter.run(2, passCount);
+  }
+
+  void shadeRow(const RayShading<HostPixel>& shading, std::int32_t y) const {
+    const double radius = values.falloffRadius <= 0.0 ? 1e-06 : values.falloffRadius;
+    const double inverseRadius = 1.0 / radius;
+    const double dy = (values.originY - y) * inverseRadius * values.viewScaleY;
+    for (std::int32_t x = 0; x < output.width; ++x) {
+      const double dx = (values.originX - x) * inverseRadius * values.viewScaleX;
+      double falloff = 1.0 - std::sqrt(dx * dx + dy * dy);
+      if (falloff <= 0.0) falloff = 0.0001;  // beyond the radius rays are faint and not gone
+
+      PixelValues<HostPixel> ray = sampleBilinear(rayImage_, x + shiftX_, y + shiftY_);
+      shading.shade(ray, falloff);
+      PixelValues<HostPixel> base = readBase(source.at(x, y));
+      blendPixel<HostPixel>(base, ray, values.blendMode);
+      write(output.at(x, y), base);
+    }
+  }
+
+  PixelValues<HostPixel> readBase(const Sample* sample) const {
+    PixelValues<HostPixel> base;
+    for (int c = 0; c < HostPixel::channels; ++c) base[c] = sample[c];
+    if constexpr (HostPixel::hasAlpha) {
+      const double alpha = base[HostPixel::colorChannels];
+      if (source.premultiplied && alpha > 0.0) scaleColors(base, HostPixel::range / alpha);
+    }
+    return base;
+  }
+
+  void write(Sample* sample, PixelValues<HostPixel> base) const {
+    if constexpr (HostPixel::hasAlpha) {
+      const double alpha = base[HostPixel::colorChannels];
+      if (output.premultiplied) scaleColors(base, alpha / HostPixel::range);
+      sample[HostPixel::colorChannels] = toSample<Sample>(alpha);
+    }
+    for (int k = 0; k < HostPixel::colorChannels; ++k) {
+      sample[k] = toClampedSample<HostPixel>(base[k]);
+    }
+  }
+
+  static void scaleColors(PixelValues<HostPixel>& pixel, double factor) {
+    for (int k = 0; k < HostPixel::colorChannels; ++k) pixel[k] *= factor;
+  }
+
+  static constexpr std::int32_t passCount = 5;
+
+  Working rayImage_;  // the selected picture, then the rays; premultiplied, in the render's range
+  const float* gammaTable_ = nullptr;
+  double shiftX_ = 0.0;
+  double shiftY_ = 0.0;
+};
+
+}  // namespace radiashafts

@@ -1,0 +1,111 @@
+#include "render/select_render_template.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+#include "diagnostics/debug_log.h"
+#include "hostapi/constants.h"
+#include "render/configurations.h"
+#include "render/record_values.h"
+#include "render/render_template.h"
+#include "render/render_values.h"
+
+namespace radiashafts {
+namespace {
+
+using RenderFunction = std::int32_t (*)(HalvorsundHost&, const HostBuffers&, const RenderValues&);
+
+template <int... Index>
+constexpr std::array<RenderFunction, sizeof...(Index)> makeRenderTable(
+    std::integer_sequence<int, Index...>) {
+  return {&RenderTemplate<Index + 1>...};
+}
+
+constexpr auto renderTable = makeRenderTable(std::make_integer_sequence<int, configurationCount>());
+
+// How many colours the mode can have; 0 for a mode that is not treated.
+int largestColorCount(std::int64_t imageMode) {
+  switch (imageMode) {
+    case hostapi::modeGrayScale:
+    case hostapi::modeGray16:
+    case hostapi::modeGray32:
+      return 1;
+    case hostapi::modeRGB:
+    case hostapi::modeMultichannel:
+    case hostapi::modeRGB48:
+    case hostapi::modeDeepMultichannel:
+    case hostapi::modeRGB96:
+      return 3;
+    default:
+      return 0;
+  }
+}
+
+int sampleDepth(std::int64_t depth) {
+  switch (depth) {
+    case 32:
+      return 32;
+    case 16:
+      return 16;
+    case 8:
+    case 0:
+      return 8;  // hosts that know 8 bits only leave the field at 0
+    default:
+      return 0;
+  }
+}
+
+}  // namespace
+
+PictureLayout pictureLayoutOf(const hostapi::FilterRecord* record) {
+  const std::int64_t planes = GetRecordValue(record, RenderValue::planes);
+  const std::int64_t layerPlanes = GetRecordValue(record, RenderValue::inLayerPlanes);
+  const bool transparent = GetRecordValue(record, RenderValue::inTransparencyMask) != 0;
+
+  std::int64_t colors = layerPlanes;
+  if (colors == 0 && !transparent) colors = GetRecordValue(record, RenderValue::inNonLayerPlanes);
+  if (colors == 0) colors = planes;
+  const int limit = largestColorCount(GetRecordValue(record, RenderValue::imageMode));
+  colors = std::clamp<std::int64_t>(colors, 0, limit);
+  const bool hasAlpha = transparent && layerPlanes + 1 <= planes;
+  if (colors + (hasAlpha ? 1 : 0) > planes) colors = 0;  // the record contradicts itself
+  return {static_cast<int>(colors), hasAlpha,
+          sampleDepth(GetRecordValue(record, RenderValue::depth))};
+}
+
+std::int16_t selectRenderTemplate(HalvorsundHost& host, const EffectParameters& parameters,
+                                  std::int32_t previewLevel, const hostapi::FilterRecord* record) {
+  trace("SelectRenderTemplate()");
+  const LogIndent indent;
+  const auto value = [record](RenderValue v) {
+    return static_cast<std::int32_t>(GetRecordValue(record, v));
+  };
+  const PictureLayout layout = pictureLayoutOf(record);
+  const HostBuffers buffers{
+      .width = value(RenderValue::outRight) - value(RenderValue::outLeft),
+      .height = value(RenderValue::outBottom) - value(RenderValue::outTop),
+      .planes = value(RenderValue::planes),
+      .input = record->inData,
+      .inputRowBytes = value(RenderValue::inRowBytes),
+      .output = record->outData,
+      .outputRowBytes = value(RenderValue::outRowBytes),
+      .mask = record->maskData,
+      .maskRowBytes = value(RenderValue::maskRowBytes),
+  };
+  if (layout.colorPlanes == 0 || layout.depth == 0) return 0;
+  if (buffers.width <= 0 || buffers.height <= 0) return 0;
+  if (buffers.input == nullptr || buffers.output == nullptr) return 0;
+
+  const ViewGeometry view{
+      .width = buffers.width,
+      .height = buffers.height,
+      .scaleX = static_cast<double>(record->imageSize.h / buffers.width + previewLevel),
+      .scaleY = static_cast<double>(record->imageSize.v / buffers.height + previewLevel),
+  };
+  const int number = configurationNumber(layout.depth, layout.hasAlpha, layout.colorPlanes);
+  const RenderFunction render = renderTable[static_cast<std::size_t>(number - 1)];
+  return static_cast<std::int16_t>(render(host, buffers, renderValuesOf(parameters, view)));
+}
+
+}  // namespace radiashafts

@@ -1,0 +1,105 @@
+#include "services/thread_pool.h"
+
+#include <algorithm>
+
+#include "diagnostics/debug_log.h"
+
+namespace radiashafts {
+
+ThreadPool& ThreadPool::Instance() {
+  static ThreadPool pool;
+  return pool;
+}
+
+ThreadPool::ThreadPool() {
+  trace("ThreadPool::ThreadPool()");
+}
+
+ThreadPool::~ThreadPool() {
+  trace("ThreadPool::~ThreadPool()");
+  free();
+}
+
+bool ThreadPool::init(std::int32_t count) {
+  trace("ThreadPool::init ()");
+  const LogIndent indent;
+  if (threadCount_ > 0) return true;
+
+  count = std::clamp(count, 1, maximumSlots);
+  for (std::int32_t i = 1; i < count; ++i) {
+    if (!threads_[i].start(WorkerMain, &slots_[i])) {
+      free();
+      return false;
+    }
+  }
+  trace("threads sucesfully initiated");
+  threadCount_ = count;
+  return true;
+}
+
+void ThreadPool::WorkerMain(void* argument) {
+  WorkerSlot& slot = *static_cast<WorkerSlot*>(argument);
+  while (true) {
+    slot.startEvent.wait();
+    trace("thread ", slot.index, " started");
+    if (slot.quit) break;
+    slot.pool->iterateShare(slot);
+    slot.startEvent.reset();
+    slot.doneEvent.set();
+  }
+  slot.exitEvent.set();
+}
+
+void ThreadPool::iterateShare(WorkerSlot& slot) {
+  for (std::int32_t i = nextIndex_++; i < slot.iterations; i = nextIndex_++) {
+    if (slot.result != 0) return;
+    slot.result = slot.callback.function(slot.callback.context, i, slot.iterations, slot.index);
+  }
+}
+
+std::int32_t ThreadPool::iterate(std::int32_t iterations, IterationCallback callback) {
+  trace("ThreadPool::iterate (iterations(", iterations, "))");
+  const LogIndent indent;
+
+  nextIndex_ = 0;
+  for (std::int32_t i = 0; i < threadCount_; ++i) {
+    WorkerSlot& slot = slots_[i];
+    slot.iterations = iterations;
+    slot.index = i;
+    slot.callback = callback;
+    slot.result = 0;
+    slot.pool = this;
+    slot.quit = false;
+  }
+  for (std::int32_t i = 1; i < threadCount_; ++i) {
+    slots_[i].doneEvent.reset();
+    slots_[i].startEvent.set();
+  }
+  iterateShare(slots_[0]);
+  for (std::int32_t i = 1; i < threadCount_; ++i) {
+    trace("waiting for thread ", i, " to finish calculations");
+    slots_[i].doneEvent.wait();
+  }
+  trace("all threads finished");
+  return slots_[0].result;
+}
+
+void ThreadPool::free() {
+  trace("ThreadPool::free ()");
+  const LogIndent indent;
+  for (std::int32_t i = 1; i < maximumSlots; ++i) {
+    if (!threads_[i].started()) continue;
+    slots_[i].quit = true;
+    slots_[i].startEvent.set();
+  }
+  for (std::int32_t i = 1; i < maximumSlots; ++i) {
+    if (!threads_[i].started()) continue;
+    slots_[i].exitEvent.wait();
+    threads_[i].close();
+    slots_[i].exitEvent.reset();
+    slots_[i].startEvent.reset();
+    slots_[i].quit = false;
+  }
+}
+
+}  // namespace radiashafts

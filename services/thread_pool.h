@@ -1,0 +1,70 @@
+// Shares iterations out over the calling thread and a set of waiting workers.
+#pragma once
+
+#include <array>
+#include <atomic>
+#include <cstdint>
+
+#include "platform/manual_reset_event.h"
+#include "platform/thread.h"
+
+namespace radiashafts {
+
+// What an iteration runs: a context and a function that gets it back with the iteration's number,
+// the count of iterations and the slot of the thread it runs on. The status 0 is success.
+struct IterationCallback {
+  using Function = std::int32_t (*)(void* context, std::int32_t iteration, std::int32_t iterations,
+                                    std::int32_t threadIndex);
+  void* context = nullptr;
+  Function function = nullptr;
+};
+
+class ThreadPool {
+ public:
+  static constexpr std::int32_t maximumSlots = 64;
+
+  ThreadPool();
+  ~ThreadPool();
+  ThreadPool(const ThreadPool&) = delete;
+  ThreadPool& operator=(const ThreadPool&) = delete;
+
+  // The one pool of the process.
+  static ThreadPool& Instance();
+
+  // Makes the pool ready with count slots, the calling thread's included, held in 1 to 64. Only
+  // the first successful call counts; false when a thread could not be made.
+  bool init(std::int32_t count);
+
+  // Runs iterations 0 to iterations - 1, handed out one by one in rising order. A thread whose
+  // callback fails takes no more of them, the others go on. Returns the status of the calling
+  // thread's share alone. Calls may not overlap.
+  std::int32_t iterate(std::int32_t iterations, IterationCallback callback);
+
+  // Ends the workers that were made. A pool that served a call is not used after it.
+  void free();
+
+  std::int32_t threadCount() const { return threadCount_; }
+
+ private:
+  struct WorkerSlot {
+    std::int32_t iterations = 0;
+    std::int32_t index = 0;
+    IterationCallback callback;
+    std::int32_t result = 0;
+    platform::ManualResetEvent startEvent;
+    platform::ManualResetEvent doneEvent;
+    platform::ManualResetEvent exitEvent;
+    bool quit = false;
+    ThreadPool* pool = nullptr;
+  };
+
+  static void WorkerMain(void* slot);
+  void iterateShare(WorkerSlot& slot);
+
+  std::int32_t threadCount_ = 0;
+  std::atomic<std::int32_t> nextIndex_{0};
+  std::array<WorkerSlot, maximumSlots> slots_;
+  std::array<platform::Thread, maximumSlots> threads_;  // entry 0 stays empty
+};
+
+}  // namespace radiashafts

@@ -1,0 +1,87 @@
+#include "standin/host_buffer_suite.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+#include "standin/descriptors.h"
+
+namespace radiashafts::standin {
+namespace {
+
+constexpr std::size_t guardSize = 64;  // keeps the buffer aligned for any use
+constexpr std::uint8_t guardByte = 0xA5;
+
+// The first guard begins with the buffer's size.
+struct Header {
+  std::uint32_t size;
+};
+
+std::uint8_t* blockOf(void* buffer) {
+  return static_cast<std::uint8_t*>(buffer) - guardSize;
+}
+
+std::uint32_t sizeOf(void* buffer) {
+  return reinterpret_cast<Header*>(blockOf(buffer))->size;
+}
+
+bool isGuard(const std::uint8_t* from, const std::uint8_t* to) {
+  return std::all_of(from, to, [](std::uint8_t byte) { return byte == guardByte; });
+}
+
+void* newBuffer(std::uint32_t* requestedSize, std::uint32_t minimumSize) {
+  MemoryState& state = memoryState();
+  if (++state.allocations == state.failAt) return nullptr;
+  const std::size_t size = std::max(requestedSize != nullptr ? *requestedSize : 0, minimumSize);
+  const std::size_t total = (size + 2 * guardSize + guardSize - 1) / guardSize * guardSize;
+  auto* block = static_cast<std::uint8_t*>(std::aligned_alloc(guardSize, total));
+  if (block == nullptr) return nullptr;
+  std::fill_n(block, guardSize, guardByte);
+  std::fill(block + guardSize + size, block + total, guardByte);
+  reinterpret_cast<Header*>(block)->size = static_cast<std::uint32_t>(size);
+  if (requestedSize != nullptr) *requestedSize = static_cast<std::uint32_t>(size);
+  ++state.live;
+  return block + guardSize;
+}
+
+void disposeBuffer(void** buffer) {
+  if (*buffer == nullptr) return;
+  std::uint8_t* block = blockOf(*buffer);
+  const std::uint8_t* end = block + guardSize + sizeOf(*buffer);
+  if (!isGuard(block + sizeof(Header), block + guardSize) || !isGuard(end, end + guardSize)) {
+    memoryState().guardsIntact = false;
+  }
+  --memoryState().live;
+  std::free(block);
+  *buffer = nullptr;
+}
+
+std::uint32_t bufferSpace() {
+  return 0x7FFFFFFF;
+}
+
+void setLock(hostapi::Handle handle, hostapi::Boolean, void** address, hostapi::Boolean* oldLock) {
+  if (address != nullptr) *address = *handle;
+  if (oldLock != nullptr) *oldLock = 0;
+}
+
+}  // namespace
+
+MemoryState& memoryState() {
+  static MemoryState state;
+  return state;
+}
+
+const hostapi::BufferSuite1* bufferSuite() {
+  static const hostapi::BufferSuite1 suite{newBuffer, disposeBuffer, sizeOf, bufferSpace};
+  return &suite;
+}
+
+const hostapi::HandleSuite2* handleSuite() {
+  const hostapi::HandleProcs& procs = *handleProcs();
+  static const hostapi::HandleSuite2 suite{
+      procs.newProc,     procs.disposeProc, procs.disposeRegularHandleProc, setLock,
+      procs.getSizeProc, procs.setSizeProc, procs.recoverSpaceProc};
+  return &suite;
+}
+
+}  // namespace radiashafts::standin

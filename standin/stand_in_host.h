@@ -1,0 +1,114 @@
+// A host of the plug-in interface in small: serves one picture to a filter module and takes the
+// result.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <vector>
+
+#include "hostapi/constants.h"
+#include "hostapi/filter_record.h"
+#include "standin/picture.h"
+#include "standin/script.h"
+
+namespace radiashafts::standin {
+
+using EntryPoint = void (*)(std::int16_t selector, void* block, std::intptr_t* data,
+                            std::int16_t* result);
+
+// What hosts differ in.
+struct HostTraits {
+  bool suites = true;
+  bool descriptors = true;
+  bool handleProcs = true;
+  bool colorServices = false;
+  bool displayPixels = false;
+  bool sampling = true;  // else requests are filled from the full-size image
+  int inputPadding = 0;  // bytes behind each row of the input
+  int outputPadding = 0;
+  int maskPadding = 0;
+  int guardBytes = 0;  // before and behind each served buffer
+  std::int16_t playInfo = hostapi::playDontDisplay;
+};
+
+// Faults that the host is to show.
+struct HostFaults {
+  hostapi::OSErr advanceStateError = 0;
+  bool noAdvanceState = false;
+  bool noProgressProc = false;
+  int failAllocation = 0;   // the number of the suite allocation that fails, 0 for none
+  int abortAtProgress = 0;  // the number of the progress call behind which the user aborts
+};
+
+struct RunResult {
+  std::int16_t status = 0;  // what the filter answered to start
+  Script script;            // what it handed back, empty where it wrote none
+  int progressCalls = 0;
+  bool guardsIntact = true;  // of all buffers that the filter was given
+  int leakedBuffers = 0;
+};
+
+class StandInHost {
+ public:
+  // input, mask and output stand for as long as this. mask may be null. A run writes into output,
+  // which may not be the input.
+  StandInHost(const Picture& input, const Mask* mask, HostTraits traits = {});
+  StandInHost(const StandInHost&) = delete;
+  StandInHost& operator=(const StandInHost&) = delete;
+
+  HostFaults faults;
+  std::function<void(std::int32_t done, std::int32_t total)> onProgress;
+  std::function<bool()> abortWanted;
+
+  // Goes through the selectors of one run with a recorded script. output becomes the filtered
+  // picture; it is of no use when the status is not 0.
+  RunResult run(EntryPoint entry, const Script& script, Picture& output);
+
+  // The block that the filter gets, for runs by hand. Its buffers are served by advanceState.
+  hostapi::FilterRecord& record() { return record_; }
+
+ private:
+  // One buffer as the filter sees it: the picture's own bytes where the traits allow it, else a
+  // padded and guarded copy.
+  struct ServedBuffer {
+    std::vector<std::uint8_t> copy;
+    std::size_t rows = 0;
+    std::size_t usedRowBytes = 0;
+    std::size_t rowBytes = 0;
+    std::size_t guard = 0;
+
+    void prepare(std::size_t rowCount, std::size_t used, int padding, int guardBytes);
+    std::uint8_t* row(std::size_t y) { return copy.data() + guard + y * rowBytes; }
+    bool intact() const;
+  };
+
+  static hostapi::OSErr AdvanceState();
+  static void ReportProgress(std::int32_t done, std::int32_t total);
+  static hostapi::Boolean AbortWanted();
+
+  void fillRecord();
+  void fillDescriptors(const Script& script);
+  hostapi::OSErr serve();
+  bool serveInput();
+  bool serveOutput();
+  bool serveMask();
+  void takeOutput();
+  bool guardsIntact() const;
+
+  const Picture& input_;
+  const Mask* mask_;
+  HostTraits traits_;
+  Picture* output_ = nullptr;
+  hostapi::FilterRecord record_{};
+  hostapi::PlatformData platformData_{};
+  hostapi::PIDescriptorParameters descriptorParameters_{};
+  ServedBuffer servedInput_;
+  ServedBuffer servedOutput_;
+  ServedBuffer servedMask_;
+  hostapi::Rect servedOutRect_{};
+  int progressCalls_ = 0;
+
+  static StandInHost* current_;  // the host's procs carry no context
+};
+
+}  // namespace radiashafts::standin

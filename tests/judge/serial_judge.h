@@ -1,0 +1,57 @@
+// A second, plain and serial implementation of the whole render. It exists only for the tests: it
+// shares no code with the production render apart from the power function, favours clarity over
+// speed, and its results are what the production render must reproduce.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+namespace judge {
+
+struct Picture {
+  int width = 0;
+  int height = 0;
+  int planes = 0;         // samples per pixel, those that the render ignores included
+  int depth = 8;          // 8, 16 or 32 bits per sample
+  int colorChannels = 0;  // 1, 2 or 3: the leading planes that carry colour
+  bool hasAlpha = false;  // the plane behind the colour channels is alpha
+  // Interleaved, row by row, in the depth's own scale: 0..255, 0..32768, or the float value.
+  std::vector<double> samples;
+};
+
+struct Values {
+  double originX = 0.5;  // as a fraction of the picture's size
+  double originY = 0.5;
+  double intensity = 2.0;
+  double rayLength = 1.0;
+  double radius = 2.0;
+  double contrast = 0.0;
+  double gamma = 1.0;
+  double colorBalance = 0.0;
+  double hue = 0.0;
+  double saturation = 0.0;
+  double lightness = 0.0;
+  double selectionLow = 0.0;  // 0..255 at every depth
+  double selectionHigh = 255.0;
+  double selectionSoften = 0.0;
+  double selectionClimax = 1.0;
+  double colorLow[3] = {1.0, 1.0, 1.0};
+  double colorHigh[3] = {1.0, 1.0, 1.0};
+  bool useImageColor = true;
+  int mode = 1;           // 1 straight, anything else smooth
+  int blendMode = 3;      // 1..23
+  int selectionShow = 1;  // 1 rays, 2 selected image, 3 selection only
+};
+
+// Renders `input` and returns the output, which starts as a copy of the input. `mask` holds
+// width * height bytes or is null. The view scales are image pixels per pixel of the picture.
+Picture render(const Picture& input, const std::uint8_t* mask, const Values& values,
+               double viewScaleX = 1.0, double viewScaleY = 1.0);
+
+// The two smears alone, in place on a tight image of `channels` interleaved channels.
+void straightRays(std::vector<float>& image, int width, int height, int channels, int originX,
+                  int originY, double length);
+void smoothRays(std::vector<float>& image, int width, int height, int channels, int originX,
+                int originY, double length);
+
+}  // namespace judge

@@ -72,12 +72,22 @@ Layout layoutOf(const Picture& picture) {
 // ---- Numbers -----------------------------------------------------------------------------------
 
 // 32-bit arithmetic that wraps where large pictures or far origins overflow it.
-int wrap(std::uint32_t value) { return static_cast<int>(value); }
-std::uint32_t bits(int value) { return static_cast<std::uint32_t>(value); }
-int wrapSub(int a, int b) { return wrap(bits(a) - bits(b)); }
-int wrapMul(int a, int b) { return wrap(bits(a) * bits(b)); }
+int wrap(std::uint32_t value) {
+  return static_cast<int>(value);
+}
+std::uint32_t bits(int value) {
+  return static_cast<std::uint32_t>(value);
+}
+int wrapSub(int a, int b) {
+  return wrap(bits(a) - bits(b));
+}
+int wrapMul(int a, int b) {
+  return wrap(bits(a) * bits(b));
+}
 
-std::int64_t magnitude(int value) { return std::abs(static_cast<std::int64_t>(value)); }
+std::int64_t magnitude(int value) {
+  return std::abs(static_cast<std::int64_t>(value));
+}
 
 // Truncates toward zero; what no int can hold saturates and a NaN gives 0.
 int truncated(double value) {
@@ -161,7 +171,9 @@ double weighted(const Layout& layout, const Pixel& p) {
 }
 
 // With fewer than three channels the empty slots make 0 take part, as it should.
-double largest(const Pixel& p) { return std::max(std::max(p.c[0], p.c[1]), p.c[2]); }
+double largest(const Pixel& p) {
+  return std::max(std::max(p.c[0], p.c[1]), p.c[2]);
+}
 
 Pixel readPixel(const Picture& picture, const Layout& layout, std::size_t first) {
   Pixel p;
@@ -256,7 +268,7 @@ double selectionValue(const Selection& selection, const Layout& layout, const Pi
 // depth, truncated back to the sample type.
 Pixel decidingColor(const Layout& layout, Pixel p) {
   if (!layout.alpha) return p;
-  const float alpha = static_cast<float>(p.a) * static_cast<float>(layout.unit);
+  const float alpha = static_cast<float>(p.a) / static_cast<float>(layout.range);
   for (int k = 0; k < layout.colors; ++k) {
     const float product = static_cast<float>(p.c[k]) * alpha;
     p.c[k] = stored(layout, static_cast<double>(product));
@@ -268,7 +280,7 @@ Pixel decidingColor(const Layout& layout, Pixel p) {
 Pixel selectedPixel(const Selection& selection, const Layout& layout, const Pixel& picture) {
   Pixel p = picture;
   if (layout.alpha) {
-    const double alpha = picture.a * layout.unit;
+    const double alpha = picture.a / layout.range;
     for (int k = 0; k < layout.colors; ++k) p.c[k] *= alpha;
     p.a *= alpha;
   }
@@ -286,7 +298,9 @@ Pixel selectedPixel(const Selection& selection, const Layout& layout, const Pixe
   return p;
 }
 
-double maskFactor(std::uint8_t mask) { return static_cast<double>(mask) * kPerByte; }
+double maskFactor(std::uint8_t mask) {
+  return static_cast<double>(mask) * kPerByte;
+}
 
 // ---- Float images ------------------------------------------------------------------------------
 
@@ -684,9 +698,9 @@ std::vector<float> makeGammaTable(const Layout& layout, double exponent) {
 }
 
 void adjustHsl(const Layout& layout, Pixel& p, const Values& values) {
-  const double r = p.c[0] * layout.unit;
-  const double g = p.c[1] * layout.unit;
-  const double b = p.c[2] * layout.unit;
+  const double r = p.c[0] / layout.range;
+  const double g = p.c[1] / layout.range;
+  const double b = p.c[2] / layout.range;
   Hsl hsl = rgbToHsl(r, g, b);
   double s = values.saturation;
   if (s > 0.0) {  // weak colours are to stay weak

@@ -1,0 +1,108 @@
+#include "cli/command_line.h"
+
+#include <iostream>
+#include <map>
+#include <memory>
+
+#include <CLI/CLI.hpp>
+
+#include "cli/parameter_options.h"
+#include "platform/module.h"
+
+namespace radiashafts::cli {
+namespace {
+
+constexpr char moduleName[] = "libradiashafts.so";
+
+constexpr char footer[] =
+    "Exit codes: 0 done, 2 command line, 3 unreadable input, 4 unwritable output, 5 render,\n"
+    "130 interrupted. An output is written beside its place and renamed onto it when complete.";
+
+class Formatter final : public CLI::Formatter {
+  std::string make_usage(const CLI::App*, std::string) const override {
+    return "Usage: radiashafts [OPTIONS] INPUT OUTPUT\n"
+           "       radiashafts [OPTIONS] INPUT... --output-dir DIR\n";
+  }
+};
+
+// Inputs and outputs from the plain arguments. Throws on a contradiction.
+std::vector<Job> jobsOf(const std::vector<std::string>& paths, const std::string& outputDirectory) {
+  namespace fs = std::filesystem;
+  std::vector<Job> jobs;
+  if (outputDirectory.empty()) {
+    if (paths.empty()) throw CLI::RequiredError("INPUT");
+    if (paths.size() == 1) throw CLI::RequiredError("OUTPUT, or --output-dir,");
+    if (paths.size() > 2) {
+      throw CLI::ValidationError("several inputs need --output-dir");
+    }
+    jobs.push_back({paths[0], paths[1]});
+  } else {
+    if (paths.empty()) throw CLI::RequiredError("INPUT");
+    if (!fs::is_directory(outputDirectory)) {
+      throw CLI::ValidationError("--output-dir: " + outputDirectory + ": is no directory");
+    }
+    std::map<fs::path, std::string> taken;
+    for (const std::string& path : paths) {
+      const fs::path output = fs::path(outputDirectory) / fs::path(path).filename();
+      const auto [place, isNew] = taken.emplace(output, path);
+      if (!isNew) {
+        throw CLI::ValidationError(place->second + " and " + path + " would both become " +
+                                   output.string());
+      }
+      jobs.push_back({path, output});
+    }
+  }
+  return jobs;
+}
+
+}  // namespace
+
+ParsedCommandLine parseCommandLine(int argc, char** argv) {
+  ParsedCommandLine parsed;
+  CommandLine& commandLine = parsed.commandLine;
+  CLI::App app("Paints soft rays of light streaming out of one point of a picture.", "radiashafts");
+  app.formatter(std::make_shared<Formatter>());
+  app.footer(footer);
+  app.set_version_flag("--version", "radiashafts " RADIASHAFTS_VERSION);
+
+  std::vector<std::string> paths;
+  std::string outputDirectory;
+  std::string mask;
+  std::string module = (platform::executablePath().parent_path() / moduleName).string();
+  bool listWanted = false;
+  app.add_option("paths", paths, "Pictures to read, and the one to write")
+      ->option_text("INPUT... OUTPUT");
+  app.add_option("--output-dir", outputDirectory, "Write each output here under its input's name")
+      ->type_name("DIR");
+  app.add_option("--mask", mask, "Selection: an 8-bit grey picture of the input's size")
+      ->type_name("FILE");
+  app.add_option("--module", module, "The filter module to run")->type_name("FILE");
+  app.add_flag("--list-parameters", listWanted, "Tell names, defaults, ranges and entries");
+  app.add_flag("--quiet", commandLine.quiet, "Print errors only");
+  const ParameterOptions parameters(app);
+
+  try {
+    app.parse(argc, argv);
+    if (listWanted) {
+      listParameters(std::cout);
+      parsed.exitCode = exitSuccess;
+      return parsed;
+    }
+    commandLine.jobs = jobsOf(paths, outputDirectory);
+  } catch (const CLI::ParseError& error) {
+    if (error.get_exit_code() == 0) {
+      parsed.exitCode = app.exit(error);  // help or version
+    } else {
+      std::cerr << "radiashafts: " << error.what() << '\n';
+      parsed.exitCode = exitUsage;
+    }
+    return parsed;
+  }
+  if (!mask.empty()) commandLine.mask = mask;
+  commandLine.module = module;
+  commandLine.script = parameters.script();
+  commandLine.notes = parameters.notes();
+  return parsed;
+}
+
+}  // namespace radiashafts::cli

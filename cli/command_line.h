@@ -1,0 +1,44 @@
+// What the user asked for.
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "standin/script.h"
+
+namespace radiashafts::cli {
+
+enum ExitCode : int {
+  exitSuccess = 0,
+  exitUsage = 2,     // the command line
+  exitInput = 3,     // a picture or mask that cannot be read
+  exitOutput = 4,    // a picture that cannot be written
+  exitRender = 5,    // the filter: not loaded, out of memory, refused
+  exitAborted = 130  // Ctrl-C
+};
+
+struct Job {
+  std::filesystem::path input;
+  std::filesystem::path output;
+};
+
+struct CommandLine {
+  std::vector<Job> jobs;
+  std::optional<std::filesystem::path> mask;
+  std::filesystem::path module;
+  standin::Script script;
+  std::vector<std::string> notes;  // for the user, a line each
+  bool quiet = false;
+};
+
+// Parses the arguments. Where there is nothing left to do (help, version, list, or a mistake, which
+// it prints as one line) it gives the exit code instead.
+struct ParsedCommandLine {
+  std::optional<int> exitCode;
+  CommandLine commandLine;
+};
+ParsedCommandLine parseCommandLine(int argc, char** argv);
+
+}  // namespace radiashafts::cli

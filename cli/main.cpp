@@ -1,0 +1,118 @@
+// The native command line: a small host that runs the filter module on picture files.
+
+#include <chrono>
+#include <csignal>
+#include <cstdio>
+#include <iostream>
+
+#include "cli/command_line.h"
+#include "cli/progress_bar.h"
+#include "platform/module.h"
+#include "standin/picture_file.h"
+#include "standin/stand_in_host.h"
+
+namespace radiashafts::cli {
+namespace {
+
+volatile std::sig_atomic_t interrupted = 0;
+
+bool wasInterrupted() {
+  return interrupted != 0;
+}
+
+struct Failure {
+  int exitCode;
+  std::string text;
+};
+
+void checkMask(const CommandLine& commandLine, const standin::Mask& mask,
+               const standin::Picture& picture) {
+  if (mask.width == picture.width && mask.height == picture.height) return;
+  throw Failure{exitInput, commandLine.mask->string() + ": the mask is " +
+                               std::to_string(mask.width) + " x " + std::to_string(mask.height) +
+                               " and the picture " + std::to_string(picture.width) + " x " +
+                               std::to_string(picture.height)};
+}
+
+std::string causeOf(std::int16_t status) {
+  if (status == hostapi::memoryFullError) return "not enough memory";
+  return "the filter answered " + std::to_string(status);
+}
+
+// Replaces the picture by the filtered one. Returns the seconds that the filter took.
+double filter(const CommandLine& commandLine, const Job& job, standin::EntryPoint entry,
+              const standin::Mask* mask, standin::Picture& picture) {
+  ProgressBar bar(job.input.filename().string(), !commandLine.quiet);
+  standin::StandInHost host(picture, mask);
+  host.onProgress = [&bar](std::int32_t done, std::int32_t total) { bar.show(done, total); };
+  host.abortWanted = wasInterrupted;
+  standin::Picture output;
+  const auto start = std::chrono::steady_clock::now();
+  const standin::RunResult result = host.run(entry, commandLine.script, output);
+  const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - start;
+  if (result.status == hostapi::userCanceledError) throw Failure{exitAborted, "interrupted"};
+  if (result.status != 0) {
+    throw Failure{exitRender, job.input.string() + ": " + causeOf(result.status)};
+  }
+  picture = std::move(output);
+  return seconds.count();
+}
+
+void process(const CommandLine& commandLine, const Job& job, standin::EntryPoint entry,
+             const standin::Mask* mask) {
+  standin::PictureFile file = standin::readPictureFile(job.input);
+  if (mask != nullptr) checkMask(commandLine, *mask, file.picture);
+  const int width = file.picture.width;
+  const int height = file.picture.height;
+  const int depth = file.picture.depth;
+  const double seconds = filter(commandLine, job, entry, mask, file.picture);
+
+  standin::WriteResult result;
+  try {
+    result = standin::writePictureFile(job.output, std::move(file), wasInterrupted);
+  } catch (const standin::PictureFileError& error) {
+    throw Failure{exitOutput, error.what()};
+  }
+  if (!result.written) throw Failure{exitAborted, "interrupted"};
+  if (commandLine.quiet) return;
+  for (const std::string& note : result.notes) std::cerr << "note: " << note << '\n';
+  std::printf("%s: %d x %d pixels, %d bits a channel, rays in %.2f s\n",
+              job.output.string().c_str(), width, height, depth, seconds);
+}
+
+int run(const CommandLine& commandLine) {
+  try {
+    platform::Module module;
+    if (!module.load(commandLine.module)) throw Failure{exitRender, module.error()};
+    const auto entry = reinterpret_cast<standin::EntryPoint>(module.symbol("ENTRYPOINT"));
+    if (entry == nullptr) {
+      throw Failure{exitRender, commandLine.module.string() + ": exports no ENTRYPOINT"};
+    }
+    std::optional<standin::Mask> mask;
+    if (commandLine.mask) mask = standin::readMaskFile(*commandLine.mask);
+    if (!commandLine.quiet) {
+      for (const std::string& note : commandLine.notes) std::cerr << "note: " << note << '\n';
+    }
+    for (const Job& job : commandLine.jobs)
+      process(commandLine, job, entry, mask ? &*mask : nullptr);
+    return exitSuccess;
+  } catch (const Failure& failure) {
+    std::cerr << "radiashafts: " << failure.text << '\n';
+    return failure.exitCode;
+  } catch (const standin::PictureFileError& error) {
+    std::cerr << "radiashafts: " << error.what() << '\n';
+    return exitInput;
+  } catch (const std::bad_alloc&) {
+    std::cerr << "radiashafts: not enough memory\n";
+    return exitRender;
+  }
+}
+
+}  // namespace
+}  // namespace radiashafts::cli
+
+int main(int argc, char** argv) {
+  std::signal(SIGINT, [](int) { radiashafts::cli::interrupted = 1; });
+  const radiashafts::cli::ParsedCommandLine parsed = radiashafts::cli::parseCommandLine(argc, argv);
+  return parsed.exitCode ? *parsed.exitCode : radiashafts::cli::run(parsed.commandLine);
+}

@@ -1,0 +1,207 @@
+#include "cli/parameter_options.h"
+
+#include <algorithm>
+#include <cctype>
+#include <charconv>
+#include <cmath>
+#include <iomanip>
+#include <sstream>
+
+namespace radiashafts::cli {
+namespace {
+
+bool hasOption(const ParameterFacts& facts) {
+  return facts.keys[0] != nullptr;
+}
+
+// "RayLength" becomes "--ray-length".
+std::string optionName(const ParameterFacts& facts) {
+  std::string name = "--";
+  for (const char* c = facts.name; *c != '\0'; ++c) {
+    if (std::isupper(static_cast<unsigned char>(*c)) && name.size() > 2) name += '-';
+    name += static_cast<char>(std::tolower(static_cast<unsigned char>(*c)));
+  }
+  return name;
+}
+
+// The locale never changes how numbers are read.
+double parseNumber(std::string_view text) {
+  double value = 0.0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+  if (error != std::errc() || end != text.data() + text.size() || !std::isfinite(value)) {
+    throw CLI::ValidationError("'" + std::string(text) + "' is no number");
+  }
+  return value;
+}
+
+std::array<double, 3> parseNumbers(const std::string& text, int count) {
+  std::array<double, 3> numbers{};
+  std::string_view rest = text;
+  for (int i = 0; i < count; ++i) {
+    const std::size_t comma = rest.find(',');
+    if ((comma == std::string_view::npos) != (i == count - 1)) {
+      throw CLI::ValidationError("'" + text + "' is not " + std::to_string(count) +
+                                 " numbers with commas between them");
+    }
+    numbers[static_cast<std::size_t>(i)] = parseNumber(rest.substr(0, comma));
+    if (comma != std::string_view::npos) rest.remove_prefix(comma + 1);
+  }
+  return numbers;
+}
+
+double parseSwitch(const std::string& text) {
+  if (text == "on" || text == "true" || text == "yes" || text == "1") return 1.0;
+  if (text == "off" || text == "false" || text == "no" || text == "0") return 0.0;
+  throw CLI::ValidationError("'" + text + "' is neither on nor off");
+}
+
+double parseEntry(const std::string& text, const ParameterFacts& facts) {
+  const auto entry = std::find(facts.entries.begin(), facts.entries.end(), text);
+  if (entry != facts.entries.end()) {
+    return static_cast<double>(entry - facts.entries.begin() + 1);
+  }
+  int number = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+  if (error != std::errc() || end != text.data() + text.size() || number < 1 ||
+      number > static_cast<int>(facts.entries.size())) {
+    throw CLI::ValidationError("'" + text +
+                               "' is none of its entries; --list-parameters tells them");
+  }
+  return number;
+}
+
+std::array<double, 3> parseValue(const std::string& text, const ParameterFacts& facts) {
+  switch (facts.kind) {
+    case ParameterKind::boolean:
+      return {parseSwitch(text)};
+    case ParameterKind::list:
+      return {parseEntry(text, facts)};
+    default:
+      return parseNumbers(text, valueCount(facts.kind));
+  }
+}
+
+std::string valueForm(const ParameterFacts& facts) {
+  switch (facts.kind) {
+    case ParameterKind::position:
+      return "X,Y";
+    case ParameterKind::color:
+      return "R,G,B";
+    case ParameterKind::boolean:
+      return "on|off";
+    case ParameterKind::list:
+      return "NAME";
+    default:
+      return "NUMBER";
+  }
+}
+
+std::string formatted(double value) {
+  std::ostringstream stream;
+  stream.imbue(std::locale::classic());
+  stream << value;
+  return stream.str();
+}
+
+std::string defaultText(const ParameterFacts& facts) {
+  if (facts.kind == ParameterKind::boolean) return facts.defaults[0] != 0.0 ? "on" : "off";
+  if (facts.kind == ParameterKind::list) {
+    return facts.entries[static_cast<std::size_t>(facts.defaults[0]) - 1];
+  }
+  std::string text;
+  for (int i = 0; i < valueCount(facts.kind); ++i) {
+    if (i > 0) text += ',';
+    text += formatted(facts.defaults[static_cast<std::size_t>(i)]);
+  }
+  return text;
+}
+
+std::string rangeText(const ParameterFacts& facts) {
+  switch (facts.kind) {
+    case ParameterKind::position:
+      return "0 to 1 inside the picture";
+    case ParameterKind::boolean:
+      return "on, off";
+    case ParameterKind::list: {
+      std::string text;
+      for (const char* entry : facts.entries) {
+        if (!text.empty()) text += ", ";
+        text += entry;
+      }
+      return text;
+    }
+    default:
+      if (facts.bound == Bound::lower) {
+        return "from " + formatted(facts.minimum) + ", " + formatted(facts.maximum) + " is a lot";
+      }
+      return formatted(facts.minimum) + " to " + formatted(facts.maximum);
+  }
+}
+
+standin::ScriptValue scriptValue(const ParameterFacts& facts, double number) {
+  switch (facts.kind) {
+    case ParameterKind::boolean:
+      return number != 0.0;
+    case ParameterKind::list:
+      return static_cast<std::int32_t>(number);
+    default:
+      return number;
+  }
+}
+
+}  // namespace
+
+ParameterOptions::ParameterOptions(CLI::App& app) {
+  for (std::size_t i = 0; i < effectTable.size(); ++i) {
+    const ParameterFacts& facts = effectTable[i];
+    if (!hasOption(facts)) continue;
+    Value& value = values_[i];
+    const auto parse = [&facts, &value](const CLI::results_t& texts) {
+      value = {true, parseValue(texts.back(), facts)};
+      return true;
+    };
+    app.add_option(optionName(facts), parse, rangeText(facts))
+        ->type_name(valueForm(facts))
+        ->expected(1)
+        ->group("Parameters");
+  }
+}
+
+standin::Script ParameterOptions::script() const {
+  standin::Script script;
+  for (std::size_t i = 0; i < effectTable.size(); ++i) {
+    if (!values_[i].given) continue;
+    const ParameterFacts& facts = effectTable[i];
+    for (std::size_t k = 0; k < facts.keys.size() && facts.keys[k] != nullptr; ++k) {
+      script.emplace_back(scriptKey(facts.keys[k]), scriptValue(facts, values_[i].numbers[k]));
+    }
+  }
+  return script;
+}
+
+std::vector<std::string> ParameterOptions::notes() const {
+  std::vector<std::string> notes;
+  for (std::size_t i = 0; i < effectTable.size(); ++i) {
+    const ParameterFacts& facts = effectTable[i];
+    if (!values_[i].given || facts.bound == Bound::none) continue;
+    for (std::size_t k = 0; k < static_cast<std::size_t>(valueCount(facts.kind)); ++k) {
+      const double number = values_[i].numbers[k];
+      const double held = std::max(
+          facts.bound == Bound::both ? std::min(number, facts.maximum) : number, facts.minimum);
+      if (held == number) continue;
+      notes.push_back(optionName(facts) + ": " + formatted(number) +
+                      " lies outside its range and is taken as " + formatted(held));
+    }
+  }
+  return notes;
+}
+
+void listParameters(std::ostream& out) {
+  for (const ParameterFacts& facts : effectTable) {
+    if (!hasOption(facts)) continue;
+    out << std::left << std::setw(19) << optionName(facts) << "default " << std::setw(8)
+        << defaultText(facts) << "  " << rangeText(facts) << '\n';
+  }
+}
+
+}  // namespace radiashafts::cli

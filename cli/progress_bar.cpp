@@ -1,0 +1,30 @@
+#include "cli/progress_bar.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <utility>
+
+#include <unistd.h>
+
+namespace radiashafts::cli {
+
+ProgressBar::ProgressBar(std::string label, bool wanted)
+    : label_(std::move(label)), visible_(wanted && isatty(STDERR_FILENO) != 0) {}
+
+ProgressBar::~ProgressBar() {
+  if (visible_ && shownPercent_ >= 0) std::fputs("\r\033[K", stderr);
+}
+
+void ProgressBar::show(std::int32_t done, std::int32_t total) {
+  if (!visible_ || total <= 0) return;
+  const int percent =
+      static_cast<int>(std::clamp<std::int64_t>(std::int64_t{done} * 100 / total, 0, 100));
+  if (percent == shownPercent_) return;
+  shownPercent_ = percent;
+  constexpr int cells = 40;
+  std::string bar(static_cast<std::size_t>(percent * cells / 100), '#');
+  bar.resize(cells, '.');
+  std::fprintf(stderr, "\r%s [%s] %3d%%\033[K", label_.c_str(), bar.c_str(), percent);
+}
+
+}  // namespace radiashafts::cli

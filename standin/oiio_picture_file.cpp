@@ -1,0 +1,258 @@
+// Picture files through OpenImageIO.
+
+#include <algorithm>
+#include <cctype>
+#include <cstring>
+
+#include <OpenImageIO/imageio.h>
+#include <unistd.h>
+
+#include "standin/picture_file.h"
+
+namespace radiashafts::standin {
+namespace {
+
+namespace fs = std::filesystem;
+using OIIO::ImageInput;
+using OIIO::ImageOutput;
+using OIIO::ImageSpec;
+using OIIO::TypeDesc;
+
+struct OiioMetadata final : PictureMetadata {
+  ImageSpec spec;
+};
+
+[[noreturn]] void fail(const fs::path& path, const std::string& cause) {
+  // Libraries below put line breaks into their messages; the user gets one line.
+  std::string line = cause;
+  while (!line.empty() && std::isspace(static_cast<unsigned char>(line.back()))) line.pop_back();
+  std::replace(line.begin(), line.end(), '\n', ' ');
+  throw PictureFileError(path.string() + ": " + line);
+}
+
+int depthOf(TypeDesc format) {
+  switch (format.basetype) {
+    case TypeDesc::UINT8:
+      return 8;
+    case TypeDesc::UINT16:
+      return 16;
+    default:
+      return 32;
+  }
+}
+
+TypeDesc typeOf(int depth) {
+  return depth == 8 ? TypeDesc::UINT8 : depth == 16 ? TypeDesc::UINT16 : TypeDesc::FLOAT;
+}
+
+template <class Convert>
+void convertWords(Picture& picture, const Convert& convert) {
+  auto* sample = reinterpret_cast<std::uint16_t*>(picture.bytes.data());
+  for (std::size_t i = 0; i < picture.sampleCount(); ++i) sample[i] = convert(sample[i]);
+}
+
+// Files run from 0 to 65535, hosts from 0 to 32768.
+void toHostWords(Picture& picture) {
+  convertWords(picture, [](std::uint32_t v) {
+    return static_cast<std::uint16_t>((v * 32768U + 32767U) / 65535U);
+  });
+}
+
+void toFileWords(Picture& picture) {
+  convertWords(picture, [](std::uint32_t v) {
+    return static_cast<std::uint16_t>((std::min(v, 32768U) * 65535U + 16384U) / 32768U);
+  });
+}
+
+// Multiplies or divides the colours of a float picture by alpha.
+void associate(Picture& picture, bool multiply) {
+  auto* pixel = reinterpret_cast<float*>(picture.bytes.data());
+  const std::size_t pixels = picture.sampleCount() / static_cast<std::size_t>(picture.planes);
+  for (std::size_t i = 0; i < pixels; ++i, pixel += picture.planes) {
+    const float alpha = pixel[picture.colorPlanes];
+    if (alpha == 0.0F) continue;
+    for (int k = 0; k < picture.colorPlanes; ++k) {
+      pixel[k] = multiply ? pixel[k] * alpha : pixel[k] / alpha;
+    }
+  }
+}
+
+// OpenEXR stores colours multiplied by alpha and has no way to say otherwise.
+bool storesAssociated(const std::string& format) {
+  return format == "openexr";
+}
+
+// The one order of channels that hosts know: colours, then alpha, then what travels along.
+void layOut(Picture& picture, const ImageSpec& spec) {
+  picture.width = spec.width;
+  picture.height = spec.height;
+  picture.planes = spec.nchannels;
+  picture.colorPlanes = spec.nchannels <= 2 ? 1 : 3;
+  picture.hasAlpha =
+      spec.nchannels > picture.colorPlanes && spec.alpha_channel == picture.colorPlanes;
+  picture.depth = depthOf(spec.format);
+}
+
+std::unique_ptr<ImageInput> openInput(const fs::path& path, ImageSpec& spec) {
+  std::error_code error;
+  if (!fs::exists(path, error)) fail(path, "no such file");
+  if (fs::is_directory(path, error)) fail(path, "is a directory");
+  ImageSpec wish;
+  wish.attribute("oiio:UnassociatedAlpha", 1);
+  auto input = ImageInput::open(path.string(), &wish);
+  if (input == nullptr) fail(path, OIIO::geterror());
+  spec = input->spec();
+  if (spec.width > hostapi::maximumSide || spec.height > hostapi::maximumSide) {
+    fail(path, "a side of " + std::to_string(std::max(spec.width, spec.height)) +
+                   " pixels is above the limit of 32767");
+  }
+  if (spec.depth > 1) fail(path, "is a volume, not a picture");
+  return input;
+}
+
+// Removes an unfinished file unless it was renamed onto its place.
+class PartialFile {
+ public:
+  explicit PartialFile(const fs::path& place)
+      : path_(place.parent_path() / ("." + place.stem().string() + ".partial-" +
+                                     std::to_string(getpid()) + place.extension().string())) {}
+  ~PartialFile() {
+    std::error_code ignored;
+    fs::remove(path_, ignored);
+  }
+  PartialFile(const PartialFile&) = delete;
+  PartialFile& operator=(const PartialFile&) = delete;
+
+  const fs::path& path() const { return path_; }
+
+ private:
+  fs::path path_;
+};
+
+// What goes into the file: the input's own description, as far as it still holds.
+ImageSpec outputSpec(const PictureFile& file, const ImageOutput& output) {
+  const auto* metadata = dynamic_cast<const OiioMetadata*>(file.metadata.get());
+  ImageSpec spec = metadata != nullptr ? metadata->spec : ImageSpec();
+  const Picture& picture = file.picture;
+  spec.width = spec.full_width = picture.width;
+  spec.height = spec.full_height = picture.height;
+  if (metadata != nullptr && output.supports("displaywindow")) {
+    spec.full_width = metadata->spec.full_width;
+    spec.full_height = metadata->spec.full_height;
+  } else {
+    spec.x = spec.y = spec.full_x = spec.full_y = 0;
+  }
+  if (!output.supports("tiles")) spec.tile_width = spec.tile_height = spec.tile_depth = 0;
+  spec.channelformats.clear();
+  spec.attribute("oiio:UnassociatedAlpha", 1);
+  // The samples were widened on reading where the file packed them.
+  spec.erase_attribute("oiio:BitsPerSample");
+  spec.erase_attribute("oiio:subimages");
+  return spec;
+}
+
+// Leaves out the channels that the format cannot hold, and says so.
+void dropChannels(Picture& picture, ImageSpec& spec, const ImageOutput& output,
+                  const fs::path& path, std::vector<std::string>& notes) {
+  int kept = picture.planes;
+  if (picture.hasAlpha && !output.supports("alpha")) kept = picture.colorPlanes;
+  if (!output.supports("nchannels")) {
+    kept = std::min(kept, picture.colorPlanes + (picture.hasAlpha && output.supports("alpha")));
+  }
+  if (kept == picture.planes) return;
+  notes.push_back(path.string() + ": " + output.format_name() + " holds " + std::to_string(kept) +
+                  " of the picture's " + std::to_string(picture.planes) +
+                  " channels; the rest is left out");
+  const std::size_t from = picture.pixelBytes();
+  picture.planes = kept;
+  const std::size_t to = picture.pixelBytes();
+  const std::size_t pixels =
+      static_cast<std::size_t>(picture.width) * static_cast<std::size_t>(picture.height);
+  for (std::size_t i = 0; i < pixels; ++i) {
+    std::memmove(&picture.bytes[i * to], &picture.bytes[i * from], to);
+  }
+  picture.allocate();
+  if (kept <= picture.colorPlanes) picture.hasAlpha = false;
+  spec.nchannels = kept;
+  spec.channelnames.resize(static_cast<std::size_t>(kept));
+  if (!picture.hasAlpha) spec.alpha_channel = -1;
+  if (spec.z_channel >= kept) spec.z_channel = -1;
+}
+
+}  // namespace
+
+PictureFile readPictureFile(const fs::path& path) {
+  auto metadata = std::make_shared<OiioMetadata>();
+  const auto input = openInput(path, metadata->spec);
+  const ImageSpec& spec = metadata->spec;
+  PictureFile file;
+  layOut(file.picture, spec);
+  file.picture.allocate();
+  if (!input->read_image(0, 0, 0, spec.nchannels, typeOf(file.picture.depth),
+                         file.picture.bytes.data())) {
+    fail(path, input->geterror());
+  }
+  if (file.picture.depth == 16) toHostWords(file.picture);
+  if (file.picture.hasAlpha && file.picture.depth == 32 && storesAssociated(input->format_name())) {
+    associate(file.picture, false);
+  }
+  file.metadata = std::move(metadata);
+  return file;
+}
+
+Mask readMaskFile(const fs::path& path) {
+  ImageSpec spec;
+  const auto input = openInput(path, spec);
+  if (spec.nchannels != 1 || spec.format != TypeDesc::UINT8) {
+    fail(path, "a mask is an 8-bit grey picture");
+  }
+  Mask mask{spec.width, spec.height, {}};
+  mask.bytes.resize(static_cast<std::size_t>(spec.width) * static_cast<std::size_t>(spec.height));
+  if (!input->read_image(0, 0, 0, 1, TypeDesc::UINT8, mask.bytes.data())) {
+    fail(path, input->geterror());
+  }
+  return mask;
+}
+
+WriteResult writePictureFile(const fs::path& path, PictureFile&& file,
+                             const std::function<bool()>& aborted) {
+  const PartialFile partial(path);
+  const auto output = ImageOutput::create(partial.path().string());
+  if (output == nullptr) fail(path, OIIO::geterror());
+
+  WriteResult result;
+  Picture& picture = file.picture;
+  ImageSpec spec = outputSpec(file, *output);
+  if (file.metadata == nullptr) {
+    spec = ImageSpec(picture.width, picture.height, picture.planes, typeOf(picture.depth));
+  }
+  dropChannels(picture, spec, *output, path, result.notes);
+  const TypeDesc wanted = spec.format;
+  if (!output->open(partial.path().string(), spec)) fail(path, output->geterror());
+  if (output->spec().format != wanted) {
+    result.notes.push_back(path.string() + ": " + output->format_name() + " holds " +
+                           output->spec().format.c_str() + " samples and not " + wanted.c_str() +
+                           "; the depth is changed");
+  }
+
+  if (picture.depth == 16) toFileWords(picture);
+  if (picture.hasAlpha && picture.depth == 32 && storesAssociated(output->format_name())) {
+    associate(picture, true);
+  }
+  const auto stopped = [](void* context, float) {
+    return (*static_cast<const std::function<bool()>*>(context))();
+  };
+  const bool complete = output->write_image(typeOf(picture.depth), picture.bytes.data(),
+                                            OIIO::AutoStride, OIIO::AutoStride, OIIO::AutoStride,
+                                            stopped, const_cast<std::function<bool()>*>(&aborted));
+  if (aborted()) return result;
+  if (!complete || !output->close()) fail(path, output->geterror());
+
+  std::error_code error;
+  fs::rename(partial.path(), path, error);
+  if (error) fail(path, error.message());
+  result.written = true;
+  return result;
+}
+
+}  // namespace radiashafts::standin

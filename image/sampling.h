@@ -11,7 +11,8 @@ namespace radiashafts {
 // of or above the image, where the fraction comes out negative and the value is extrapolated. A tap
 // past the right or bottom edge repeats the edge pixel.
 template <class Image>
-std::array<double, Image::Pixel::channels> sampleBilinear(const Image& image, double x, double y) {
+[[gnu::always_inline]] inline std::array<double, Image::Pixel::channels> sampleBilinear(
+    const Image& image, double x, double y) {
   constexpr int channels = Image::Pixel::channels;
   const auto ix = static_cast<std::int32_t>(x);
   const auto iy = static_cast<std::int32_t>(y);

@@ -39,7 +39,7 @@ class PixelBlend {
     if constexpr (!hasAlpha) baseAlpha_ = rayAlpha_ = 1.0;
   }
 
-  void apply(BlendMode mode) {
+  [[gnu::always_inline]] inline void apply(BlendMode mode) {
     switch (mode) {
       case BlendMode::normal:
         each([&](int k, double, double) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdlib>
 
+#include "platform/huge_pages.h"
 #include "standin/descriptors.h"
 
 namespace radiashafts::standin {
@@ -35,6 +36,7 @@ void* newBuffer(std::uint32_t* requestedSize, std::uint32_t minimumSize) {
   const std::size_t total = (size + 2 * guardSize + guardSize - 1) / guardSize * guardSize;
   auto* block = static_cast<std::uint8_t*>(std::aligned_alloc(guardSize, total));
   if (block == nullptr) return nullptr;
+  platform::preferHugePages(block, total);
   std::fill_n(block, guardSize, guardByte);
   std::fill(block + guardSize + size, block + total, guardByte);
   reinterpret_cast<Header*>(block)->size = static_cast<std::uint32_t>(size);

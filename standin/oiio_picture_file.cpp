@@ -2,7 +2,10 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cmath>
 #include <cstring>
+#include <string_view>
+#include <type_traits>
 
 #include <OpenImageIO/imageio.h>
 #include <unistd.h>
@@ -64,22 +67,60 @@ void toFileWords(Picture& picture) {
   });
 }
 
-// Multiplies or divides the colours of a float picture by alpha.
-void associate(Picture& picture, bool multiply) {
-  auto* pixel = reinterpret_cast<float*>(picture.bytes.data());
+// Replaces each colour by what combine makes of it and of alpha in 0 to 1, on the file's scale.
+// Integers are rounded and held at full scale.
+template <class Sample, class Combine>
+void combineWithAlpha(Picture& picture, double fullScale, const Combine& combine) {
+  auto* pixel = reinterpret_cast<Sample*>(picture.bytes.data());
   const std::size_t pixels = picture.sampleCount() / static_cast<std::size_t>(picture.planes);
   for (std::size_t i = 0; i < pixels; ++i, pixel += picture.planes) {
-    const float alpha = pixel[picture.colorPlanes];
-    if (alpha == 0.0F) continue;
+    const double alpha = pixel[picture.colorPlanes] / fullScale;
+    if (alpha == 0.0) continue;
     for (int k = 0; k < picture.colorPlanes; ++k) {
-      pixel[k] = multiply ? pixel[k] * alpha : pixel[k] / alpha;
+      const double value = combine(static_cast<double>(pixel[k]), alpha);
+      if constexpr (std::is_integral_v<Sample>) {
+        pixel[k] = static_cast<Sample>(std::min(value + 0.5, fullScale));
+      } else {
+        pixel[k] = static_cast<Sample>(value);
+      }
     }
   }
 }
 
-// OpenEXR stores colours multiplied by alpha and has no way to say otherwise.
-bool storesAssociated(const std::string& format) {
-  return format == "openexr";
+template <class Combine>
+void combineWithAlpha(Picture& picture, const Combine& combine) {
+  switch (picture.depth) {
+    case 8:
+      return combineWithAlpha<std::uint8_t>(picture, 255.0, combine);
+    case 16:
+      return combineWithAlpha<std::uint16_t>(picture, 65535.0, combine);
+    default:
+      return combineWithAlpha<float>(picture, 1.0, combine);
+  }
+}
+
+// Formats whose codecs hand colours out and take them multiplied by alpha, whatever is asked for.
+bool codecAssociates(std::string_view format) {
+  return format == "openexr" || format == "webp";
+}
+
+// A TIFF says of itself how it is; the other formats store colours as they are.
+bool isAssociated(std::string_view format, const ImageSpec& spec) {
+  return codecAssociates(format) ||
+         (format == "tiff" && spec.get_int_attribute("oiio:UnassociatedAlpha") == 0);
+}
+
+void divideByAlpha(Picture& picture) {
+  combineWithAlpha(picture, [](double color, double alpha) { return color / alpha; });
+}
+
+// As the codec wants it. The WebP encoder divides on a curve of gamma 2.2, though the decoder
+// multiplies without one.
+void multiplyByAlpha(Picture& picture, std::string_view format) {
+  const double exponent = format == "webp" ? 1.0 / 2.2 : 1.0;
+  combineWithAlpha(picture, [exponent](double color, double alpha) {
+    return color * std::pow(alpha, exponent);
+  });
 }
 
 // The one order of channels that hosts know: colours, then alpha, then what travels along.
@@ -192,10 +233,10 @@ PictureFile readPictureFile(const fs::path& path) {
                          file.picture.bytes.data())) {
     fail(path, input->geterror());
   }
-  if (file.picture.depth == 16) toHostWords(file.picture);
-  if (file.picture.hasAlpha && file.picture.depth == 32 && storesAssociated(input->format_name())) {
-    associate(file.picture, false);
+  if (file.picture.hasAlpha && isAssociated(input->format_name(), spec)) {
+    divideByAlpha(file.picture);
   }
+  if (file.picture.depth == 16) toHostWords(file.picture);
   file.metadata = std::move(metadata);
   return file;
 }
@@ -236,8 +277,8 @@ WriteResult writePictureFile(const fs::path& path, PictureFile&& file,
   }
 
   if (picture.depth == 16) toFileWords(picture);
-  if (picture.hasAlpha && picture.depth == 32 && storesAssociated(output->format_name())) {
-    associate(picture, true);
+  if (picture.hasAlpha && codecAssociates(output->format_name())) {
+    multiplyByAlpha(picture, output->format_name());
   }
   const auto stopped = [](void* context, float) {
     return (*static_cast<const std::function<bool()>*>(context))();

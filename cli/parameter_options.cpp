@@ -6,9 +6,14 @@
 #include <cmath>
 #include <iomanip>
 #include <sstream>
+#include <stdexcept>
 
 namespace radiashafts::cli {
 namespace {
+
+struct NotAValue : std::runtime_error {
+  using std::runtime_error::runtime_error;
+};
 
 bool hasOption(const ParameterFacts& facts) {
   return facts.keys[0] != nullptr;
@@ -29,7 +34,7 @@ double parseNumber(std::string_view text) {
   double value = 0.0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
   if (error != std::errc() || end != text.data() + text.size() || !std::isfinite(value)) {
-    throw CLI::ValidationError("'" + std::string(text) + "' is no number");
+    throw NotAValue("'" + std::string(text) + "' is no number");
   }
   return value;
 }
@@ -40,8 +45,8 @@ std::array<double, 3> parseNumbers(const std::string& text, int count) {
   for (int i = 0; i < count; ++i) {
     const std::size_t comma = rest.find(',');
     if ((comma == std::string_view::npos) != (i == count - 1)) {
-      throw CLI::ValidationError("'" + text + "' is not " + std::to_string(count) +
-                                 " numbers with commas between them");
+      throw NotAValue("'" + text + "' is not " + std::to_string(count) +
+                      " numbers with commas between them");
     }
     numbers[static_cast<std::size_t>(i)] = parseNumber(rest.substr(0, comma));
     if (comma != std::string_view::npos) rest.remove_prefix(comma + 1);
@@ -52,7 +57,7 @@ std::array<double, 3> parseNumbers(const std::string& text, int count) {
 double parseSwitch(const std::string& text) {
   if (text == "on" || text == "true" || text == "yes" || text == "1") return 1.0;
   if (text == "off" || text == "false" || text == "no" || text == "0") return 0.0;
-  throw CLI::ValidationError("'" + text + "' is neither on nor off");
+  throw NotAValue("'" + text + "' is neither on nor off");
 }
 
 double parseEntry(const std::string& text, const ParameterFacts& facts) {
@@ -64,8 +69,7 @@ double parseEntry(const std::string& text, const ParameterFacts& facts) {
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
   if (error != std::errc() || end != text.data() + text.size() || number < 1 ||
       number > static_cast<int>(facts.entries.size())) {
-    throw CLI::ValidationError("'" + text +
-                               "' is none of its entries; --list-parameters tells them");
+    throw NotAValue("'" + text + "' is none of its entries; --list-parameters tells them");
   }
   return number;
 }
@@ -157,7 +161,11 @@ ParameterOptions::ParameterOptions(CLI::App& app) {
     if (!hasOption(facts)) continue;
     Value& value = values_[i];
     const auto parse = [&facts, &value](const CLI::results_t& texts) {
-      value = {true, parseValue(texts.back(), facts)};
+      try {
+        value = {true, parseValue(texts.back(), facts)};
+      } catch (const NotAValue& error) {
+        throw CLI::ValidationError(optionName(facts), error.what());
+      }
       return true;
     };
     app.add_option(optionName(facts), parse, rangeText(facts))

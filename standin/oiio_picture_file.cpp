@@ -4,10 +4,13 @@
 #include <cctype>
 #include <cmath>
 #include <cstring>
+#include <fstream>
+#include <iterator>
 #include <string_view>
 #include <type_traits>
 
 #include <OpenImageIO/imageio.h>
+#include <fcntl.h>
 #include <unistd.h>
 
 #include "standin/picture_file.h"
@@ -134,6 +137,36 @@ void layOut(Picture& picture, const ImageSpec& spec) {
   picture.depth = depthOf(spec.format);
 }
 
+// Libraries under OpenImageIO write to standard error on their own; a user gets one line, and that
+// one is ours.
+class SilencedStandardError {
+ public:
+  SilencedStandardError() : kept_(dup(STDERR_FILENO)), silence_(open("/dev/null", O_WRONLY)) {
+    dup2(silence_, STDERR_FILENO);
+  }
+  ~SilencedStandardError() {
+    dup2(kept_, STDERR_FILENO);
+    close(silence_);
+    close(kept_);
+  }
+  SilencedStandardError(const SilencedStandardError&) = delete;
+  SilencedStandardError& operator=(const SilencedStandardError&) = delete;
+
+ private:
+  int kept_;
+  int silence_;
+};
+
+// The JPEG decoder fills up a file that ends early and says nothing. In a whole one the end marker
+// follows the last scan; neither marker can stand inside a scan.
+bool isTruncatedJpeg(const fs::path& path) {
+  std::ifstream stream(path, std::ios::binary);
+  const std::string bytes((std::istreambuf_iterator<char>(stream)),
+                          std::istreambuf_iterator<char>());
+  const std::size_t lastScan = bytes.rfind("\xFF\xDA");
+  return lastScan == std::string::npos || bytes.find("\xFF\xD9", lastScan) == std::string::npos;
+}
+
 std::unique_ptr<ImageInput> openInput(const fs::path& path, ImageSpec& spec) {
   std::error_code error;
   if (!fs::exists(path, error)) fail(path, "no such file");
@@ -148,6 +181,9 @@ std::unique_ptr<ImageInput> openInput(const fs::path& path, ImageSpec& spec) {
                    " pixels is above the limit of 32767");
   }
   if (spec.depth > 1) fail(path, "is a volume, not a picture");
+  if (std::string_view(input->format_name()) == "jpeg" && isTruncatedJpeg(path)) {
+    fail(path, "the file is truncated");
+  }
   return input;
 }
 
@@ -223,6 +259,7 @@ void dropChannels(Picture& picture, ImageSpec& spec, const ImageOutput& output,
 }  // namespace
 
 PictureFile readPictureFile(const fs::path& path) {
+  const SilencedStandardError silenced;
   auto metadata = std::make_shared<OiioMetadata>();
   const auto input = openInput(path, metadata->spec);
   const ImageSpec& spec = metadata->spec;
@@ -242,6 +279,7 @@ PictureFile readPictureFile(const fs::path& path) {
 }
 
 Mask readMaskFile(const fs::path& path) {
+  const SilencedStandardError silenced;
   ImageSpec spec;
   const auto input = openInput(path, spec);
   if (spec.nchannels != 1 || spec.format != TypeDesc::UINT8) {
@@ -257,9 +295,16 @@ Mask readMaskFile(const fs::path& path) {
 
 WriteResult writePictureFile(const fs::path& path, PictureFile&& file,
                              const std::function<bool()>& aborted) {
+  const SilencedStandardError silenced;
+  const fs::path directory = path.parent_path();
+  if (!directory.empty() && !fs::is_directory(directory)) fail(path, "no such directory");
   const PartialFile partial(path);
   const auto output = ImageOutput::create(partial.path().string());
-  if (output == nullptr) fail(path, OIIO::geterror());
+  if (output == nullptr) {
+    static_cast<void>(OIIO::geterror());
+    fail(path, "no picture format that can be written has the extension '" +
+                   path.extension().string() + "'");
+  }
 
   WriteResult result;
   Picture& picture = file.picture;

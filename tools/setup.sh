@@ -1,0 +1,45 @@
+# Sourced by the scripts in the root: installs what a step needs, and builds presets.
+
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+
+build_packages=(g++ cmake ninja-build pkg-config libopenimageio-dev libcli11-dev libgtest-dev
+  libbenchmark-dev)
+picture_packages=(mate-backgrounds)
+test_packages=(clang-format imagemagick)
+
+say() { printf '== %s\n' "$*" >&2; }
+
+as_root() {
+  if [ "$(id -u)" = 0 ]; then "$@"; else sudo "$@"; fi
+}
+
+# Installs those of the named Debian packages that are missing.
+need_packages() {
+  local missing=() package
+  for package in "$@"; do
+    dpkg-query -W -f='${Status}\n' "$package" 2>/dev/null | grep -q 'ok installed' ||
+      missing+=("$package")
+  done
+  [ ${#missing[@]} -eq 0 ] && return
+  say "installing ${missing[*]}"
+  if [ -z "${packages_updated:-}" ]; then
+    as_root apt-get update -qq >&2
+    packages_updated=1
+  fi
+  as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends \
+    "${missing[@]}" >"$root/build/apt.log" 2>&1 || { cat "$root/build/apt.log" >&2; return 1; }
+}
+
+# Configures a preset where that has not been done, and builds the named targets, or all.
+build_preset() {
+  local preset=$1 log
+  shift
+  log=$root/build/$preset.log
+  (
+    cd "$root"
+    [ -f "build/$preset/build.ninja" ] || cmake --preset "$preset"
+    cmake --build --preset "$preset" ${@:+--target "$@"}
+  ) >"$log" 2>&1 || { cat "$log" >&2; return 1; }
+}
+
+mkdir -p "$root/build"

@@ -16,7 +16,7 @@ struct NotAValue : std::runtime_error {
 };
 
 bool hasOption(const ParameterFacts& facts) {
-  return facts.keys[0] != nullptr;
+  return facts.keys[0].code != nullptr;
 }
 
 // "RayLength" becomes "--ray-length".
@@ -180,7 +180,7 @@ standin::Script ParameterOptions::script() const {
   for (std::size_t i = 0; i < effectTable.size(); ++i) {
     if (!values_[i].given) continue;
     const ParameterFacts& facts = effectTable[i];
-    for (std::size_t k = 0; k < facts.keys.size() && facts.keys[k] != nullptr; ++k) {
+    for (std::size_t k = 0; k < facts.keys.size() && facts.keys[k].code != nullptr; ++k) {
       script.emplace_back(scriptKey(facts.keys[k]), scriptValue(facts, values_[i].numbers[k]));
     }
   }

@@ -29,16 +29,13 @@ void DebugLog::LogMessage(const std::string& text, int severity) {
 }
 
 void DebugLog::RefreshOutputs() {
-  if (file_.load() == nullptr && !logPath_.empty()) OpenFile();
+  if (refreshing_.test_and_set()) return;  // another thread is at it
+  if (file_.load() == nullptr && !logPath_.empty()) {
+    file_ = std::fopen(logPath_.c_str(), "a");
+  }
   if (!consoleWanted_ && console_.isOpen()) console_.close();
   if (consoleWanted_ && !console_.isOpen()) console_.open("Debug Window", 120, 5000);
-}
-
-// Several threads may try at once; the first one's file is kept.
-void DebugLog::OpenFile() {
-  std::FILE* opened = std::fopen(logPath_.c_str(), "a");
-  std::FILE* none = nullptr;
-  if (opened != nullptr && !file_.compare_exchange_strong(none, opened)) std::fclose(opened);
+  refreshing_.clear();
 }
 
 }  // namespace radiashafts

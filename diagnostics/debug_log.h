@@ -39,11 +39,10 @@ class DebugLog {
   std::atomic<int> indentLevel{0};
 
  private:
-  void OpenFile();
-
   std::string logPath_;
   std::atomic<std::FILE*> file_{nullptr};
-  bool consoleWanted_ = false;
+  std::atomic<bool> consoleWanted_{false};
+  std::atomic_flag refreshing_;
   int severityThreshold_ = severityTrace;
   platform::Console console_;
 };

@@ -1,10 +1,13 @@
 // Parallel work whose effects must come out as if chunk after chunk had run on one thread.
 #pragma once
 
-#include <atomic>
+#include <algorithm>
+#include <condition_variable>
 #include <cstdint>
 #include <limits>
 #include <memory>
+#include <mutex>
+#include <new>
 
 #include "services/halvorsund_host.h"
 
@@ -19,13 +22,16 @@ namespace radiashafts {
 class OrderedChunks {
  public:
   OrderedChunks(std::int32_t chunks, std::int32_t blocks)
-      : chunks_(chunks), blocks_(blocks), progress_(std::make_unique<Progress[]>(chunks)) {}
+      : chunks_(chunks),
+        blocks_(blocks),
+        finishedBlocks_(new (std::nothrow) std::int32_t[static_cast<std::size_t>(chunks)]{}) {}
 
-  // Calls work(chunk, block, threadIndex) for the whole grid and finish(chunk, threadIndex) once a
-  // chunk has all its blocks. finish returns a status; one other than success ends all the work.
-  // Returns success or the first other status.
+  // Calls work(chunk, block) for the whole grid and finish(chunk, threadIndex) once a chunk has all
+  // its blocks. finish returns a status; one other than success, on any thread, ends all the work.
+  // Returns success, the last other status, or OutOfMemoryCode.
   template <class Work, class Finish>
   std::int32_t run(HalvorsundHost& host, const Work& work, const Finish& finish) {
+    if (finishedBlocks_ == nullptr) return host.OutOfMemoryCode();
     struct Call {
       OrderedChunks& grid;
       HalvorsundHost& host;
@@ -39,50 +45,54 @@ class OrderedChunks {
       return c.grid.runChunk(c.host, c.work, c.finish, chunk, threadIndex);
     };
     const std::int32_t status = host.RunIterations(chunks_, {&call, runChunk});
-    return status != host.NoErrorCode() ? status : status_.load();
+    return status != host.NoErrorCode() ? status : status_;
   }
 
  private:
-  struct alignas(64) Progress {  // a cache line each: neighbours are written by different threads
-    std::atomic<std::int32_t> finishedBlocks{0};
-  };
   static constexpr std::int32_t allBlocks = std::numeric_limits<std::int32_t>::max();
 
   template <class Work, class Finish>
   std::int32_t runChunk(HalvorsundHost& host, const Work& work, const Finish& finish,
                         std::int32_t chunk, std::int32_t threadIndex) {
     for (std::int32_t block = 0; block < blocks_; ++block) {
-      if (chunk > 0) waitFor(chunk - 1, block);
-      if (status_ != host.NoErrorCode()) return host.NoErrorCode();
-      work(chunk, block, threadIndex);
-      if (block + 1 < blocks_) publish(chunk, block + 1);
+      if (!mayEnter(host, chunk, block)) return host.NoErrorCode();
+      work(chunk, block);
+      publish(chunk, block + 1 < blocks_ ? block + 1 : allBlocks);
     }
-    publish(chunk, allBlocks);
     const std::int32_t status = finish(chunk, threadIndex);
     if (status != host.NoErrorCode()) stop(status);
     return status;
   }
 
-  void waitFor(std::int32_t chunk, std::int32_t block) {
-    std::atomic<std::int32_t>& finished = progress_[chunk].finishedBlocks;
-    for (std::int32_t seen = finished; seen <= block; seen = finished) finished.wait(seen);
+  // Waits until the chunk before has left the block. False when the work was stopped.
+  bool mayEnter(HalvorsundHost& host, std::int32_t chunk, std::int32_t block) {
+    std::unique_lock lock(mutex_);
+    const auto stopped = [&] { return status_ != host.NoErrorCode(); };
+    changed_.wait(lock,
+                  [&] { return chunk == 0 || finishedBlocks_[chunk - 1] > block || stopped(); });
+    return !stopped();
   }
 
   void publish(std::int32_t chunk, std::int32_t finishedBlocks) {
-    progress_[chunk].finishedBlocks = finishedBlocks;
-    progress_[chunk].finishedBlocks.notify_all();
+    const std::lock_guard lock(mutex_);
+    finishedBlocks_[chunk] = finishedBlocks;
+    changed_.notify_all();
   }
 
-  // Lets every waiting chunk go: a thread that met a status leaves chunks undone.
+  // Lets everybody who waits go: a thread that met a status takes no more chunks, so there are
+  // chunks that will never be done.
   void stop(std::int32_t status) {
+    const std::lock_guard lock(mutex_);
     status_ = status;
-    for (std::int32_t chunk = 0; chunk < chunks_; ++chunk) publish(chunk, allBlocks);
+    changed_.notify_all();
   }
 
   std::int32_t chunks_;
   std::int32_t blocks_;
-  std::unique_ptr<Progress[]> progress_;
-  std::atomic<std::int32_t> status_{0};
+  std::mutex mutex_;
+  std::condition_variable changed_;
+  std::unique_ptr<std::int32_t[]> finishedBlocks_;  // of each chunk
+  std::int32_t status_ = 0;
 };
 
 }  // namespace radiashafts

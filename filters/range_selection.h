@@ -43,7 +43,7 @@ class AxisCurve {
   AxisCurve(const SelectionAxis& axis, double offset, bool wrapped)
       : lo_(std::min(axis.low, axis.high) + offset), hi_(std::max(axis.low, axis.high) + offset) {
     if (wrapped) {
-      const auto turns = static_cast<std::int32_t>(lo_ >= 0.0 ? lo_ : lo_ - 1.0);
+      const std::int32_t turns = toInt32(lo_ >= 0.0 ? lo_ : lo_ - 1.0);
       lo_ -= turns;
       hi_ -= turns;
       if (lo_ + 1.0 <= hi_) hi_ = lo_ + fullTurn;

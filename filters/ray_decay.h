@@ -11,7 +11,8 @@ namespace radiashafts {
 // Steps after which a ray has fallen to 1/1024, for a picture of width x height and a length
 // already squared. A picture with a diagonal of 800 pixels has 1000 at full length.
 inline double raySteps(std::int32_t width, std::int32_t height, double squaredLength) {
-  const std::int32_t squaredDiagonal = width * width + height * height;  // sides are below 32768
+  const std::int32_t squaredDiagonal =
+      width * width + height * height;  // the render takes no side above 32767
   return std::sqrt(static_cast<double>(squaredDiagonal)) * squaredLength * 1000.0 /
          std::sqrt(640000.0);
 }

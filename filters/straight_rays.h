@@ -4,12 +4,10 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
-#include <cmath>
 #include <cstdint>
 #include <cstdlib>
-#include <memory>
+#include <span>
 #include <type_traits>
-#include <utility>
 
 #include "filters/clear.h"
 #include "filters/ordered_chunks.h"
@@ -82,6 +80,11 @@ class RadiashaftsStraightFilter final : public HalvorsundFilter {
     double weight = 0.0;
   };
 
+  struct Ray {
+    Border border;
+    Sums sums;  // of the steps walked so far
+  };
+
   // The bar steps back when the walk begins: the clear has its own position.
   std::int32_t clearAccumulation() {
     ClearImageFilter<AccumulationImage> clear(*host);
@@ -89,20 +92,15 @@ class RadiashaftsStraightFilter final : public HalvorsundFilter {
     return clear.run(3 * stage_, 3 * stages_);
   }
 
-  // The rays of all sides in walking order: a side runs when the origin is not beyond it. Each
-  // border pixel belongs to one side, a corner to the side that ends there.
+  // How many rays a side casts, in walking order top, right, bottom, left: none when the origin is
+  // beyond the side. Each border pixel belongs to one side, a corner to the side that ends there.
   std::int32_t sideRays(int side) const {
     const bool runs[4] = {oy_ >= 0, ox_ < image.width, oy_ < image.height, ox_ >= 0};
     if (!runs[side]) return 0;
     return (side % 2 == 0 ? image.width : image.height) - 1;
   }
 
-  std::int32_t rayCount() const { return sideRays(0) + sideRays(1) + sideRays(2) + sideRays(3); }
-
-  Border borderOf(std::int32_t ray) const {
-    int side = 0;
-    while (ray >= sideRays(side)) ray -= sideRays(side++);
-    const std::int32_t i = ray + 1;
+  Border borderOf(int side, std::int32_t i) const {
     const std::int32_t right = image.width - 1;
     const std::int32_t bottom = image.height - 1;
     switch (side) {
@@ -125,53 +123,61 @@ class RadiashaftsStraightFilter final : public HalvorsundFilter {
   }
 
   std::int32_t walkRays() {
-    const std::int32_t rays = rayCount();
-    for (std::int32_t first = 0; first < rays;) {
-      const Direction direction = directionTo(borderOf(first));
-      std::int32_t end = first + 1;
-      while (end < rays && directionTo(borderOf(end)) == direction) ++end;
+    const std::int32_t count = sideRays(0) + sideRays(1) + sideRays(2) + sideRays(3);
+    if (count == 0) return host->NoErrorCode();
+    const HostBuffer buffer(*host, count, 1, sizeof(Ray));
+    if (!buffer) return host->OutOfMemoryCode();
+    const std::span rays(static_cast<Ray*>(buffer.data()), static_cast<std::size_t>(count));
+    auto next = rays.begin();
+    for (int side = 0; side < 4; ++side) {
+      for (std::int32_t i = 1; i <= sideRays(side); ++i) *next++ = {borderOf(side, i), {}};
+    }
+
+    const double decayFactor = decayFactorFor(raySteps(image.width, image.height, length * length));
+    for (auto first = rays.begin(); first != rays.end();) {
+      const Direction direction = directionTo(first->border);
+      const auto end = std::find_if(
+          first, rays.end(), [&](const Ray& ray) { return directionTo(ray.border) != direction; });
+      const std::span group(first, end);
       const std::int32_t status = direction.byColumns
-                                      ? walkGroup<true>(first, end, direction.sign)
-                                      : walkGroup<false>(first, end, direction.sign);
+                                      ? walkGroup<true>(group, direction.sign, decayFactor)
+                                      : walkGroup<false>(group, direction.sign, decayFactor);
       if (status != host->NoErrorCode()) return status;
       first = end;
     }
     return host->NoErrorCode();
   }
 
-  // All rays from first to end - 1, which share a direction.
+  // All rays of a group, which share a direction.
   template <bool byColumns>
-  std::int32_t walkGroup(std::int32_t first, std::int32_t end, std::int32_t sign) {
-    const double decayFactor = decayFactorFor(raySteps(image.width, image.height, length * length));
+  std::int32_t walkGroup(std::span<Ray> group, std::int32_t sign, double decayFactor) {
     const std::int32_t extent = byColumns ? image.width : image.height;
     const std::int32_t start = std::clamp(byColumns ? ox_ : oy_, 0, extent - 1);
     const std::int32_t longest = sign > 0 ? extent - start : start + 1;
-    const std::int32_t chunks = (end - first + raysInChunk - 1) / raysInChunk;
+    const auto count = static_cast<std::int32_t>(group.size());
+    const std::int32_t chunks = (count + raysInChunk - 1) / raysInChunk;
     const std::int32_t blocks = (longest + stepsInBlock - 1) / stepsInBlock;
 
-    const auto sums = std::make_unique<Sums[]>(static_cast<std::size_t>(end - first));
-    const auto rayRange = [&](std::int32_t chunk) {
-      const std::int32_t from = first + chunk * raysInChunk;
-      return std::pair(from, std::min(from + raysInChunk, end));
+    const auto raysOf = [&](std::int32_t chunk) {
+      const std::int32_t from = chunk * raysInChunk;
+      return group.subspan(static_cast<std::size_t>(from),
+                           static_cast<std::size_t>(std::min(raysInChunk, count - from)));
     };
-    const auto work = [&](std::int32_t chunk, std::int32_t block, std::int32_t) {
-      const auto [from, to] = rayRange(chunk);
-      for (std::int32_t ray = from; ray < to; ++ray) {
-        const Border border = borderOf(ray);
-        const std::int32_t steps = std::abs((byColumns ? border.x : border.y) - start) + 1;
-        const std::int32_t firstStep = block * stepsInBlock;
-        const std::int32_t lastStep = std::min(firstStep + stepsInBlock, steps);
-        walkSteps<byColumns>(border, start + sign * firstStep, lastStep - firstStep, sign,
-                             decayFactor, sums[static_cast<std::size_t>(ray - first)]);
+    const auto work = [&](std::int32_t chunk, std::int32_t block) {
+      const std::int32_t firstStep = block * stepsInBlock;
+      for (Ray& ray : raysOf(chunk)) {
+        const std::int32_t last = byColumns ? ray.border.x : ray.border.y;
+        const std::int32_t steps = std::abs(last - start) + 1;
+        const std::int32_t stepsHere = std::min(stepsInBlock, steps - firstStep);
+        walkSteps<byColumns>(ray, start + sign * firstStep, stepsHere, sign, decayFactor);
       }
     };
     const auto finish = [&](std::int32_t chunk, std::int32_t threadIndex) {
-      const auto [from, to] = rayRange(chunk);
-      std::int32_t status = host->NoErrorCode();
-      for (std::int32_t ray = from; ray < to && status == host->NoErrorCode(); ++ray) {
-        status = report(threadIndex);
+      for (std::size_t ray = raysOf(chunk).size(); ray > 0; --ray) {
+        const std::int32_t status = report(threadIndex);
+        if (status != host->NoErrorCode()) return status;
       }
-      return status;
+      return host->NoErrorCode();
     };
     return OrderedChunks(chunks, blocks).run(*host, work, finish);
   }
@@ -185,8 +191,9 @@ class RadiashaftsStraightFilter final : public HalvorsundFilter {
   // Part of one ray: from position on along the walking axis, count steps. A position outside the
   // image across the axis, or one that is not a number, deposits nothing but still decays.
   template <bool byColumns>
-  void walkSteps(Border border, std::int32_t position, std::int32_t count, std::int32_t sign,
-                 double decayFactor, Sums& carried) const {
+  void walkSteps(Ray& ray, std::int32_t position, std::int32_t count, std::int32_t sign,
+                 double decayFactor) const {
+    const Border border = ray.border;
     const std::int32_t dx = border.x - ox_;
     const std::int32_t dy = border.y - oy_;
     // The column walk measures from the origin, the row walk from the border pixel.
@@ -198,7 +205,7 @@ class RadiashaftsStraightFilter final : public HalvorsundFilter {
     const std::ptrdiff_t sumCrossStride =
         byColumns ? accumulationImage_.rowStride : AccumulationPixel::bytes;
 
-    Sums sums = carried;
+    Sums sums = ray.sums;
     for (std::int32_t n = 0; n < count; ++n, position += sign) {
       for (double& sum : sums.color) sum *= decayFactor;
       sums.weight *= decayFactor;
@@ -216,7 +223,7 @@ class RadiashaftsStraightFilter final : public HalvorsundFilter {
       float* secondSum = advance(firstSum, atLimit ? 0 : sumCrossStride);
       depositSample(first, second, firstSum, secondSum, t - whole, sums);
     }
-    carried = sums;
+    ray.sums = sums;
   }
 
   template <class Sample>

@@ -121,9 +121,10 @@ class ZoomFilter final : public RowFilter {
 
     double value = center.sum + leftStrip.sum * left + rightStrip.sum * right + topStrip.sum * top +
                    bottomStrip.sum * bottom;
-    value += cornerAt(ix0, iy0) * (top * left) + cornerAt(ix1 + 1, iy0) * (top * right) +
-             cornerAt(ix0, iy1 + 1) * (bottom * left) +
-             cornerAt(ix1 + 1, iy1 + 1) * (bottom * right);
+    value += cornerAt(ix0, iy0) * (top * left);
+    value += cornerAt(ix1 + 1, iy0) * (top * right);
+    value += cornerAt(ix0, iy1 + 1) * (bottom * left);
+    value += cornerAt(ix1 + 1, iy1 + 1) * (bottom * right);
     const double weight = center.area + leftStrip.area * left + rightStrip.area * right +
                           topStrip.area * top + bottomStrip.area * bottom + top * left +
                           top * right + bottom * left + bottom * right;

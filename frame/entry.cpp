@@ -2,13 +2,16 @@
 
 #include <cstdint>
 
+#include "diagnostics/debug_log.h"
 #include "frame/pf_filter_radiashafts.h"
+#include "platform/export.h"
 
 namespace {
 
 // Built at the first call and kept until the process ends: a second run starts from the values that
 // the last one left.
 radiashafts::pfFilterRadiashafts& gPlugin() {
+  radiashafts::DebugLog::Instance();  // stands before the plug-in and outlives it
   static radiashafts::pfFilterRadiashafts plugin;
   return plugin;
 }

@@ -20,7 +20,7 @@ class pfFilter : public HalvorsundHost {
   explicit pfFilter(FilterIdentity identity);
 
   // Runs one selector with the suites acquired for its length. block is an AboutRecord for the
-  // selector 0 and a FilterRecord for all others. -1 for a selector that there is not.
+  // selector 0 and a FilterRecord for all others. -1 for an unknown selector.
   std::int16_t Dispatch(std::int8_t selector, void* block);
 
   // In a final render, thread 0 reports to the host and polls its abort: -128. In a preview render
@@ -43,7 +43,7 @@ class pfFilter : public HalvorsundHost {
   // what the host's advanceState returned.
   std::int16_t SetupFilterRecord(hostapi::FilterRecord* record, std::uint32_t scaleFactor);
 
-  // Written by one preview's renders: coarseness added to the view scale. 0 in a final render.
+  // Coarseness added to the scale of a preview's view; 0 in a final render.
   std::int32_t previewLevel = 0;
   UndoHistory undoHistory;
 
@@ -67,7 +67,7 @@ class pfFilter : public HalvorsundHost {
   std::int32_t ReportToHost(std::int32_t done, std::int32_t total);
   std::int32_t PumpMessages();
 
-  hostapi::SPBasicSuite* basicSuite = nullptr;  // valid during one selector, like the next two
+  hostapi::SPBasicSuite* basicSuite = nullptr;  // good for one selector, like the next two
   const hostapi::BufferSuite1* bufferSuite = nullptr;
   const hostapi::HandleSuite2* handleSuite = nullptr;
   hostapi::FilterRecord* currentRecord = nullptr;

@@ -1,5 +1,7 @@
 #include "parameters/effect_parameters.h"
 
+#include <algorithm>
+
 #include "parameters/undo.h"
 
 namespace radiashafts {
@@ -83,9 +85,8 @@ void EffectParameters::Reset(UndoHistory* history) {
     ++history->nGroup;
   }
   for (pfParameter* parameter : order) {
-    for (std::size_t i = 0; i < all.size(); ++i) {
-      if (all[i] == parameter) setDefault(*parameter, effectTable[i]);
-    }
+    const auto row = std::find(all.begin(), all.end(), parameter) - all.begin();
+    setDefault(*parameter, effectTable[static_cast<std::size_t>(row)]);
   }
 }
 

@@ -42,7 +42,7 @@ void DisposeDescriptorHandle(const hostapi::HandleProcs* handleProcs, hostapi::H
   if (isFit(handleProcs)) {
     handleProcs->disposeProc(handle);
   } else {
-    platform::freeGlobalHandle(handle);
+    platform::freeGlobalHandle(reinterpret_cast<void**>(handle));
   }
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <string>
 
@@ -20,7 +21,7 @@ class Console {
   void close();
 
  private:
-  std::uintptr_t handle_ = 0;
+  std::atomic<std::uintptr_t> handle_{0};  // read by every thread that logs
 };
 
 }  // namespace radiashafts::platform

@@ -1,11 +1,9 @@
 #pragma once
 
-#include "hostapi/types.h"
-
 namespace radiashafts::platform {
 
-// Releases a handle, block and master pointer, that was made with the system's own allocator
-// (GlobalAlloc on Windows, malloc elsewhere). Returns 0, or nilHandleError for a null handle.
-std::int16_t freeGlobalHandle(hostapi::Handle handle);
+// Releases a handle, block and master pointer, where the system can tell that its own global
+// allocator made them; leaves any other handle alone.
+void freeGlobalHandle(void** handle);
 
 }  // namespace radiashafts::platform

@@ -68,8 +68,9 @@ PictureLayout pictureLayoutOf(const hostapi::FilterRecord* record) {
   if (colors == 0) colors = planes;
   const int limit = largestColorCount(GetRecordValue(record, RenderValue::imageMode));
   colors = std::clamp<std::int64_t>(colors, 0, limit);
-  const bool hasAlpha = transparent && layerPlanes + 1 <= planes;
-  if (colors + (hasAlpha ? 1 : 0) > planes) colors = 0;  // the record contradicts itself
+  if (colors > planes) colors = 0;  // the record contradicts itself
+  const bool hasAlpha =
+      transparent && layerPlanes + 1 <= planes && colors + 1 <= planes;  // there is room for it
   return {static_cast<int>(colors), hasAlpha,
           sampleDepth(GetRecordValue(record, RenderValue::depth))};
 }
@@ -95,6 +96,7 @@ std::int16_t selectRenderTemplate(HalvorsundHost& host, const EffectParameters& 
   };
   if (layout.colorPlanes == 0 || layout.depth == 0) return 0;
   if (buffers.width <= 0 || buffers.height <= 0) return 0;
+  if (buffers.width > hostapi::maximumSide || buffers.height > hostapi::maximumSide) return 0;
   if (buffers.input == nullptr || buffers.output == nullptr) return 0;
 
   const ViewGeometry view{

@@ -27,7 +27,7 @@ bool ThreadPool::init(std::int32_t count) {
 
   count = std::clamp(count, 1, maximumSlots);
   for (std::int32_t i = 1; i < count; ++i) {
-    if (!threads_[i].start(WorkerMain, &slots_[i])) {
+    if (!slots_[i].worker.start()) {
       free();
       return false;
     }
@@ -37,17 +37,10 @@ bool ThreadPool::init(std::int32_t count) {
   return true;
 }
 
-void ThreadPool::WorkerMain(void* argument) {
+void ThreadPool::WorkerShare(void* argument) {
   WorkerSlot& slot = *static_cast<WorkerSlot*>(argument);
-  while (true) {
-    slot.startEvent.wait();
-    trace("thread ", slot.index, " started");
-    if (slot.quit) break;
-    slot.pool->iterateShare(slot);
-    slot.startEvent.reset();
-    slot.doneEvent.set();
-  }
-  slot.exitEvent.set();
+  trace("thread ", slot.index, " started");
+  slot.pool->iterateShare(slot);
 }
 
 void ThreadPool::iterateShare(WorkerSlot& slot) {
@@ -69,16 +62,12 @@ std::int32_t ThreadPool::iterate(std::int32_t iterations, IterationCallback call
     slot.callback = callback;
     slot.result = 0;
     slot.pool = this;
-    slot.quit = false;
   }
-  for (std::int32_t i = 1; i < threadCount_; ++i) {
-    slots_[i].doneEvent.reset();
-    slots_[i].startEvent.set();
-  }
+  for (std::int32_t i = 1; i < threadCount_; ++i) slots_[i].worker.run(WorkerShare, &slots_[i]);
   iterateShare(slots_[0]);
   for (std::int32_t i = 1; i < threadCount_; ++i) {
     trace("waiting for thread ", i, " to finish calculations");
-    slots_[i].doneEvent.wait();
+    slots_[i].worker.wait();
   }
   trace("all threads finished");
   return slots_[0].result;
@@ -87,19 +76,7 @@ std::int32_t ThreadPool::iterate(std::int32_t iterations, IterationCallback call
 void ThreadPool::free() {
   trace("ThreadPool::free ()");
   const LogIndent indent;
-  for (std::int32_t i = 1; i < maximumSlots; ++i) {
-    if (!threads_[i].started()) continue;
-    slots_[i].quit = true;
-    slots_[i].startEvent.set();
-  }
-  for (std::int32_t i = 1; i < maximumSlots; ++i) {
-    if (!threads_[i].started()) continue;
-    slots_[i].exitEvent.wait();
-    threads_[i].close();
-    slots_[i].exitEvent.reset();
-    slots_[i].startEvent.reset();
-    slots_[i].quit = false;
-  }
+  for (WorkerSlot& slot : slots_) slot.worker.stop();
 }
 
 }  // namespace radiashafts

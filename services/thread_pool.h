@@ -5,8 +5,7 @@
 #include <atomic>
 #include <cstdint>
 
-#include "platform/manual_reset_event.h"
-#include "platform/thread.h"
+#include "platform/worker.h"
 
 namespace radiashafts {
 
@@ -48,23 +47,19 @@ class ThreadPool {
  private:
   struct WorkerSlot {
     std::int32_t iterations = 0;
-    std::int32_t index = 0;
+    std::int32_t index = 0;  // the callback's thread index; slot 0 is the calling thread's
     IterationCallback callback;
     std::int32_t result = 0;
-    platform::ManualResetEvent startEvent;
-    platform::ManualResetEvent doneEvent;
-    platform::ManualResetEvent exitEvent;
-    bool quit = false;
     ThreadPool* pool = nullptr;
+    platform::Worker worker;  // none in slot 0
   };
 
-  static void WorkerMain(void* slot);
+  static void WorkerShare(void* slot);
   void iterateShare(WorkerSlot& slot);
 
   std::int32_t threadCount_ = 0;
   std::atomic<std::int32_t> nextIndex_{0};
   std::array<WorkerSlot, maximumSlots> slots_;
-  std::array<platform::Thread, maximumSlots> threads_;  // entry 0 stays empty
 };
 
 }  // namespace radiashafts

@@ -1,7 +1,7 @@
 #include "standin/host_buffer_suite.h"
 
 #include <algorithm>
-#include <cstdlib>
+#include <new>
 
 #include "platform/huge_pages.h"
 #include "standin/descriptors.h"
@@ -34,7 +34,8 @@ void* newBuffer(std::uint32_t* requestedSize, std::uint32_t minimumSize) {
   if (++state.allocations == state.failAt) return nullptr;
   const std::size_t size = std::max(requestedSize != nullptr ? *requestedSize : 0, minimumSize);
   const std::size_t total = (size + 2 * guardSize + guardSize - 1) / guardSize * guardSize;
-  auto* block = static_cast<std::uint8_t*>(std::aligned_alloc(guardSize, total));
+  auto* block =
+      static_cast<std::uint8_t*>(::operator new(total, std::align_val_t(guardSize), std::nothrow));
   if (block == nullptr) return nullptr;
   platform::preferHugePages(block, total);
   std::fill_n(block, guardSize, guardByte);
@@ -53,7 +54,7 @@ void disposeBuffer(void** buffer) {
     memoryState().guardsIntact = false;
   }
   --memoryState().live;
-  std::free(block);
+  ::operator delete(block, std::align_val_t(guardSize));
   *buffer = nullptr;
 }
 

@@ -64,9 +64,6 @@ class StandInHost {
   // picture; it is of no use when the status is not 0.
   RunResult run(EntryPoint entry, const Script& script, Picture& output);
 
-  // The block that the filter gets, for runs by hand. Its buffers are served by advanceState.
-  hostapi::FilterRecord& record() { return record_; }
-
  private:
   // One buffer as the filter sees it: the picture's own bytes where the traits allow it, else a
   // padded and guarded copy.

@@ -1,18 +1,13 @@
 // The frame: selectors, suites, the record, progress and memory as a host meets them.
 
-#include <algorithm>
 #include <array>
 #include <cstring>
 #include <functional>
-#include <string>
-#include <utility>
-#include <vector>
+#include <sstream>
 
 #include <gtest/gtest.h>
 
 #include "frame/pf_filter.h"
-#include "interface/live_preview.h"
-#include "platform/tick.h"
 #include "standin/descriptors.h"
 #include "standin/host_buffer_suite.h"
 #include "tests/support/module_under_test.h"
@@ -21,87 +16,59 @@
 namespace radiashafts::test {
 namespace {
 
-using hostapi::Rect;
-using Calls = std::vector<std::string>;
-
-std::array<int, 4> sides(const Rect& r) {
-  return {r.left, r.top, r.right, r.bottom};
+std::ostream& operator<<(std::ostream& out, const hostapi::Rect& r) {
+  return out << r.left << ',' << r.top << ',' << r.right << ',' << r.bottom;
 }
 
-// A host by hand, with a grey picture and a note of everything that the filter calls.
+// A host by hand with a grey picture, which is its output too. It notes what the filter does.
 struct HandHost {
-  static constexpr int width = 8;
-  static constexpr int height = 48;
-
-  HandHost() {
+  explicit HandHost(int suitesThatAre = 3) : suites(suitesThatAre) {
     current = this;
-    for (std::size_t i = 0; i < input.size(); ++i) input[i] = static_cast<std::uint8_t>(i * 37);
+    standin::memoryState().failAt = 0;
     basic.AcquireSuite = [](const char* name, std::int32_t version, const void** suite) {
-      current->suites.push_back("acquire " + (name + (" " + std::to_string(version))));
       const bool buffer = std::strstr(name, "Buffer") != nullptr;
-      if (buffer && current->hasBufferSuite) *suite = standin::bufferSuite();
-      if (!buffer && current->hasHandleSuite) *suite = standin::handleSuite();
-      return buffer ? current->hasBufferSuite - 1 : current->hasHandleSuite - 1;
+      if (buffer && current->suites & 1) *suite = standin::bufferSuite();
+      if (!buffer && current->suites & 2) *suite = standin::handleSuite();
+      current->calls << '+' << name << version;
+      return 0;
     };
     basic.ReleaseSuite = [](const char* name, std::int32_t version) {
-      current->suites.push_back("release " + (name + (" " + std::to_string(version))));
-      return std::int32_t{0};
+      current->calls << '-' << name << version;
+      return 0;
     };
-    record.progressProc = [](std::int32_t done, std::int32_t total) {
-      current->progress.emplace_back(done, total);
-    };
-    record.abortProc = [] { return static_cast<hostapi::Boolean>(current->abort ? 1 : 0); };
-    record.advanceState = [] {
-      ++current->advances;
-      current->atAdvance = current->record;
-      return current->advanceResult;
-    };
+    record.progressProc = [](int done, int total) { current->progress = {done, total}; };
+    record.abortProc = [] { return static_cast<hostapi::Boolean>(current->abort); };
+    record.advanceState = [] { return current->asked = current->record, current->advanceResult; };
     record.sSPBasic = &basic;
-    record.imageSize = {height, width};
-    record.planes = record.inNonLayerPlanes = 1;
-    record.imageMode = 1;
-    record.depth = 8;
-    record.inData = input.data();
-    record.outData = output.data();
-    record.inRowBytes = record.outRowBytes = width;
-    record.inRect = record.outRect = record.maskRect = record.filterRect = {1, 2, 3, 4};
-    descriptors.recordInfo = 1;
-    descriptors.descriptor = standin::makeDescriptor({{hostapi::fourCharacterCode("BLND"), 1}});
-    descriptors.readDescriptorProcs = standin::readDescriptorProcs();
-    descriptors.writeDescriptorProcs = standin::writeDescriptorProcs();
+    record.imageSize = {48, 8};
+    record.planes = record.inNonLayerPlanes = record.imageMode = 1;
+    record.inData = record.outData = picture.data();
+    record.inRowBytes = record.outRowBytes = 8;
+    record.inRect = record.outRect = record.maskRect = {1, 2, 3, 4};
     record.descriptorParameters = &descriptors;
     record.handleProcs = standin::handleProcs();
-    standin::memoryState().allocations = 0;
-    standin::memoryState().failAt = 0;
   }
-  ~HandHost() {
-    standin::disposeHandle(descriptors.descriptor);
-    standin::memoryState().failAt = 0;
-  }
+  ~HandHost() { standin::disposeHandle(descriptors.descriptor); }
 
-  int call(std::int16_t selector, std::intptr_t* data = nullptr) {
+  int call(int selector, void* block) {
     std::int16_t result = 99;
-    moduleEntry()(selector, &record, data, &result);
+    moduleEntry()(static_cast<std::int16_t>(selector), block, nullptr, &result);
     return result;
   }
 
   static inline HandHost* current = nullptr;
-  std::array<std::uint8_t, width * height> input{};
-  std::array<std::uint8_t, width * height> output{};
+  int suites;  // 1 buffer, 2 handle
+  std::vector<std::uint8_t> picture = std::vector<std::uint8_t>(48 * 8, 100);
   hostapi::SPBasicSuite basic{};
-  hostapi::PIDescriptorParameters descriptors{};
-  hostapi::FilterRecord record{};
-  hostapi::FilterRecord atAdvance{};
-  bool hasBufferSuite = true;
-  bool hasHandleSuite = true;
+  hostapi::PIDescriptorParameters descriptors{
+      0, 0, 1, nullptr, standin::writeDescriptorProcs(), standin::readDescriptorProcs()};
+  hostapi::FilterRecord record{}, asked{};
   bool abort = false;
   hostapi::OSErr advanceResult = 0;
-  int advances = 0;
-  std::vector<std::pair<int, int>> progress;
-  Calls suites;
+  std::pair<int, int> progress;  // the last
+  std::ostringstream calls;
 };
 
-// A filter of the frame with a render of the test's own.
 struct ProbeFilter final : pfFilter {
   ProbeFilter() : pfFilter({}) {}
   using pfFilter::threadCountFor;
@@ -111,272 +78,138 @@ struct ProbeFilter final : pfFilter {
   std::function<std::int16_t()> render;
 };
 
-const Calls aroundASelector{"acquire Photoshop Buffer Suite for Plug-ins 1",
-                            "acquire Photoshop Handle Suite for Plug-ins 2",
-                            "release Photoshop Buffer Suite for Plug-ins 1",
-                            "release Photoshop Handle Suite for Plug-ins 2"};
-
 TEST(Entry, AnswersEverySelectorBetweenAcquireAndRelease) {
-  const struct {
-    int selector;
-    int answer;
-  } cases[] = {{1, 0},  {2, 0},   {3, 0},    {4, 0},    {5, 0},   {6, -1},
-               {7, -1}, {-1, -1}, {127, -1}, {255, -1}, {257, 0}, {259, 0}};
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.selector);
+  const std::string around =
+      "+Photoshop Buffer Suite for Plug-ins1+Photoshop Handle Suite for Plug-ins2"
+      "-Photoshop Buffer Suite for Plug-ins1-Photoshop Handle Suite for Plug-ins2";
+  for (const auto& [selector, answer] :
+       {std::pair{1, 0}, {2, 0}, {3, 0}, {4, 0}, {5, 0}, {6, -1}, {-1, -1}, {255, -1}, {257, 0}}) {
     HandHost host;
-    host.record.maxSpace = host.record.bufferSpace = 12345;
-    std::intptr_t data = 77;
-    EXPECT_EQ(host.call(static_cast<std::int16_t>(c.selector), &data), c.answer);
-    EXPECT_EQ(data, 77);
-    EXPECT_EQ(host.suites, aroundASelector);
-    EXPECT_EQ(host.advances, c.selector == 3 || c.selector == 259 ? 1 : 0);
-    EXPECT_EQ(host.record.maxSpace, c.selector == 2 ? 0 : 12345);
-    EXPECT_EQ(host.record.bufferSpace, c.selector == 2 ? 0 : 12345);
-    host.record.sSPBasic = nullptr;
-    EXPECT_EQ(host.call(static_cast<std::int16_t>(c.selector)), c.answer);
-    EXPECT_EQ(host.suites.size(), 4U);
+    host.record.maxSpace = host.record.bufferSpace = 1234;
+    EXPECT_EQ(host.call(selector, &host.record), answer) << selector;
+    EXPECT_EQ(host.calls.str(), around) << selector;
+    EXPECT_EQ(host.record.maxSpace + host.record.bufferSpace, selector == 2 ? 0 : 2468);
   }
-  for (const int selector : {0, 256, -256}) {  // the block is another one
+  for (const int selector : {0, 256}) {  // the block is another one
     HandHost host;
     hostapi::AboutRecord about{};
-    std::int16_t result = 99;
-    moduleEntry()(static_cast<std::int16_t>(selector), &about, nullptr, &result);
-    EXPECT_EQ(result, 0);
-    EXPECT_EQ(host.suites, Calls{});
+    EXPECT_EQ(host.call(selector, &about), 0);
+    EXPECT_EQ(host.calls.str(), "");
     about.sSPBasic = &host.basic;
-    moduleEntry()(static_cast<std::int16_t>(selector), &about, nullptr, &result);
-    EXPECT_EQ(host.suites, aroundASelector);
+    EXPECT_EQ(host.call(selector, &about), 0);
+    EXPECT_EQ(host.calls.str(), around);
   }
 }
 
 TEST(StartSelector, EndsWithEmptyRectanglesWhateverHappens) {
-  enum Reached { nothing, script, request, render };
-  const struct {
-    const char* name;
-    int status;
-    Reached reached;
-    std::function<void(HandHost&)> change;
-  } cases[] = {
-      {"as it is", 0, render, [](HandHost&) {}},
-      {"silent", 0, render, [](HandHost& h) { h.descriptors.playInfo = 2; }},
-      {"no abort proc", 0, render, [](HandHost& h) { h.record.abortProc = nullptr; }},
-      {"no advanceState", 1, nothing, [](HandHost& h) { h.record.advanceState = nullptr; }},
-      {"no progress", 1, nothing, [](HandHost& h) { h.record.progressProc = nullptr; }},
-      {"dialog wanted", -128, script, [](HandHost& h) { h.descriptors.playInfo = 1; }},
-      {"host error", -30, request, [](HandHost& h) { h.advanceResult = -30; }},
-      {"user abort", -128, render, [](HandHost& h) { h.abort = true; }},
-      {"no memory", -108, render, [](HandHost&) { standin::memoryState().failAt = 1; }},
-      {"mode not treated", 0, render, [](HandHost& h) { h.record.imageMode = 4; }},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.name);
+  const std::pair<const char*, std::function<void(HandHost&)>> cases[] = {
+      {"0 script asked reported painted", [](HandHost&) {}},
+      {"0 script asked reported painted", [](HandHost& h) { h.descriptors.playInfo = 2; }},
+      {"1", [](HandHost& h) { h.record.advanceState = nullptr; }},
+      {"1", [](HandHost& h) { h.record.progressProc = nullptr; }},
+      {"-128 script", [](HandHost& h) { h.descriptors.playInfo = 1; }},
+      {"-128", [](HandHost& h) { h.record.descriptorParameters = nullptr; }},
+      {"-30 script asked", [](HandHost& h) { h.advanceResult = -30; }},
+      {"-128 script asked reported", [](HandHost& h) { h.abort = true; }},
+      {"0 script asked reported", [](HandHost& h) { h.record.imageSize.v = 0; }},
+      {"0 script asked reported", [](HandHost& h) { h.record.imageMode = 4; }}};
+  for (const auto& [outcome, change] : cases) {
     HandHost host;
-    c.change(host);
-    const int liveBefore = standin::memoryState().live;
-    EXPECT_EQ(host.call(3), c.status);
-    for (const Rect* rect : {&host.record.inRect, &host.record.outRect, &host.record.maskRect}) {
-      EXPECT_EQ(sides(*rect), (std::array<int, 4>{}));
-    }
-    // Without the procs the script is neither read nor written; a Cancel still writes it.
-    const Script handedBack = standin::scriptOf(host.descriptors.descriptor);
-    EXPECT_EQ(handedBack.size(), c.reached >= script ? 27U : 1U);
-    EXPECT_EQ(host.descriptors.recordInfo, c.reached >= script ? 0 : 1);
-    EXPECT_EQ(host.advances, c.reached >= request ? 1 : 0);
-    if (c.reached == render) {
-      ASSERT_FALSE(host.progress.empty());
-      EXPECT_EQ(host.progress.back(), (std::pair{0, 1}));
-    } else {
-      EXPECT_TRUE(host.progress.empty());
-    }
-    const bool written =
-        std::any_of(host.output.begin(), host.output.end(), [](int b) { return b; });
-    if (c.status == 0) EXPECT_EQ(written, host.record.imageMode == 1);
-    if (c.reached < render) EXPECT_FALSE(written);
-    EXPECT_EQ(standin::memoryState().live, liveBefore);
+    change(host);
+    std::ostringstream text;
+    text << host.call(3, &host.record);
+    if (standin::scriptOf(host.descriptors.descriptor).size() == 27) text << " script";
+    if (host.asked.planes != 0) text << " asked";
+    if (host.progress == std::pair{0, 1}) text << " reported";
+    if (host.picture != std::vector<std::uint8_t>(48 * 8, 100)) text << " painted";
+    text << ' ' << host.record.inRect << ' ' << host.record.outRect << ' ' << host.record.maskRect;
+    EXPECT_EQ(text.str(), outcome + std::string(" 0,0,0,0 0,0,0,0 0,0,0,0"));
   }
-  HandHost host;
-  host.record.descriptorParameters = nullptr;  // as on a menu run, the interface is to open
-  EXPECT_EQ(host.call(3), -128);
 }
 
-TEST(StartSelector, KeepsItsValuesForTheNextRunAndHoldsThemInTheirLimits) {
+TEST(StartSelector, KeepsItsValuesForTheNextRunWithinTheirLimits) {
   Random random(4);
   const standin::Picture input = randomPicture(random, 13, 5, 6);
-  const auto value = [](const standin::Script& script, const char(&key)[5]) {
-    for (const auto& [k, v] : script) {
-      if (k == hostapi::fourCharacterCode(key)) return std::get<double>(v);
-    }
-    return -99.0;
-  };
-  const auto put = [](const char(&key)[5], standin::ScriptValue v) {
-    return standin::Script::value_type{hostapi::fourCharacterCode(key), v};
-  };
-  const ModuleRun first = runModule(
-      input, nullptr,
-      {put("INTE", 7.5), put("RALE", 1.5), put("RADI", -1.0), put("ORIX", 1.4), put("MODE", 2)});
-  const ModuleRun second = runModule(input, nullptr, {});
-  EXPECT_EQ(value(second.result.script, "INTE"), 7.5);
-  EXPECT_EQ(value(second.result.script, "RALE"), 1.0);
-  EXPECT_EQ(value(second.result.script, "RADI"), 0.0);
-  EXPECT_EQ(value(second.result.script, "ORIX"), 1.4);
-  EXPECT_EQ(second.output.bytes, first.output.bytes);
-  // The script is written before the limits are applied again.
-  EXPECT_EQ(value(first.result.script, "RALE"), 1.5);
+  const auto length = hostapi::fourCharacterCode("RALE");
+  standin::Script script = runModule(input, nullptr, {{length, 1.5}}).result.script;
+  EXPECT_EQ(script[3].second, standin::ScriptValue(1.5));
+  script[3].second = 1.0;  // handed back as it came, and limited for the render
+  EXPECT_EQ(runModule(input, nullptr, {}).result.script, script);
 }
 
 TEST(Render, AnAllocationThatFailsGivesOutOfMemoryAndLeaksNothing) {
   Random random(8);
-  for (const int mode : {1, 2}) {
-    const standin::Picture input = randomPicture(random, 3, 15, 12);
-    const standin::Mask mask = randomMask(random, 15, 12);
-    judge::Values values = randomValues(random);
-    values.mode = mode;
-    int failAt = 1;
-    for (; failAt < 50; ++failAt) {
-      standin::HostFaults faults;
-      faults.failAllocation = failAt;
-      const ModuleRun run = runModule(input, &mask, scriptOf(values), {}, faults);
-      ASSERT_EQ(run.result.leakedBuffers, 0) << failAt;
-      if (run.result.status == 0) break;
-      ASSERT_EQ(run.result.status, -108) << failAt;
+  const standin::Picture input = randomPicture(random, 3, 15, 12);
+  const standin::Mask mask = randomMask(random, 15, 12);
+  judge::Values values = randomValues(random);
+  for (values.mode = 1; values.mode <= 2; ++values.mode) {
+    int status = -108;
+    for (int n = 1; status == -108; ++n) {
+      const ModuleRun run = runModule(input, &mask, scriptOf(values), {}, {.failAllocation = n});
+      status = run.result.status;
+      ASSERT_EQ(status, n == 1 || status != 0 ? -108 : 0);
+      ASSERT_EQ(run.result.leakedBuffers, 0) << n;
     }
-    EXPECT_GT(failAt, 1);
-    EXPECT_LT(failAt, 50);
-  }
-}
-
-TEST(Render, IsTheSameFromTheHeapWhichServesWhereASuiteIsMissing) {
-  Random random(6);
-  const standin::Picture input = randomPicture(random, 14, 13, 17);
-  const standin::Script script = scriptOf(randomValues(random));
-  const ModuleRun fromSuite = runModule(input, nullptr, script);
-  EXPECT_GT(standin::memoryState().allocations, 0);
-  standin::HostTraits traits;
-  traits.suites = false;  // the module may still hold the Handle Suite of the run before
-  const ModuleRun fromHeap = runModule(input, nullptr, script, traits);
-  EXPECT_EQ(fromHeap.result.status, 0);
-  EXPECT_EQ(standin::memoryState().allocations, 0);
-  EXPECT_EQ(fromHeap.output.bytes, fromSuite.output.bytes);
-
-  for (const bool buffer : {false, true}) {
-    for (const bool handle : {false, true}) {
-      HandHost host;
-      host.hasBufferSuite = buffer;
-      host.hasHandleSuite = handle;
-      const int liveBefore = standin::memoryState().live;
-      ProbeFilter filter;
-      filter.render = [&filter, liveBefore, suite = buffer && handle] {
-        void* block = filter.Allocate(100);
-        std::memset(block, 1, 100);
-        EXPECT_EQ(standin::memoryState().live, liveBefore + (suite ? 1 : 0));
-        filter.Free(block);
-        filter.Free(nullptr);
-        return std::int16_t{0};
-      };
-      EXPECT_EQ(filter.Dispatch(3, &host.record), 0);
-      EXPECT_EQ(standin::memoryState().live, liveBefore);
-    }
-  }
-}
-
-TEST(Render, AnEmptyPictureIsNoFailure) {
-  Random random(2);
-  for (const auto& [width, height] : {std::pair{0, 0}, {0, 5}, {5, 0}}) {
-    const ModuleRun run = runModule(randomPicture(random, 13, width, height), nullptr, {});
-    EXPECT_EQ(run.result.status, 0) << width << ' ' << height;
-    EXPECT_EQ(run.result.progressCalls, 1);
   }
 }
 
 TEST(SetupFilterRecord, AsksForTheWholePictureReducedByTheFactor) {
-  const struct {
-    unsigned factor;
-    int width, height;
-    int right, bottom;
-    int rate;
-  } cases[] = {{0, 100, 50, 100, 50, 0x10000}, {1, 100, 50, 100, 50, 0x10000},
-               {3, 100, 50, 33, 16, 0x30000},  {2, 7, 1, 3, 0, 0x20000},
-               {9, 8, 8, 0, 0, 0x90000},       {2, 32767, 32767, 16383, 16383, 0x20000}};
-  for (const auto& c : cases) {
-    for (const bool masked : {false, true}) {
-      for (const bool floating : {false, true}) {
-        HandHost host;
-        ProbeFilter filter;
-        host.record.imageSize = {static_cast<std::int16_t>(c.height),
-                                 static_cast<std::int16_t>(c.width)};
-        host.record.planes = 5;
-        host.record.inLoPlane = host.record.outLoPlane = 2;
-        host.record.haveMask = masked;
-        host.record.isFloating = floating;
-        host.record.autoMask = host.record.wantsAbsolute = 1;
-        host.record.maskPadding = 9;
-        host.advanceResult = -7;
-        EXPECT_EQ(filter.SetupFilterRecord(&host.record, c.factor), -7);
-        const hostapi::FilterRecord& asked = host.atAdvance;
-        const std::array<int, 4> reduced{0, 0, c.right, c.bottom};
-        EXPECT_EQ(sides(asked.inRect), reduced);
-        EXPECT_EQ(sides(asked.outRect), reduced);
-        EXPECT_EQ(sides(asked.maskRect), masked ? reduced : sides({1, 2, 3, 4}));
-        EXPECT_EQ(sides(asked.filterRect), (std::array<int, 4>{0, 0, c.width, c.height}));
-        EXPECT_EQ(asked.inputRate, c.rate);
-        EXPECT_EQ(asked.maskRate, c.rate);
-        EXPECT_EQ((std::array<int, 4>{asked.inLoPlane, asked.inHiPlane, asked.outLoPlane,
-                                      asked.outHiPlane}),
-                  (std::array<int, 4>{0, 4, 0, 4}));
-        EXPECT_EQ((std::array<int, 3>{asked.inputPadding, asked.outputPadding, asked.maskPadding}),
-                  (std::array<int, 3>{255, 255, 0}));
-        EXPECT_EQ(asked.autoMask, masked && !floating ? 0 : 1);
-        EXPECT_EQ(asked.wantsAbsolute, 0);
-      }
-    }
-  }
-}
-
-TEST(Progress, OnlyThreadZeroOfAFinalRenderMeetsTheHost) {
-  HandHost host;
-  host.abort = true;
-  ProbeFilter filter;
-  filter.render = [&filter] {
-    EXPECT_EQ(filter.Progress(1, 9, 3), 0);
-    EXPECT_TRUE(HandHost::current->progress.empty());
-    EXPECT_EQ(filter.Progress(2, 9, 0), -128);
-    return std::int16_t{-5};
+  const auto asked = [](unsigned factor, std::int16_t width, std::int16_t height, int mask) {
+    HandHost host;
+    hostapi::FilterRecord& r = host.record;
+    r.imageSize = {height, width};
+    r.planes = 5;
+    r.inLoPlane = r.outLoPlane = r.maskPadding = 2;
+    r.haveMask = mask != 0;
+    r.isFloating = mask == 2;
+    r.autoMask = r.wantsAbsolute = 1;
+    host.advanceResult = -7;
+    EXPECT_EQ(ProbeFilter().SetupFilterRecord(&r, factor), -7);
+    r = host.asked;
+    std::ostringstream text;
+    text << r.inRect << ' ' << r.outRect << ' ' << r.maskRect << ' ' << r.filterRect << " rate "
+         << r.inputRate / 65536.0 << r.maskRate / 65536.0 << " auto " << int{r.autoMask}
+         << " planes " << r.inLoPlane << r.inHiPlane << r.outLoPlane << r.outHiPlane << " padding "
+         << r.inputPadding << ' ' << r.outputPadding << r.maskPadding;
+    EXPECT_EQ(r.wantsAbsolute, 0);
+    return text.str();
   };
-  EXPECT_EQ(filter.Dispatch(3, &host.record), -5);
-  EXPECT_EQ(host.progress, (std::vector<std::pair<int, int>>{{2, 9}, {0, 1}}));
+  const std::string rest = " planes 0404 padding 255 2550";
+  EXPECT_EQ(asked(0, 90, 50, 0), "0,0,90,50 0,0,90,50 2,1,4,3 0,0,90,50 rate 11 auto 1" + rest);
+  EXPECT_EQ(asked(1, 90, 50, 1), "0,0,90,50 0,0,90,50 0,0,90,50 0,0,90,50 rate 11 auto 0" + rest);
+  EXPECT_EQ(asked(3, 100, 50, 2), "0,0,33,16 0,0,33,16 0,0,33,16 0,0,100,50 rate 33 auto 1" + rest);
+  EXPECT_EQ(asked(2, 7, 1, 1), "0,0,3,0 0,0,3,0 0,0,3,0 0,0,7,1 rate 22 auto 0" + rest);
 }
 
-TEST(Progress, APreviewIsCutShortByAWantedRenderBehind200Milliseconds) {
-  ProbeFilter filter;  // a preview does not touch the host at all
-  for (const bool pending : {false, true}) {
-    for (const bool live : {false, true}) {
-      for (const std::uint32_t elapsed : {0U, 201U, 5000U}) {
-        bRenderPending = pending;
-        bLivePreview = live;
-        nRenderStartTick = platform::tickCount() - elapsed;
-        const bool cut = pending && live && elapsed > 200;
-        for (const int thread : {0, 3}) {
-          EXPECT_EQ(filter.Progress(1, 2, thread), cut ? -128 : 0) << elapsed;
-        }
-      }
-    }
+TEST(Services, UseTheHostsMemoryWithBothSuitesAndReportOnThreadZeroAlone) {
+  for (int suites = 0; suites < 4; ++suites) {
+    HandHost host(suites);
+    host.abort = true;
+    const int live = standin::memoryState().live;
+    ProbeFilter filter;
+    filter.render = [&] {
+      void* block = filter.Allocate(100);
+      EXPECT_EQ(standin::memoryState().live - live, suites == 3 && host.record.sSPBasic) << suites;
+      filter.Free(block);
+      filter.Free(nullptr);
+      EXPECT_EQ(filter.Progress(1, 9, 3), 0);
+      EXPECT_NE(host.progress, (std::pair{1, 9}));
+      EXPECT_EQ(filter.Progress(2, 9, 0), -128);
+      return std::int16_t{-5};
+    };
+    EXPECT_EQ(filter.Dispatch(3, &host.record), -5);
+    host.record.sSPBasic = nullptr;  // the Handle Suite of the selector before is left over
+    EXPECT_EQ(filter.Dispatch(3, &host.record), -5);
+    EXPECT_EQ(standin::memoryState().live, live);
   }
-  nRenderStartTick = 0;
-  bRenderPending = false;
-  bLivePreview = true;
 }
 
-TEST(ThreadCount, IsTheProcessorsOrTheSmallerRequestAndTheRequestItselfFrom64) {
-  const struct {
-    int processors, requested, count;
-  } cases[] = {{1, -1, 1},     {4, 0, 4},     {4, 3, 3},     {4, 9, 4},
-               {63, -1, 63},   {63, 100, 63}, {64, -1, -1},  {64, 5, 5},
-               {64, 100, 100}, {128, -1, -1}, {128, 63, 63}, {128, 70, 70}};
-  for (const auto& c : cases) {
-    EXPECT_EQ(ProbeFilter::threadCountFor(c.processors, c.requested), c.count)
-        << c.processors << ' ' << c.requested;
-  }
+TEST(ThreadCounts, AreTheProcessorsOrASmallerRequestAndTheRequestItselfFrom64) {
+  const auto count = ProbeFilter::threadCountFor;
+  EXPECT_EQ((std::array{count(1, -1), count(4, 0), count(4, 3), count(4, 9), count(63, -1)}),
+            (std::array{1, 4, 3, 4, 63}));
+  EXPECT_EQ((std::array{count(63, 100), count(64, 63), count(64, -1), count(128, 70)}),
+            (std::array{63, 63, -1, 70}));
 }
 
 }  // namespace

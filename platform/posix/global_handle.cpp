@@ -1,16 +1,8 @@
 #include "platform/global_handle.h"
 
-#include <cstdlib>
-
-#include "hostapi/constants.h"
-
 namespace radiashafts::platform {
 
-std::int16_t freeGlobalHandle(hostapi::Handle handle) {
-  if (handle == nullptr) return hostapi::nilHandleError;
-  std::free(*handle);
-  std::free(handle);
-  return 0;
-}
+// There is no global allocator here that could say whether a handle is its own.
+void freeGlobalHandle(void**) {}
 
 }  // namespace radiashafts::platform

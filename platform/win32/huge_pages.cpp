@@ -1,0 +1,7 @@
+#include "platform/huge_pages.h"
+
+namespace radiashafts::platform {
+
+void preferHugePages(void*, std::size_t) {}
+
+}  // namespace radiashafts::platform

@@ -1,0 +1,251 @@
+// The command line as a user meets it: the program is run, its files and messages are looked at.
+
+#include <array>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include <OpenImageIO/imageio.h>
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "standin/picture_file.h"
+#include "tests/support/module_under_test.h"
+#include "tests/support/test_pictures.h"
+
+namespace radiashafts::test {
+namespace {
+
+namespace fs = std::filesystem;
+using OIIO::ImageInput;
+using OIIO::ImageOutput;
+using OIIO::ImageSpec;
+using OIIO::TypeDesc;
+
+// Blending that leaves every pixel as it was: the brighter pixel wins, and the rays are black.
+constexpr char untouched[] = " --intensity 0 --blend-mode maximum --quiet";
+
+struct Answer {
+  int exitCode;
+  std::string out;
+  std::string err;
+};
+
+std::string contentOf(const fs::path& path) {
+  std::ifstream stream(path, std::ios::binary);
+  std::ostringstream content;
+  content << stream.rdbuf();
+  return content.str();
+}
+
+class CommandLine : public testing::Test {
+ protected:
+  CommandLine() {
+    std::string pattern = (fs::temp_directory_path() / "radiashafts-XXXXXX").string();
+    folder_ = mkdtemp(pattern.data());
+  }
+  ~CommandLine() override { fs::remove_all(folder_); }
+
+  Answer run(const std::string& arguments) const {
+    const std::string command = "cd " + folder_.string() + " && " RADIASHAFTS_PROGRAM " " +
+                                arguments + " >out.txt 2>err.txt";
+    const int status = std::system(command.c_str());
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, contentOf(folder_ / "out.txt"),
+            contentOf(folder_ / "err.txt")};
+  }
+
+  template <class Sample>
+  std::vector<Sample> write(const std::string& name, int channels, TypeDesc format,
+                            void (*describe)(ImageSpec&) = nullptr) const {
+    ImageSpec spec(width, height, channels, format);
+    if (channels == 2) spec.alpha_channel = 1;
+    spec.attribute("oiio:UnassociatedAlpha", 1);
+    if (describe != nullptr) describe(spec);
+    std::vector<Sample> samples(static_cast<std::size_t>(width * height * channels));
+    Random random(7);
+    for (Sample& sample : samples) sample = static_cast<Sample>(random());
+    const auto output = ImageOutput::create(path(name).string());
+    EXPECT_TRUE(output != nullptr && output->open(path(name).string(), spec));
+    EXPECT_TRUE(output->write_image(format, samples.data()) && output->close());
+    return samples;
+  }
+
+  template <class Sample>
+  std::vector<Sample> read(const std::string& name, TypeDesc format, ImageSpec* spec) const {
+    ImageSpec wish;
+    wish.attribute("oiio:UnassociatedAlpha", 1);
+    const auto input = ImageInput::open(path(name).string(), &wish);
+    if (input == nullptr) return {};
+    *spec = input->spec();
+    std::vector<Sample> samples(static_cast<std::size_t>(width * height * spec->nchannels));
+    EXPECT_TRUE(input->read_image(0, 0, 0, spec->nchannels, format, samples.data()));
+    return samples;
+  }
+
+  fs::path path(const std::string& name) const { return folder_ / name; }
+  bool exists(const std::string& name) const { return fs::exists(path(name)); }
+
+  static constexpr int width = 37;
+  static constexpr int height = 23;
+
+ private:
+  fs::path folder_;
+};
+
+TEST_F(CommandLine, UntouchedSamplesComeBackAtEveryDepthAndChannelCount) {
+  for (int channels = 1; channels <= 5; ++channels) {
+    ImageSpec spec;
+    const auto bytes = write<std::uint8_t>("8.tif", channels, TypeDesc::UINT8);
+    ASSERT_EQ(run(std::string("8.tif 8o.tif") + untouched).exitCode, 0);
+    EXPECT_EQ(read<std::uint8_t>("8o.tif", TypeDesc::UINT8, &spec), bytes) << channels;
+    EXPECT_EQ(spec.format, TypeDesc::UINT8);
+    EXPECT_EQ(spec.nchannels, channels);
+
+    const auto words = write<std::uint16_t>("16.tif", channels, TypeDesc::UINT16);
+    ASSERT_EQ(run(std::string("16.tif 16o.tif") + untouched).exitCode, 0);
+    const auto wordsBack = read<std::uint16_t>("16o.tif", TypeDesc::UINT16, &spec);
+    ASSERT_EQ(wordsBack.size(), words.size());
+    for (std::size_t i = 0; i < words.size(); ++i) ASSERT_NEAR(wordsBack[i], words[i], 1);
+    // What came from a host once stays for good.
+    ASSERT_EQ(run(std::string("16o.tif 16p.tif") + untouched).exitCode, 0);
+    EXPECT_EQ(read<std::uint16_t>("16p.tif", TypeDesc::UINT16, &spec), wordsBack);
+  }
+  ImageSpec spec;
+  write<std::uint8_t>("start.tif", 4, TypeDesc::UINT8);
+  ASSERT_EQ(run(std::string("start.tif a.exr") + untouched).exitCode, 0);
+  ASSERT_EQ(run(std::string("a.exr b.exr") + untouched).exitCode, 0);
+  const auto half = read<float>("a.exr", TypeDesc::FLOAT, &spec);
+  const auto halfBack = read<float>("b.exr", TypeDesc::FLOAT, &spec);
+  EXPECT_EQ(spec.format, TypeDesc::HALF);
+  for (std::size_t i = 0; i < half.size(); ++i) ASSERT_NEAR(halfBack[i], half[i], 1e-3);
+}
+
+TEST_F(CommandLine, RendersWhatTheModuleRenders) {
+  write<std::uint8_t>("in.png", 4, TypeDesc::UINT8);
+  write<std::uint8_t>("mask.png", 1, TypeDesc::UINT8);
+  const Answer answer =
+      run("in.png out.png --mask mask.png --origin 0.2,1.1 --mode smooth "
+          "--ray-length 0.8 --blend-mode \"max weight\" --color-low 1,0.5,0.2 "
+          "--use-image-color off --selection-low 20 --quiet");
+  ASSERT_EQ(answer.exitCode, 0) << answer.err;
+  EXPECT_EQ(answer.out + answer.err, "");
+
+  judge::Values values;
+  values.originX = 0.2;
+  values.originY = 1.1;
+  values.mode = 2;
+  values.rayLength = 0.8;
+  values.blendMode = 2;
+  values.colorLow[1] = 0.5;
+  values.colorLow[2] = 0.2;
+  values.useImageColor = false;
+  values.selectionLow = 20.0;
+  const standin::Picture input = standin::readPictureFile(path("in.png")).picture;
+  const standin::Mask mask = standin::readMaskFile(path("mask.png"));
+  const judge::Picture expected = judge::render(judgePicture(input), mask.bytes.data(), values);
+  EXPECT_EQ(standin::readPictureFile(path("out.png")).picture.bytes,
+            storedPicture(expected, input).bytes);
+}
+
+TEST_F(CommandLine, MetadataSurvives) {
+  write<std::uint8_t>("in.tif", 3, TypeDesc::UINT8, [](ImageSpec& spec) {
+    const std::array<std::uint8_t, 4> profile{1, 2, 3, 4};
+    spec.attribute("ICCProfile", TypeDesc(TypeDesc::UINT8, 4), profile.data());
+    spec.attribute("XResolution", 240.0F);
+    spec.attribute("YResolution", 240.0F);
+    spec.attribute("Orientation", 6);
+    spec.attribute("Artist", "somebody");
+  });
+  ASSERT_EQ(run("in.tif out.tif --quiet").exitCode, 0);
+  ImageSpec spec;
+  read<std::uint8_t>("out.tif", TypeDesc::UINT8, &spec);
+  EXPECT_NE(spec.find_attribute("ICCProfile"), nullptr);
+  EXPECT_EQ(spec.get_float_attribute("XResolution"), 240.0F);
+  EXPECT_EQ(spec.get_int_attribute("Orientation"), 6);
+  EXPECT_EQ(spec.get_string_attribute("Artist"), "somebody");
+}
+
+TEST_F(CommandLine, SaysWhatTheFormatCannotHold) {
+  write<std::uint16_t>("in.tif", 4, TypeDesc::UINT16);
+  const Answer answer = run("in.tif out.jpg");
+  EXPECT_EQ(answer.exitCode, 0);
+  EXPECT_NE(answer.err.find("3 of the picture's 4 channels"), std::string::npos) << answer.err;
+  EXPECT_NE(answer.err.find("depth is changed"), std::string::npos) << answer.err;
+}
+
+// One line that names the culprit, the exit code that the help tells, and the output as it was.
+TEST_F(CommandLine, BadInputGetsOneLineAndTouchesNoOutput) {
+  write<std::uint8_t>("in.png", 3, TypeDesc::UINT8);
+  write<std::uint8_t>("mask.png", 1, TypeDesc::UINT8, [](ImageSpec& spec) { spec.height = 22; });
+  std::ofstream(path("text.png")) << "no picture";
+  std::ofstream(path("out.png")) << "precious";
+  fs::copy_file(path("in.png"), path("short.png"));
+  fs::resize_file(path("short.png"), fs::file_size(path("short.png")) / 2);
+  ASSERT_EQ(run("in.png short.jpg --quiet").exitCode, 0);
+  fs::resize_file(path("short.jpg"), fs::file_size(path("short.jpg")) - 40);
+  std::ofstream(path("wide.ppm")) << "P5 40000 1 255\n" << std::string(40000, 'x');
+
+  struct {
+    const char* arguments;
+    int exitCode;
+    const char* culprit;
+  } const cases[] = {
+      {"missing.png out.png", 3, "missing.png"},
+      {"text.png out.png", 3, "text.png"},
+      {"short.png out.png", 3, "short.png"},
+      {"short.jpg out.png", 3, "short.jpg"},
+      {"wide.ppm out.png", 3, "wide.ppm"},
+      {"in.png out.png --mask mask.png", 3, "mask.png"},
+      {"in.png out.png --mask in.png", 3, "in.png"},
+      {"in.png nowhere/out.png", 4, "nowhere/out.png"},
+      {"in.png out.nothing", 4, "out.nothing"},
+      {"in.png out.png --ray-size 3", 2, "--ray-size"},
+      {"in.png out.png --ray-length long", 2, "--ray-length"},
+      {"in.png out.png --intensity nan", 2, "--intensity"},
+      {"in.png out.png --origin 0.5", 2, "--origin"},
+      {"in.png out.png --blend-mode burn", 2, "--blend-mode"},
+      {"in.png out.png --blend-mode 24", 2, "--blend-mode"},
+      {"in.png out.png --use-image-color maybe", 2, "--use-image-color"},
+      {"in.png", 2, "OUTPUT"},
+      {"in.png text.png out.png", 2, "--output-dir"},
+      {"in.png out.png --module missing.so", 5, "missing.so"},
+  };
+  for (const auto& c : cases) {
+    const Answer answer = run(c.arguments);
+    EXPECT_EQ(answer.exitCode, c.exitCode) << c.arguments;
+    EXPECT_EQ(std::count(answer.err.begin(), answer.err.end(), '\n'), 1) << answer.err;
+    EXPECT_NE(answer.err.find(c.culprit), std::string::npos) << c.arguments << ": " << answer.err;
+    EXPECT_EQ(contentOf(path("out.png")), "precious") << c.arguments;
+  }
+}
+
+TEST_F(CommandLine, AnInterruptLeavesNothingBehind) {
+  ImageSpec spec(6000, 4000, 3, TypeDesc::UINT8);
+  const auto output = ImageOutput::create(path("big.bmp").string());
+  ASSERT_TRUE(output->open(path("big.bmp").string(), spec));
+  const std::vector<std::uint8_t> samples(6000U * 4000U * 3U, 90);
+  ASSERT_TRUE(output->write_image(TypeDesc::UINT8, samples.data()) && output->close());
+  fs::create_directory(path("results"));
+  // timeout(1) sends the interrupt while the rays are on their way.
+  const std::string command = "timeout --preserve-status -s INT 1 " RADIASHAFTS_PROGRAM " " +
+                              path("big.bmp").string() + " --output-dir " +
+                              path("results").string() + " 2>" + path("err.txt").string();
+  const int status = std::system(command.c_str());
+  EXPECT_EQ(WEXITSTATUS(status), 130);
+  EXPECT_EQ(contentOf(path("err.txt")), "radiashafts: interrupted\n");
+  EXPECT_TRUE(fs::is_empty(path("results")));
+}
+
+TEST_F(CommandLine, WritesManyFilesIntoADirectoryAndRefusesToWriteOneTwice) {
+  write<std::uint8_t>("a.png", 3, TypeDesc::UINT8);
+  write<std::uint8_t>("b.png", 1, TypeDesc::UINT8);
+  fs::create_directory(path("results"));
+  EXPECT_EQ(run("a.png b.png --output-dir results --quiet").exitCode, 0);
+  EXPECT_TRUE(exists("results/a.png") && exists("results/b.png"));
+  EXPECT_EQ(run("a.png ./a.png --output-dir results").exitCode, 2);
+}
+
+}  // namespace
+}  // namespace radiashafts::test

@@ -12,16 +12,15 @@
 namespace radiashafts::cli {
 namespace {
 
-constexpr char moduleName[] = "libradiashafts.so";
-
 constexpr char footer[] =
     "Exit codes: 0 done, 2 command line, 3 unreadable input, 4 unwritable output, 5 render,\n"
     "130 interrupted. An output is written beside its place and renamed onto it when complete.";
 
 class Formatter final : public CLI::Formatter {
   std::string make_usage(const CLI::App*, std::string) const override {
-    return "Usage: radiashafts [OPTIONS] INPUT OUTPUT\n"
-           "       radiashafts [OPTIONS] INPUT... --output-dir DIR\n";
+    return "Usage: " RADIASHAFTS_PROGRAM_NAME
+           " [OPTIONS] INPUT OUTPUT\n"
+           "       " RADIASHAFTS_PROGRAM_NAME " [OPTIONS] INPUT... --output-dir DIR\n";
   }
 };
 
@@ -55,12 +54,34 @@ std::vector<Job> jobsOf(const std::vector<std::string>& paths, const std::string
   return jobs;
 }
 
+// What poorer hosts lack, to see the module get along without it.
+void addHostOptions(CLI::App& app, standin::HostTraits& traits) {
+  constexpr int padding = 52;  // bytes: whole samples at every depth
+  const auto add = [&app](const char* name, const char* description, auto action) {
+    app.add_flag_callback(name, action, description)->group("Host");
+  };
+  add("--no-suites", "Give no memory suites", [&traits] { traits.suites = false; });
+  add("--no-descriptors", "Give no scripting: as chosen from the menu",
+      [&traits] { traits.descriptors = false; });
+  add("--no-handle-procs", "Give no handle procs", [&traits] { traits.handleProcs = false; });
+  add("--no-display-pixels", "Give no drawing proc", [&traits] { traits.displayPixels = false; });
+  add("--no-color-services", "Give no colour picker", [&traits] { traits.colorServices = false; });
+  add("--no-sampling", "Never reduce the picture", [&traits] { traits.sampling = false; });
+  add("--padded-rows", "Pad rows, input and output differently", [&traits] {
+    traits.inputPadding = padding;
+    traits.outputPadding = 2 * padding;
+    traits.maskPadding = 1;
+  });
+  add("--dialog", "Ask for the interface", [&traits] { traits.playInfo = hostapi::playDisplay; });
+}
+
 }  // namespace
 
 ParsedCommandLine parseCommandLine(int argc, char** argv) {
   ParsedCommandLine parsed;
   CommandLine& commandLine = parsed.commandLine;
-  CLI::App app("Paints soft rays of light streaming out of one point of a picture.", "radiashafts");
+  CLI::App app("Paints soft rays of light streaming out of one point of a picture.",
+               RADIASHAFTS_PROGRAM_NAME);
   app.formatter(std::make_shared<Formatter>());
   app.footer(footer);
   app.set_version_flag("--version", "radiashafts " RADIASHAFTS_VERSION);
@@ -68,7 +89,8 @@ ParsedCommandLine parseCommandLine(int argc, char** argv) {
   std::vector<std::string> paths;
   std::string outputDirectory;
   std::string mask;
-  std::string module = (platform::executablePath().parent_path() / moduleName).string();
+  std::string module =
+      (platform::executablePath().parent_path() / RADIASHAFTS_MODULE_NAME).string();
   bool listWanted = false;
   app.add_option("paths", paths, "Pictures to read, and the one to write")
       ->option_text("INPUT... OUTPUT");
@@ -77,6 +99,7 @@ ParsedCommandLine parseCommandLine(int argc, char** argv) {
   app.add_option("--mask", mask, "Selection: an 8-bit grey picture of the input's size")
       ->type_name("FILE");
   app.add_option("--module", module, "The filter module to run")->type_name("FILE");
+  addHostOptions(app, commandLine.traits);
   app.add_flag("--list-parameters", listWanted, "Tell names, defaults, ranges and entries");
   app.add_flag("--quiet", commandLine.quiet, "Print errors only");
   const ParameterOptions parameters(app);

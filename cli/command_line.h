@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "standin/script.h"
+#include "standin/stand_in_host.h"
 
 namespace radiashafts::cli {
 
@@ -29,6 +30,7 @@ struct CommandLine {
   std::optional<std::filesystem::path> mask;
   std::filesystem::path module;
   standin::Script script;
+  standin::HostTraits traits;
   std::vector<std::string> notes;  // for the user, a line each
   bool quiet = false;
 };

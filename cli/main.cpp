@@ -9,6 +9,7 @@
 #include "cli/progress_bar.h"
 #include "platform/module.h"
 #include "standin/picture_file.h"
+#include "standin/plugin_properties.h"
 #include "standin/stand_in_host.h"
 
 namespace radiashafts::cli {
@@ -43,14 +44,17 @@ std::string causeOf(std::int16_t status) {
 double filter(const CommandLine& commandLine, const Job& job, standin::EntryPoint entry,
               const standin::Mask* mask, standin::Picture& picture) {
   ProgressBar bar(job.input.filename().string(), !commandLine.quiet);
-  standin::StandInHost host(picture, mask);
+  standin::StandInHost host(picture, mask, commandLine.traits);
   host.onProgress = [&bar](std::int32_t done, std::int32_t total) { bar.show(done, total); };
   host.abortWanted = wasInterrupted;
   standin::Picture output;
   const auto start = std::chrono::steady_clock::now();
   const standin::RunResult result = host.run(entry, commandLine.script, output);
   const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - start;
-  if (result.status == hostapi::userCanceledError) throw Failure{exitAborted, "interrupted"};
+  if (wasInterrupted()) throw Failure{exitAborted, "interrupted"};
+  if (result.status == hostapi::userCanceledError) {
+    throw Failure{exitRender, job.input.string() + ": the filter was cancelled, status -128"};
+  }
   if (result.status != 0) {
     throw Failure{exitRender, job.input.string() + ": " + causeOf(result.status)};
   }
@@ -62,6 +66,11 @@ void process(const CommandLine& commandLine, const Job& job, standin::EntryPoint
              const standin::Mask* mask) {
   standin::PictureFile file = standin::readPictureFile(job.input);
   if (mask != nullptr) checkMask(commandLine, *mask, file.picture);
+  try {
+    standin::checkWritable(job.output, file.picture);
+  } catch (const standin::PictureFileError& error) {
+    throw Failure{exitOutput, error.what()};
+  }
   const int width = file.picture.width;
   const int height = file.picture.height;
   const int depth = file.picture.depth;
@@ -80,13 +89,26 @@ void process(const CommandLine& commandLine, const Job& job, standin::EntryPoint
               job.output.string().c_str(), width, height, depth, seconds);
 }
 
+// Reads the module's file first, as hosts do, and says why it is refused.
+std::string entryNameOf(const std::filesystem::path& module) {
+  if (!std::filesystem::exists(module)) {
+    throw Failure{exitRender, module.string() + ": no such module"};
+  }
+  try {
+    return standin::entryPointOf(module);
+  } catch (const std::runtime_error& refusal) {
+    throw Failure{exitRender, module.string() + ": refused, " + refusal.what()};
+  }
+}
+
 int run(const CommandLine& commandLine) {
   try {
+    const std::string entryName = entryNameOf(commandLine.module);
     platform::Module module;
     if (!module.load(commandLine.module)) throw Failure{exitRender, module.error()};
-    const auto entry = reinterpret_cast<standin::EntryPoint>(module.symbol("ENTRYPOINT"));
+    const auto entry = reinterpret_cast<standin::EntryPoint>(module.symbol(entryName.c_str()));
     if (entry == nullptr) {
-      throw Failure{exitRender, commandLine.module.string() + ": exports no ENTRYPOINT"};
+      throw Failure{exitRender, commandLine.module.string() + ": exports no " + entryName};
     }
     std::optional<standin::Mask> mask;
     if (commandLine.mask) mask = standin::readMaskFile(*commandLine.mask);

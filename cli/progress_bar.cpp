@@ -4,12 +4,12 @@
 #include <cstdio>
 #include <utility>
 
-#include <unistd.h>
+#include "platform/terminal.h"
 
 namespace radiashafts::cli {
 
 ProgressBar::ProgressBar(std::string label, bool wanted)
-    : label_(std::move(label)), visible_(wanted && isatty(STDERR_FILENO) != 0) {}
+    : label_(std::move(label)), visible_(wanted && platform::errorIsTerminal()) {}
 
 ProgressBar::~ProgressBar() {
   if (visible_ && shownPercent_ >= 0) std::fputs("\r\033[K", stderr);

@@ -13,6 +13,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include "standin/partial_file.h"
 #include "standin/picture_file.h"
 
 namespace radiashafts::standin {
@@ -187,25 +188,6 @@ std::unique_ptr<ImageInput> openInput(const fs::path& path, ImageSpec& spec) {
   return input;
 }
 
-// Removes an unfinished file unless it was renamed onto its place.
-class PartialFile {
- public:
-  explicit PartialFile(const fs::path& place)
-      : path_(place.parent_path() / ("." + place.stem().string() + ".partial-" +
-                                     std::to_string(getpid()) + place.extension().string())) {}
-  ~PartialFile() {
-    std::error_code ignored;
-    fs::remove(path_, ignored);
-  }
-  PartialFile(const PartialFile&) = delete;
-  PartialFile& operator=(const PartialFile&) = delete;
-
-  const fs::path& path() const { return path_; }
-
- private:
-  fs::path path_;
-};
-
 // What goes into the file: the input's own description, as far as it still holds.
 ImageSpec outputSpec(const PictureFile& file, const ImageOutput& output) {
   const auto* metadata = dynamic_cast<const OiioMetadata*>(file.metadata.get());
@@ -293,18 +275,23 @@ Mask readMaskFile(const fs::path& path) {
   return mask;
 }
 
-WriteResult writePictureFile(const fs::path& path, PictureFile&& file,
-                             const std::function<bool()>& aborted) {
+void checkWritable(const fs::path& path, const Picture&) {
   const SilencedStandardError silenced;
   const fs::path directory = path.parent_path();
   if (!directory.empty() && !fs::is_directory(directory)) fail(path, "no such directory");
-  const PartialFile partial(path);
-  const auto output = ImageOutput::create(partial.path().string());
-  if (output == nullptr) {
+  if (ImageOutput::create(path.string()) == nullptr) {
     static_cast<void>(OIIO::geterror());
     fail(path, "no picture format that can be written has the extension '" +
                    path.extension().string() + "'");
   }
+}
+
+WriteResult writePictureFile(const fs::path& path, PictureFile&& file,
+                             const std::function<bool()>& aborted) {
+  const SilencedStandardError silenced;
+  PartialFile partial(path);
+  const auto output = ImageOutput::create(partial.path().string());
+  if (output == nullptr) fail(path, OIIO::geterror());
 
   WriteResult result;
   Picture& picture = file.picture;
@@ -334,9 +321,7 @@ WriteResult writePictureFile(const fs::path& path, PictureFile&& file,
   if (aborted()) return result;
   if (!complete || !output->close()) fail(path, output->geterror());
 
-  std::error_code error;
-  fs::rename(partial.path(), path, error);
-  if (error) fail(path, error.message());
+  if (const std::string error = partial.putInPlace(); !error.empty()) fail(path, error);
   result.written = true;
   return result;
 }

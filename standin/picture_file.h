@@ -36,6 +36,10 @@ PictureFile readPictureFile(const std::filesystem::path& path);
 // Reads an 8-bit grey picture as a mask.
 Mask readMaskFile(const std::filesystem::path& path);
 
+// Throws PictureFileError where such a picture could not be written to the path: asked before the
+// work is done.
+void checkWritable(const std::filesystem::path& path, const Picture& picture);
+
 // Writes the picture in the format that the path's extension names, beside its place, and renames
 // it onto it when it is complete. The samples of file.picture are used up. What the format cannot
 // hold is said in the notes returned, a line each. Throws PictureFileError; nothing is left behind

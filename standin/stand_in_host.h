@@ -21,8 +21,8 @@ struct HostTraits {
   bool suites = true;
   bool descriptors = true;
   bool handleProcs = true;
-  bool colorServices = false;
-  bool displayPixels = false;
+  bool colorServices = true;
+  bool displayPixels = true;
   bool sampling = true;  // else requests are filled from the full-size image
   int inputPadding = 0;  // bytes behind each row of the input
   int outputPadding = 0;

@@ -30,7 +30,9 @@ struct Worker::State {
 };
 
 Worker::Worker() = default;
-Worker::~Worker() { stop(); }
+Worker::~Worker() {
+  stop();
+}
 
 bool Worker::start() {
   auto state = std::make_unique<State>();

@@ -42,7 +42,9 @@ struct Worker::State {
 };
 
 Worker::Worker() = default;
-Worker::~Worker() { stop(); }
+Worker::~Worker() {
+  stop();
+}
 
 bool Worker::start() {
   auto state = std::make_unique<State>();
@@ -51,7 +53,9 @@ bool Worker::start() {
   return true;
 }
 
-void Worker::stop() { state_.reset(); }
+void Worker::stop() {
+  state_.reset();
+}
 
 void Worker::run(Function function, void* context) {
   state_->function = function;
@@ -60,6 +64,8 @@ void Worker::run(Function function, void* context) {
 }
 
 // Returns when the callback has left the module's code.
-void Worker::wait() { WaitForThreadpoolWorkCallbacks(state_->work, FALSE); }
+void Worker::wait() {
+  WaitForThreadpoolWorkCallbacks(state_->work, FALSE);
+}
 
 }  // namespace radiashafts::platform

@@ -1,0 +1,361 @@
+// Picture files through the Windows Imaging Component, and portable float maps, which its codecs
+// do not know.
+
+#include <algorithm>
+#include <bit>
+#include <cstring>
+#include <fstream>
+#include <memory>
+#include <string_view>
+
+#include <objbase.h>
+#include <wincodec.h>
+#include <windows.h>
+
+#include "standin/partial_file.h"
+#include "standin/picture_file.h"
+
+namespace radiashafts::standin {
+namespace {
+
+namespace fs = std::filesystem;
+
+struct Release {
+  template <class Interface>
+  void operator()(Interface* object) const {
+    object->Release();
+  }
+};
+template <class Interface>
+using Com = std::unique_ptr<Interface, Release>;
+
+[[noreturn]] void fail(const fs::path& path, const std::string& cause) {
+  throw PictureFileError(path.string() + ": " + cause);
+}
+
+void check(HRESULT result, const fs::path& path, const char* step) {
+  if (SUCCEEDED(result)) return;
+  char code[16];
+  std::snprintf(code, sizeof code, "0x%08lx", static_cast<unsigned long>(result));
+  fail(path, std::string(step) + " failed with " + code);
+}
+
+// Calls a method that gives out an object.
+template <class Interface, class Make>
+Com<Interface> make(const fs::path& path, const char* step, const Make& method) {
+  Interface* object = nullptr;
+  check(method(&object), path, step);
+  return Com<Interface>(object);
+}
+
+IWICImagingFactory& factory() {
+  static const Com<IWICImagingFactory> instance = [] {
+    CoInitializeEx(nullptr, COINIT_MULTITHREADED);
+    return make<IWICImagingFactory>("imaging component", "starting", [](IWICImagingFactory** out) {
+      return CoCreateInstance(CLSID_WICImagingFactory, nullptr, CLSCTX_INPROC_SERVER,
+                              IID_IWICImagingFactory, reinterpret_cast<void**>(out));
+    });
+  }();
+  return *instance;
+}
+
+// How pixels are stored that map onto a host's without loss.
+struct StoredFormat {
+  const GUID& guid;
+  int depth;
+  int colorPlanes;
+  int samples;  // of a pixel as stored
+  bool alpha;
+  bool blueFirst;
+};
+
+const StoredFormat storedFormats[] = {
+    {GUID_WICPixelFormat8bppGray, 8, 1, 1, false, false},
+    {GUID_WICPixelFormat16bppGray, 16, 1, 1, false, false},
+    {GUID_WICPixelFormat32bppGrayFloat, 32, 1, 1, false, false},
+    {GUID_WICPixelFormat24bppBGR, 8, 3, 3, false, true},
+    {GUID_WICPixelFormat24bppRGB, 8, 3, 3, false, false},
+    {GUID_WICPixelFormat32bppBGR, 8, 3, 4, false, true},
+    {GUID_WICPixelFormat32bppBGRA, 8, 3, 4, true, true},
+    {GUID_WICPixelFormat32bppRGBA, 8, 3, 4, true, false},
+    {GUID_WICPixelFormat48bppRGB, 16, 3, 3, false, false},
+    {GUID_WICPixelFormat64bppRGBA, 16, 3, 4, true, false},
+    {GUID_WICPixelFormat96bppRGBFloat, 32, 3, 3, false, false},
+    {GUID_WICPixelFormat128bppRGBAFloat, 32, 3, 4, true, false},
+};
+
+const StoredFormat* knownFormat(const GUID& guid) {
+  const auto* found = std::find_if(std::begin(storedFormats), std::end(storedFormats),
+                                   [&](const StoredFormat& f) { return f.guid == guid; });
+  return found == std::end(storedFormats) ? nullptr : found;
+}
+
+// Copies pixels between the stored order and the host's, the same way in both directions.
+void exchange(const StoredFormat& stored, std::uint8_t* storedPixel, std::uint8_t* hostPixel,
+              std::size_t count, bool toHost) {
+  const std::size_t sample = static_cast<std::size_t>(stored.depth) / 8;
+  const int channels = stored.colorPlanes + (stored.alpha ? 1 : 0);
+  for (std::size_t i = 0; i < count; ++i) {
+    for (int c = 0; c < channels; ++c) {
+      const int at = stored.blueFirst && c < 3 ? 2 - c : c;
+      std::uint8_t* s = storedPixel + static_cast<std::size_t>(at) * sample;
+      std::uint8_t* h = hostPixel + static_cast<std::size_t>(c) * sample;
+      std::memcpy(toHost ? h : s, toHost ? s : h, sample);
+    }
+    storedPixel += static_cast<std::size_t>(stored.samples) * sample;
+    hostPixel += static_cast<std::size_t>(channels) * sample;
+  }
+}
+
+// Files run from 0 to 65535, hosts from 0 to 32768.
+void convertWords(Picture& picture, bool toHost) {
+  if (picture.depth != 16) return;
+  auto* sample = reinterpret_cast<std::uint16_t*>(picture.bytes.data());
+  for (std::size_t i = 0; i < picture.sampleCount(); ++i) {
+    const std::uint32_t v = sample[i];
+    sample[i] = static_cast<std::uint16_t>(
+        toHost ? (v * 32768U + 32767U) / 65535U : (std::min(v, 32768U) * 65535U + 16384U) / 32768U);
+  }
+}
+
+std::string extensionOf(const fs::path& path) {
+  std::string extension = path.extension().string();
+  std::transform(extension.begin(), extension.end(), extension.begin(),
+                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+  return extension;
+}
+
+// ---- Portable float maps: a text header, then rows of floats from the bottom up.
+
+bool isFloatMap(const fs::path& path) {
+  return extensionOf(path) == ".pfm";
+}
+
+void checkSides(const fs::path& path, std::uint32_t width, std::uint32_t height) {
+  const std::uint32_t side = std::max(width, height);
+  if (side > static_cast<std::uint32_t>(hostapi::maximumSide)) {
+    fail(path, "a side of " + std::to_string(side) + " pixels is above the limit of 32767");
+  }
+}
+
+Picture readFloatMap(const fs::path& path) {
+  std::ifstream stream(path, std::ios::binary);
+  std::string kind;
+  std::uint32_t width = 0;
+  std::uint32_t height = 0;
+  double scale = 0.0;
+  stream >> kind >> width >> height >> scale;
+  stream.get();
+  if (!stream || (kind != "PF" && kind != "Pf") || width == 0 || height == 0) {
+    fail(path, "not a portable float map");
+  }
+  if (scale > 0.0) fail(path, "a float map with its bytes in the other order");
+  checkSides(path, width, height);
+  Picture picture;
+  picture.width = static_cast<int>(width);
+  picture.height = static_cast<int>(height);
+  picture.planes = picture.colorPlanes = kind == "PF" ? 3 : 1;
+  picture.depth = 32;
+  picture.allocate();
+  for (std::size_t y = height; y > 0; --y) {
+    stream.read(reinterpret_cast<char*>(&picture.bytes[(y - 1) * picture.rowBytes()]),
+                static_cast<std::streamsize>(picture.rowBytes()));
+  }
+  if (!stream) fail(path, "the file is truncated");
+  return picture;
+}
+
+void writeFloatMap(const fs::path& path, const fs::path& place, const Picture& picture) {
+  std::ofstream stream(path, std::ios::binary);
+  stream << (picture.planes == 3 ? "PF" : "Pf") << '\n'
+         << picture.width << ' ' << picture.height << "\n-1.0\n";
+  for (std::size_t y = static_cast<std::size_t>(picture.height); y > 0; --y) {
+    stream.write(reinterpret_cast<const char*>(&picture.bytes[(y - 1) * picture.rowBytes()]),
+                 static_cast<std::streamsize>(picture.rowBytes()));
+  }
+  stream.close();
+  if (!stream) fail(place, "cannot be written");
+}
+
+// ---- The system's codecs
+
+Com<IWICBitmapFrameDecode> openFrame(const fs::path& path) {
+  if (!fs::exists(path)) fail(path, "no such file");
+  if (fs::is_directory(path)) fail(path, "is a directory");
+  const auto decoder = make<IWICBitmapDecoder>(path, "opening", [&](IWICBitmapDecoder** out) {
+    return factory().CreateDecoderFromFilename(path.c_str(), nullptr, GENERIC_READ,
+                                               WICDecodeMetadataCacheOnDemand, out);
+  });
+  return make<IWICBitmapFrameDecode>(
+      path, "reading", [&](IWICBitmapFrameDecode** out) { return decoder->GetFrame(0, out); });
+}
+
+// The frame itself where its pixels are known, else converted to 8 bits with alpha.
+Com<IWICBitmapSource> knownSource(const fs::path& path, Com<IWICBitmapFrameDecode> frame,
+                                  const StoredFormat*& format) {
+  WICPixelFormatGUID guid;
+  check(frame->GetPixelFormat(&guid), path, "reading");
+  format = knownFormat(guid);
+  if (format != nullptr) return Com<IWICBitmapSource>(frame.release());
+  format = knownFormat(GUID_WICPixelFormat32bppBGRA);
+  auto converter = make<IWICFormatConverter>(path, "converting", [](IWICFormatConverter** out) {
+    return factory().CreateFormatConverter(out);
+  });
+  check(converter->Initialize(frame.get(), format->guid, WICBitmapDitherTypeNone, nullptr, 0.0,
+                              WICBitmapPaletteTypeCustom),
+        path, "converting");
+  return Com<IWICBitmapSource>(converter.release());
+}
+
+Picture readWithCodec(const fs::path& path) {
+  const StoredFormat* format = nullptr;
+  const auto source = knownSource(path, openFrame(path), format);
+  UINT width = 0;
+  UINT height = 0;
+  check(source->GetSize(&width, &height), path, "reading");
+  checkSides(path, width, height);
+  Picture picture;
+  picture.width = static_cast<int>(width);
+  picture.height = static_cast<int>(height);
+  picture.colorPlanes = format->colorPlanes;
+  picture.hasAlpha = format->alpha;
+  picture.planes = picture.colorPlanes + (picture.hasAlpha ? 1 : 0);
+  picture.depth = format->depth;
+  picture.allocate();
+
+  std::vector<std::uint8_t> row(picture.sampleBytes() * static_cast<std::size_t>(format->samples) *
+                                width);
+  for (UINT y = 0; y < height; ++y) {
+    const WICRect line{0, static_cast<INT>(y), static_cast<INT>(width), 1};
+    check(source->CopyPixels(&line, static_cast<UINT>(row.size()), static_cast<UINT>(row.size()),
+                             row.data()),
+          path, "reading");
+    exchange(*format, row.data(), &picture.bytes[y * picture.rowBytes()], width, true);
+  }
+  convertWords(picture, true);
+  return picture;
+}
+
+const GUID* containerOf(const fs::path& path) {
+  static const struct {
+    std::string_view extension;
+    const GUID& container;
+  } containers[] = {
+      {".png", GUID_ContainerFormatPng},   {".jpg", GUID_ContainerFormatJpeg},
+      {".jpeg", GUID_ContainerFormatJpeg}, {".tif", GUID_ContainerFormatTiff},
+      {".tiff", GUID_ContainerFormatTiff}, {".bmp", GUID_ContainerFormatBmp},
+  };
+  const std::string extension = extensionOf(path);
+  for (const auto& c : containers) {
+    if (c.extension == extension) return &c.container;
+  }
+  return nullptr;
+}
+
+// One file being encoded.
+struct Encoding {
+  Com<IWICBitmapEncoder> encoder;
+  Com<IWICBitmapFrameEncode> frame;
+  const StoredFormat* format;
+};
+
+// Throws where the encoder offers other pixels than the picture's.
+Encoding startEncoding(const fs::path& place, IStream* stream, const Picture& picture) {
+  const GUID* container = containerOf(place);
+  if (container == nullptr) {
+    fail(place, "no picture format that can be written has the extension '" +
+                    place.extension().string() + "'");
+  }
+  Encoding encoding;
+  encoding.encoder = make<IWICBitmapEncoder>(place, "encoding", [&](IWICBitmapEncoder** out) {
+    return factory().CreateEncoder(*container, nullptr, out);
+  });
+  check(encoding.encoder->Initialize(stream, WICBitmapEncoderNoCache), place, "encoding");
+  IPropertyBag2* options = nullptr;
+  encoding.frame = make<IWICBitmapFrameEncode>(place, "encoding", [&](IWICBitmapFrameEncode** out) {
+    return encoding.encoder->CreateNewFrame(out, &options);
+  });
+  if (options != nullptr) options->Release();
+  check(encoding.frame->Initialize(nullptr), place, "encoding");
+  check(
+      encoding.frame->SetSize(static_cast<UINT>(picture.width), static_cast<UINT>(picture.height)),
+      place, "encoding");
+  for (const StoredFormat& format : storedFormats) {
+    if (format.depth != picture.depth || format.colorPlanes != picture.colorPlanes ||
+        format.alpha != picture.hasAlpha ||
+        format.samples != picture.colorPlanes + (picture.hasAlpha ? 1 : 0)) {
+      continue;
+    }
+    WICPixelFormatGUID offered = format.guid;
+    if (SUCCEEDED(encoding.frame->SetPixelFormat(&offered)) && offered == format.guid) {
+      encoding.format = &format;
+      return encoding;
+    }
+  }
+  fail(place, "the system's codec writes no picture of " + std::to_string(picture.planes) +
+                  " channels at " + std::to_string(picture.depth) + " bits");
+}
+
+void writeWithCodec(const fs::path& path, const fs::path& place, Picture& picture,
+                    const std::function<bool()>& aborted) {
+  const auto stream = make<IWICStream>(
+      place, "writing", [](IWICStream** out) { return factory().CreateStream(out); });
+  check(stream->InitializeFromFilename(path.c_str(), GENERIC_WRITE), place, "writing");
+  const Encoding encoding = startEncoding(place, stream.get(), picture);
+  convertWords(picture, false);
+  std::vector<std::uint8_t> row(picture.sampleBytes() *
+                                static_cast<std::size_t>(encoding.format->samples) *
+                                static_cast<std::size_t>(picture.width));
+  for (int y = 0; y < picture.height && !aborted(); ++y) {
+    exchange(*encoding.format, row.data(),
+             &picture.bytes[static_cast<std::size_t>(y) * picture.rowBytes()],
+             static_cast<std::size_t>(picture.width), false);
+    check(encoding.frame->WritePixels(1, static_cast<UINT>(row.size()),
+                                      static_cast<UINT>(row.size()), row.data()),
+          place, "writing");
+  }
+  if (aborted()) return;
+  check(encoding.frame->Commit(), place, "writing");
+  check(encoding.encoder->Commit(), place, "writing");
+}
+
+}  // namespace
+
+PictureFile readPictureFile(const fs::path& path) {
+  return {isFloatMap(path) ? readFloatMap(path) : readWithCodec(path), nullptr};
+}
+
+Mask readMaskFile(const fs::path& path) {
+  const Picture picture = readWithCodec(path);
+  if (picture.planes != 1 || picture.depth != 8) fail(path, "a mask is an 8-bit grey picture");
+  return {picture.width, picture.height, picture.bytes};
+}
+
+void checkWritable(const fs::path& path, const Picture& picture) {
+  const fs::path directory = path.parent_path();
+  if (!directory.empty() && !fs::is_directory(directory)) fail(path, "no such directory");
+  if (isFloatMap(path)) {
+    if (picture.depth != 32 || picture.hasAlpha) {
+      fail(path, "a float map holds floats without alpha");
+    }
+    return;
+  }
+  const auto stream = make<IStream>(
+      path, "writing", [](IStream** out) { return CreateStreamOnHGlobal(nullptr, TRUE, out); });
+  startEncoding(path, stream.get(), picture);
+}
+
+WriteResult writePictureFile(const fs::path& path, PictureFile&& file,
+                             const std::function<bool()>& aborted) {
+  PartialFile partial(path);
+  if (isFloatMap(path)) {
+    writeFloatMap(partial.path(), path, file.picture);
+  } else {
+    writeWithCodec(partial.path(), path, file.picture, aborted);
+  }
+  if (aborted()) return {};
+  if (const std::string error = partial.putInPlace(); !error.empty()) fail(path, error);
+  return {true, {}};
+}
+
+}  // namespace radiashafts::standin

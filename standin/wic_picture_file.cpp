@@ -1,6 +1,8 @@
 // Picture files through the Windows Imaging Component, and portable float maps, which its codecs
 // do not know.
 
+#include <windows.h>
+
 #include <algorithm>
 #include <bit>
 #include <cstring>
@@ -10,7 +12,6 @@
 
 #include <objbase.h>
 #include <wincodec.h>
-#include <windows.h>
 
 #include "standin/partial_file.h"
 #include "standin/picture_file.h"

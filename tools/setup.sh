@@ -5,7 +5,8 @@ root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 build_packages=(g++ cmake ninja-build pkg-config libopenimageio-dev libcli11-dev libgtest-dev
   libbenchmark-dev)
 picture_packages=(mate-backgrounds)
-test_packages=(clang-format imagemagick)
+windows_packages=(g++-mingw-w64-x86-64-posix)
+test_packages=(clang-format googletest icoutils wine64)
 
 say() { printf '== %s\n' "$*" >&2; }
 

@@ -1,5 +1,4 @@
 #include "platform/console.h"
-
 #include <windows.h>
 
 namespace radiashafts::platform {

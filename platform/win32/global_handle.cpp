@@ -1,5 +1,4 @@
 #include "platform/global_handle.h"
-
 #include <windows.h>
 
 namespace radiashafts::platform {

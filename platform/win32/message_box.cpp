@@ -1,5 +1,4 @@
 #include "platform/message_box.h"
-
 #include <windows.h>
 
 namespace radiashafts::platform {

@@ -1,5 +1,4 @@
 #include "platform/module.h"
-
 #include <windows.h>
 
 namespace radiashafts::platform {

@@ -1,5 +1,4 @@
 #include "platform/module_resource.h"
-
 #include <windows.h>
 
 namespace radiashafts::platform {

@@ -1,5 +1,4 @@
 #include "platform/processors.h"
-
 #include <windows.h>
 
 namespace radiashafts::platform {

@@ -1,5 +1,4 @@
 #include "platform/pump.h"
-
 #include <windows.h>
 
 namespace radiashafts::platform {

@@ -1,5 +1,4 @@
 #include "platform/tick.h"
-
 #include <windows.h>
 
 namespace radiashafts::platform {

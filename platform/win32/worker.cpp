@@ -2,7 +2,6 @@
 // module's, so that the module can be unloaded at any time without waiting for anybody.
 
 #include "platform/worker.h"
-
 #include <windows.h>
 
 #include "platform/win32/process_end.h"

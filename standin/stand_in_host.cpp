@@ -5,6 +5,7 @@
 
 #include "standin/descriptors.h"
 #include "standin/host_buffer_suite.h"
+#include "standin/host_display.h"
 
 namespace radiashafts::standin {
 namespace {
@@ -116,6 +117,8 @@ void StandInHost::fillRecord() {
     record_.inNonLayerPlanes = record_.outNonLayerPlanes = static_cast<std::int16_t>(input_.planes);
   }
   if (traits_.handleProcs) record_.handleProcs = handleProcs();
+  if (traits_.colorServices) record_.colorServices = ColorServices;
+  if (traits_.displayPixels) record_.displayPixels = displayPixels;
   if (traits_.suites) record_.sSPBasic = basicSuite();
 }
 
@@ -287,6 +290,18 @@ hostapi::Boolean StandInHost::AbortWanted() {
   const HostFaults& faults = current_->faults;
   if (faults.abortAtProgress > 0 && current_->progressCalls_ >= faults.abortAtProgress) return 1;
   return current_->abortWanted && current_->abortWanted() ? 1 : 0;
+}
+
+hostapi::OSErr StandInHost::ColorServices(hostapi::ColorServicesInfo* info) {
+  constexpr hostapi::OSErr badRequest = -50;
+  if (info->infoSize != sizeof *info || info->selector != hostapi::colorServicesChooseColor) {
+    return badRequest;
+  }
+  std::array<std::int16_t, 3> color{info->colorComponents[0], info->colorComponents[1],
+                                    info->colorComponents[2]};
+  if (!current_->chooseColor || !current_->chooseColor(color)) return hostapi::userCanceledError;
+  std::copy(color.begin(), color.end(), info->colorComponents);
+  return 0;
 }
 
 }  // namespace radiashafts::standin

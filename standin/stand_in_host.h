@@ -2,6 +2,7 @@
 // result.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <functional>
 #include <vector>
@@ -59,6 +60,9 @@ class StandInHost {
   HostFaults faults;
   std::function<void(std::int32_t done, std::int32_t total)> onProgress;
   std::function<bool()> abortWanted;
+  // The user at the colour picker: gets a colour, 0 to 255, and changes it or answers false to
+  // cancel. Without it the picker is cancelled.
+  std::function<bool(std::array<std::int16_t, 3>& color)> chooseColor;
 
   // Goes through the selectors of one run with a recorded script. output becomes the filtered
   // picture; it is of no use when the status is not 0.
@@ -82,6 +86,7 @@ class StandInHost {
   static hostapi::OSErr AdvanceState();
   static void ReportProgress(std::int32_t done, std::int32_t total);
   static hostapi::Boolean AbortWanted();
+  static hostapi::OSErr ColorServices(hostapi::ColorServicesInfo* info);
 
   void fillRecord();
   void fillDescriptors(const Script& script);

@@ -250,6 +250,49 @@ TEST(WindowsModule, TellsItsVersion) {
   EXPECT_NE(std::search(data.begin(), data.end(), fixed.begin(), fixed.end()), data.end());
 }
 
+// A filter that draws a part of a picture in place of filtering, into a bitmap of its own.
+COLORREF drawnPixels[2];
+void drawingFilter(std::int16_t selector, void* block, std::intptr_t*, std::int16_t* result) {
+  if (selector != hostapi::selectorStart) return;
+  auto* record = static_cast<hostapi::FilterRecord*>(block);
+  record->outRect = {};
+  const std::uint8_t planar[] = {10, 11, 20, 21, 30, 31,
+                                 40, 41, 50, 51, 60, 61};  // 2 x 2, by plane
+  hostapi::PSPixelMap map{};
+  map.bounds = {0, 0, 2, 2};
+  map.imageMode = hostapi::modeRGB;
+  map.rowBytes = 2;
+  map.colBytes = 1;
+  map.planeBytes = 4;
+  map.baseAddr = const_cast<std::uint8_t*>(planar);
+  const hostapi::VRect lowerRow{1, 0, 2, 2};
+
+  const HDC screen = GetDC(nullptr);
+  const HDC context = CreateCompatibleDC(screen);
+  BITMAPINFO info{};
+  info.bmiHeader = {sizeof info.bmiHeader, 8, -8, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
+  void* bits = nullptr;
+  const HBITMAP bitmap = CreateDIBSection(context, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
+  const HGDIOBJ previous = SelectObject(context, bitmap);
+  *result = record->displayPixels(&map, &lowerRow, 3, 5, context);
+  drawnPixels[0] = GetPixel(context, 5, 3);
+  drawnPixels[1] = GetPixel(context, 6, 3);
+  if (record->displayPixels(&map, &lowerRow, 0, 0, nullptr) == 0) *result = 1;
+  DeleteObject(SelectObject(context, previous));
+  DeleteDC(context);
+  ReleaseDC(nullptr, screen);
+}
+
+TEST(StandInHost, DrawsPlanarPixelsWhereItIsAsked) {
+  Random random(5);
+  const standin::Picture input = randomPicture(random, 18, 5, 4);
+  standin::StandInHost host(input, nullptr);
+  standin::Picture output;
+  EXPECT_EQ(host.run(drawingFilter, {}, output).status, 0);
+  EXPECT_EQ(drawnPixels[0], RGB(20, 40, 60));
+  EXPECT_EQ(drawnPixels[1], RGB(21, 41, 61));
+}
+
 struct Usage {
   int threads = 0;
   DWORD handles = 0;

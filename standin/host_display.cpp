@@ -1,0 +1,44 @@
+#include "standin/host_display.h"
+
+#include <algorithm>
+#include <vector>
+
+#include "hostapi/constants.h"
+#include "platform/drawing.h"
+
+namespace radiashafts::standin {
+
+hostapi::OSErr displayPixels(const hostapi::PSPixelMap* source, const hostapi::VRect* sourceRect,
+                             std::int32_t row, std::int32_t column, void* deviceContext) {
+  constexpr hostapi::OSErr refused = -50;
+  if (source == nullptr || sourceRect == nullptr || deviceContext == nullptr) return refused;
+  const hostapi::VRect& bounds = source->bounds;
+  const bool inside = sourceRect->left >= bounds.left && sourceRect->top >= bounds.top &&
+                      sourceRect->right <= bounds.right && sourceRect->bottom <= bounds.bottom;
+  const bool grey = source->imageMode == hostapi::modeGrayScale;
+  if (!inside || (!grey && source->imageMode != hostapi::modeRGB)) return refused;
+  const int width = sourceRect->right - sourceRect->left;
+  const int height = sourceRect->bottom - sourceRect->top;
+  if (width <= 0 || height <= 0) return 0;
+
+  const int stride = (width * 3 + 3) / 4 * 4;
+  std::vector<std::uint8_t> pixels(static_cast<std::size_t>(stride) *
+                                   static_cast<std::size_t>(height));
+  for (int y = 0; y < height; ++y) {
+    const auto* from =
+        static_cast<const std::uint8_t*>(source->baseAddr) +
+        static_cast<std::ptrdiff_t>(sourceRect->top - bounds.top + y) * source->rowBytes +
+        static_cast<std::ptrdiff_t>(sourceRect->left - bounds.left) * source->colBytes;
+    std::uint8_t* to = &pixels[static_cast<std::size_t>(y) * static_cast<std::size_t>(stride)];
+    for (int x = 0; x < width; ++x, from += source->colBytes) {
+      for (int channel = 2; channel >= 0; --channel) {
+        *to++ = from[grey ? 0 : channel * source->planeBytes];
+      }
+    }
+  }
+  return platform::drawPixels(deviceContext, column, row, width, height, pixels.data())
+             ? hostapi::OSErr{0}
+             : refused;
+}
+
+}  // namespace radiashafts::standin

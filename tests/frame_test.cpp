@@ -10,6 +10,7 @@
 #include "frame/pf_filter.h"
 #include "standin/descriptors.h"
 #include "standin/host_buffer_suite.h"
+#include "tests/support/error_box.h"
 #include "tests/support/module_under_test.h"
 #include "tests/support/test_pictures.h"
 
@@ -113,6 +114,7 @@ TEST(StartSelector, EndsWithEmptyRectanglesWhateverHappens) {
       {"-128 script asked reported", [](HandHost& h) { h.abort = true; }},
       {"0 script asked reported", [](HandHost& h) { h.record.imageSize.v = 0; }},
       {"0 script asked reported", [](HandHost& h) { h.record.imageMode = 4; }}};
+  ErrorBoxes boxes;
   for (const auto& [outcome, change] : cases) {
     HandHost host;
     change(host);
@@ -125,6 +127,10 @@ TEST(StartSelector, EndsWithEmptyRectanglesWhateverHappens) {
     text << ' ' << host.record.inRect << ' ' << host.record.outRect << ' ' << host.record.maskRect;
     EXPECT_EQ(text.str(), outcome + std::string(" 0,0,0,0 0,0,0,0 0,0,0,0"));
   }
+  EXPECT_NE(boxes.texts().find("Sorry, but this Plug-In requires some functions\n"
+                               " which are not supported by this host.\n"
+                               " you need a photoshop 3.0+ compatible host to run this filter."),
+            std::string::npos);
 }
 
 TEST(StartSelector, KeepsItsValuesForTheNextRunWithinTheirLimits) {

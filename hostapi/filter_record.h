@@ -152,7 +152,7 @@ struct AboutRecord {
 static_assert(sizeof(FilterRecord) == 560);
 static_assert(offsetof(AboutRecord, sSPBasic) == 8 && offsetof(AboutRecord, reserved) == 24);
 
-#define RADIASHAFTS_FIELD_AT(field, offset) static_assert(offsetof(FilterRecord, field) == offset)
+#define RADIASHAFTS_FIELD_AT(field, offset) static_assert(offsetof(FilterRecord, field) == (offset))
 RADIASHAFTS_FIELD_AT(serialNumber, 0);
 RADIASHAFTS_FIELD_AT(abortProc, 4);
 RADIASHAFTS_FIELD_AT(progressProc, 12);

@@ -98,7 +98,8 @@ void pfParameterInt::Randomize(double amount) {
   if (!randomizable) return;
   const double range = static_cast<double>(maximum) - minimum;
   const double moved = range * randomStep() * amount + value_ - minimum;
-  SetValue(static_cast<std::int32_t>(ReflectInto(moved, maximum - minimum) + minimum + 0.5));
+  const double folded = ReflectInto(moved, maximum - minimum) + minimum;
+  SetValue(static_cast<std::int32_t>(std::floor(folded + 0.5)));
   Validate();
 }
 
@@ -187,7 +188,8 @@ void pfParameterList::Randomize(double amount) {
   if (!randomizable) return;
   if (amount > 2.0) amount = 0.0;  // wanted, though a colour takes 2.0 there
   const double moved = EntryCount() * randomStep() * amount + value_ - 1;
-  const auto v = static_cast<std::int32_t>(ReflectInto(moved, EntryCount()) + 1.0 + 0.5);
+  const double folded = ReflectInto(moved, EntryCount()) + 1.0;
+  const auto v = static_cast<std::int32_t>(std::floor(folded + 0.5));
   if (isEntry(v)) SetValue(v);
   Validate();
 }

@@ -99,11 +99,14 @@ std::int16_t selectRenderTemplate(HalvorsundHost& host, const EffectParameters& 
   if (buffers.width > hostapi::maximumSide || buffers.height > hostapi::maximumSide) return 0;
   if (buffers.input == nullptr || buffers.output == nullptr) return 0;
 
+  // Whole image pixels for a view pixel: the divisions are of integers.
+  const std::int32_t scaleX = record->imageSize.h / buffers.width;
+  const std::int32_t scaleY = record->imageSize.v / buffers.height;
   const ViewGeometry view{
       .width = buffers.width,
       .height = buffers.height,
-      .scaleX = static_cast<double>(record->imageSize.h / buffers.width + previewLevel),
-      .scaleY = static_cast<double>(record->imageSize.v / buffers.height + previewLevel),
+      .scaleX = static_cast<double>(scaleX + previewLevel),
+      .scaleY = static_cast<double>(scaleY + previewLevel),
   };
   const int number = configurationNumber(layout.depth, layout.hasAlpha, layout.colorPlanes);
   const RenderFunction render = renderTable[static_cast<std::size_t>(number - 1)];

@@ -37,7 +37,7 @@ struct OiioMetadata final : PictureMetadata {
   throw PictureFileError(path.string() + ": " + line);
 }
 
-int depthOf(TypeDesc format) {
+int depthOf(const TypeDesc& format) {
   switch (format.basetype) {
     case TypeDesc::UINT8:
       return 8;

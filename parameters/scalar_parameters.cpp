@@ -99,7 +99,7 @@ void pfParameterInt::Randomize(double amount) {
   const double range = static_cast<double>(maximum) - minimum;
   const double moved = range * randomStep() * amount + value_ - minimum;
   const double folded = ReflectInto(moved, maximum - minimum) + minimum;
-  SetValue(static_cast<std::int32_t>(std::floor(folded + 0.5)));
+  SetValue(static_cast<std::int32_t>(std::trunc(folded + 0.5)));
   Validate();
 }
 
@@ -189,7 +189,7 @@ void pfParameterList::Randomize(double amount) {
   if (amount > 2.0) amount = 0.0;  // wanted, though a colour takes 2.0 there
   const double moved = EntryCount() * randomStep() * amount + value_ - 1;
   const double folded = ReflectInto(moved, EntryCount()) + 1.0;
-  const auto v = static_cast<std::int32_t>(std::floor(folded + 0.5));
+  const auto v = static_cast<std::int32_t>(std::trunc(folded + 0.5));
   if (isEntry(v)) SetValue(v);
   Validate();
 }

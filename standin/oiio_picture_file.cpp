@@ -15,6 +15,7 @@
 
 #include "standin/partial_file.h"
 #include "standin/picture_file.h"
+#include "standin/word_scale.h"
 
 namespace radiashafts::standin {
 namespace {
@@ -50,25 +51,6 @@ int depthOf(const TypeDesc& format) {
 
 TypeDesc typeOf(int depth) {
   return depth == 8 ? TypeDesc::UINT8 : depth == 16 ? TypeDesc::UINT16 : TypeDesc::FLOAT;
-}
-
-template <class Convert>
-void convertWords(Picture& picture, const Convert& convert) {
-  auto* sample = reinterpret_cast<std::uint16_t*>(picture.bytes.data());
-  for (std::size_t i = 0; i < picture.sampleCount(); ++i) sample[i] = convert(sample[i]);
-}
-
-// Files run from 0 to 65535, hosts from 0 to 32768.
-void toHostWords(Picture& picture) {
-  convertWords(picture, [](std::uint32_t v) {
-    return static_cast<std::uint16_t>((v * 32768U + 32767U) / 65535U);
-  });
-}
-
-void toFileWords(Picture& picture) {
-  convertWords(picture, [](std::uint32_t v) {
-    return static_cast<std::uint16_t>((std::min(v, 32768U) * 65535U + 16384U) / 32768U);
-  });
 }
 
 // Replaces each colour by what combine makes of it and of alpha in 0 to 1, on the file's scale.
@@ -255,7 +237,7 @@ PictureFile readPictureFile(const fs::path& path) {
   if (file.picture.hasAlpha && isAssociated(input->format_name(), spec)) {
     divideByAlpha(file.picture);
   }
-  if (file.picture.depth == 16) toHostWords(file.picture);
+  rescaleWords(file.picture, hostWord);
   file.metadata = std::move(metadata);
   return file;
 }
@@ -308,7 +290,7 @@ WriteResult writePictureFile(const fs::path& path, PictureFile&& file,
                            "; the depth is changed");
   }
 
-  if (picture.depth == 16) toFileWords(picture);
+  rescaleWords(picture, fileWord);
   if (picture.hasAlpha && codecAssociates(output->format_name())) {
     multiplyByAlpha(picture, output->format_name());
   }

@@ -15,6 +15,7 @@
 
 #include "standin/partial_file.h"
 #include "standin/picture_file.h"
+#include "standin/word_scale.h"
 
 namespace radiashafts::standin {
 namespace {
@@ -105,17 +106,6 @@ void exchange(const StoredFormat& stored, std::uint8_t* storedPixel, std::uint8_
     }
     storedPixel += static_cast<std::size_t>(stored.samples) * sample;
     hostPixel += static_cast<std::size_t>(channels) * sample;
-  }
-}
-
-// Files run from 0 to 65535, hosts from 0 to 32768.
-void convertWords(Picture& picture, bool toHost) {
-  if (picture.depth != 16) return;
-  auto* sample = reinterpret_cast<std::uint16_t*>(picture.bytes.data());
-  for (std::size_t i = 0; i < picture.sampleCount(); ++i) {
-    const std::uint32_t v = sample[i];
-    sample[i] = static_cast<std::uint16_t>(
-        toHost ? (v * 32768U + 32767U) / 65535U : (std::min(v, 32768U) * 65535U + 16384U) / 32768U);
   }
 }
 
@@ -233,7 +223,7 @@ Picture readWithCodec(const fs::path& path) {
           path, "reading");
     exchange(*format, row.data(), &picture.bytes[y * picture.rowBytes()], width, true);
   }
-  convertWords(picture, true);
+  rescaleWords(picture, hostWord);
   return picture;
 }
 
@@ -303,7 +293,7 @@ void writeWithCodec(const fs::path& path, const fs::path& place, Picture& pictur
       place, "writing", [](IWICStream** out) { return factory().CreateStream(out); });
   check(stream->InitializeFromFilename(path.c_str(), GENERIC_WRITE), place, "writing");
   const Encoding encoding = startEncoding(place, stream.get(), picture);
-  convertWords(picture, false);
+  rescaleWords(picture, fileWord);
   std::vector<std::uint8_t> row(picture.sampleBytes() *
                                 static_cast<std::size_t>(encoding.format->samples) *
                                 static_cast<std::size_t>(picture.width));

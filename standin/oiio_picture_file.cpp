@@ -10,9 +10,8 @@
 #include <type_traits>
 
 #include <OpenImageIO/imageio.h>
-#include <fcntl.h>
-#include <unistd.h>
 
+#include "platform/silence.h"
 #include "standin/partial_file.h"
 #include "standin/picture_file.h"
 #include "standin/word_scale.h"
@@ -120,26 +119,6 @@ void layOut(Picture& picture, const ImageSpec& spec) {
   picture.depth = depthOf(spec.format);
 }
 
-// Libraries under OpenImageIO write to standard error on their own; a user gets one line, and that
-// one is ours.
-class SilencedStandardError {
- public:
-  SilencedStandardError() : kept_(dup(STDERR_FILENO)), silence_(open("/dev/null", O_WRONLY)) {
-    dup2(silence_, STDERR_FILENO);
-  }
-  ~SilencedStandardError() {
-    dup2(kept_, STDERR_FILENO);
-    close(silence_);
-    close(kept_);
-  }
-  SilencedStandardError(const SilencedStandardError&) = delete;
-  SilencedStandardError& operator=(const SilencedStandardError&) = delete;
-
- private:
-  int kept_;
-  int silence_;
-};
-
 // The JPEG decoder fills up a file that ends early and says nothing. In a whole one the end marker
 // follows the last scan; neither marker can stand inside a scan.
 bool isTruncatedJpeg(const fs::path& path) {
@@ -223,7 +202,7 @@ void dropChannels(Picture& picture, ImageSpec& spec, const ImageOutput& output,
 }  // namespace
 
 PictureFile readPictureFile(const fs::path& path) {
-  const SilencedStandardError silenced;
+  const platform::SilencedStandardError silenced;
   auto metadata = std::make_shared<OiioMetadata>();
   const auto input = openInput(path, metadata->spec);
   const ImageSpec& spec = metadata->spec;
@@ -243,7 +222,7 @@ PictureFile readPictureFile(const fs::path& path) {
 }
 
 Mask readMaskFile(const fs::path& path) {
-  const SilencedStandardError silenced;
+  const platform::SilencedStandardError silenced;
   ImageSpec spec;
   const auto input = openInput(path, spec);
   if (spec.nchannels != 1 || spec.format != TypeDesc::UINT8) {
@@ -258,7 +237,7 @@ Mask readMaskFile(const fs::path& path) {
 }
 
 void checkWritable(const fs::path& path, const Picture&) {
-  const SilencedStandardError silenced;
+  const platform::SilencedStandardError silenced;
   const fs::path directory = path.parent_path();
   if (!directory.empty() && !fs::is_directory(directory)) fail(path, "no such directory");
   if (ImageOutput::create(path.string()) == nullptr) {
@@ -270,7 +249,7 @@ void checkWritable(const fs::path& path, const Picture&) {
 
 WriteResult writePictureFile(const fs::path& path, PictureFile&& file,
                              const std::function<bool()>& aborted) {
-  const SilencedStandardError silenced;
+  const platform::SilencedStandardError silenced;
   PartialFile partial(path);
   const auto output = ImageOutput::create(partial.path().string());
   if (output == nullptr) fail(path, OIIO::geterror());

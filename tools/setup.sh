@@ -16,12 +16,12 @@ as_root() {
 
 # Installs those of the named Debian packages that are missing.
 need_packages() {
-  local missing=() package
+  local missing=() package installed
+  installed=$(dpkg-query -W -f='${Status}:${Package}\n' "$@" 2>/dev/null || true)
   for package in "$@"; do
-    dpkg-query -W -f='${Status}\n' "$package" 2>/dev/null | grep -q 'ok installed' ||
-      missing+=("$package")
+    grep -qx "install ok installed:$package" <<<"$installed" || missing+=("$package")
   done
-  [ ${#missing[@]} -eq 0 ] && return
+  [ ${#missing[@]} -gt 0 ] || return 0
   say "installing ${missing[*]}"
   if [ -z "${packages_updated:-}" ]; then
     as_root apt-get update -qq >&2

@@ -37,7 +37,8 @@ std::vector<Job> jobsOf(const std::vector<std::string>& paths, const std::string
     jobs.push_back({paths[0], paths[1]});
   } else {
     if (paths.empty()) throw CLI::RequiredError("INPUT");
-    if (!fs::is_directory(outputDirectory)) {
+    std::error_code error;
+    if (!fs::is_directory(outputDirectory, error)) {
       throw CLI::ValidationError("--output-dir: " + outputDirectory + ": is no directory");
     }
     std::map<fs::path, std::string> taken;
@@ -84,6 +85,7 @@ ParsedCommandLine parseCommandLine(int argc, char** argv) {
                RADIASHAFTS_PROGRAM_NAME);
   app.formatter(std::make_shared<Formatter>());
   app.footer(footer);
+  app.allow_windows_style_options(false);  // a path may begin with a slash
   app.set_version_flag("--version", "radiashafts " RADIASHAFTS_VERSION);
 
   std::vector<std::string> paths;
@@ -122,7 +124,8 @@ ParsedCommandLine parseCommandLine(int argc, char** argv) {
     return parsed;
   }
   if (!mask.empty()) commandLine.mask = mask;
-  commandLine.module = module;
+  std::error_code error;
+  commandLine.module = std::filesystem::absolute(module, error);
   commandLine.script = parameters.script();
   commandLine.notes = parameters.notes();
   return parsed;

@@ -91,7 +91,8 @@ void process(const CommandLine& commandLine, const Job& job, standin::EntryPoint
 
 // Reads the module's file first, as hosts do, and says why it is refused.
 std::string entryNameOf(const std::filesystem::path& module) {
-  if (!std::filesystem::exists(module)) {
+  std::error_code error;
+  if (!std::filesystem::exists(module, error)) {
     throw Failure{exitRender, module.string() + ": no such module"};
   }
   try {
@@ -126,6 +127,9 @@ int run(const CommandLine& commandLine) {
     return exitInput;
   } catch (const std::bad_alloc&) {
     std::cerr << "radiashafts: not enough memory\n";
+    return exitRender;
+  } catch (const std::exception& error) {  // of the libraries below
+    std::cerr << "radiashafts: " << error.what() << '\n';
     return exitRender;
   }
 }

@@ -114,8 +114,10 @@ void layOut(Picture& picture, const ImageSpec& spec) {
   picture.height = spec.height;
   picture.planes = spec.nchannels;
   picture.colorPlanes = spec.nchannels <= 2 ? 1 : 3;
+  const auto behindColors = static_cast<std::size_t>(picture.colorPlanes);
   picture.hasAlpha =
-      spec.nchannels > picture.colorPlanes && spec.alpha_channel == picture.colorPlanes;
+      spec.nchannels > picture.colorPlanes &&
+      (spec.alpha_channel == picture.colorPlanes || spec.channelnames.at(behindColors) == "A");
   picture.depth = depthOf(spec.format);
 }
 
@@ -199,6 +201,49 @@ void dropChannels(Picture& picture, ImageSpec& spec, const ImageOutput& output,
   if (spec.z_channel >= kept) spec.z_channel = -1;
 }
 
+// The JPEG encoder ends the whole program when the disk is full.
+void needSpace(const fs::path& path, const Picture& picture) {
+  const fs::path directory = path.parent_path().empty() ? fs::path(".") : path.parent_path();
+  std::error_code error;
+  const fs::space_info space = fs::space(directory, error);
+  if (!error && space.available < picture.bytes.size()) fail(path, "not enough space on the disk");
+}
+
+// Reads the written file once, since not every encoder tells that the disk was full. Notes what the
+// format did not take of the picture's description.
+void verify(const fs::path& written, const fs::path& path, const ImageSpec& wanted,
+            std::vector<std::string>& notes) {
+  const auto input = ImageInput::open(written.string());
+  if (input == nullptr) {
+    static_cast<void>(OIIO::geterror());
+    fail(path, "could not be written whole");
+  }
+  const ImageSpec& spec = input->spec();
+  constexpr int rowsAtOnce = 64;
+  std::vector<std::uint8_t> rows(spec.scanline_bytes(true) * rowsAtOnce);
+  for (int y = 0; y < spec.height && spec.tile_width == 0; y += rowsAtOnce) {
+    const int end = std::min(y + rowsAtOnce, spec.height);
+    if (!input->read_scanlines(0, 0, spec.y + y, spec.y + end, 0, 0, spec.nchannels,
+                               TypeDesc::UNKNOWN, rows.data())) {
+      static_cast<void>(input->geterror());
+      fail(path, "could not be written whole");
+    }
+  }
+  const bool truncated =
+      std::string_view(input->format_name()) == "jpeg" && isTruncatedJpeg(written);
+  if (truncated) fail(path, "could not be written whole");
+  const auto noteLoss = [&](const char* what) {
+    notes.push_back(path.string() + ": " + input->format_name() + " does not keep the " + what);
+  };
+  if (wanted.get_int_attribute("Orientation", 1) != spec.get_int_attribute("Orientation", 1)) {
+    noteLoss("orientation");
+  }
+  if (wanted.find_attribute("ICCProfile") != nullptr &&
+      spec.find_attribute("ICCProfile") == nullptr) {
+    noteLoss("colour profile");
+  }
+}
+
 }  // namespace
 
 PictureFile readPictureFile(const fs::path& path) {
@@ -239,7 +284,8 @@ Mask readMaskFile(const fs::path& path) {
 void checkWritable(const fs::path& path, const Picture&) {
   const platform::SilencedStandardError silenced;
   const fs::path directory = path.parent_path();
-  if (!directory.empty() && !fs::is_directory(directory)) fail(path, "no such directory");
+  std::error_code error;
+  if (!directory.empty() && !fs::is_directory(directory, error)) fail(path, "no such directory");
   if (ImageOutput::create(path.string()) == nullptr) {
     static_cast<void>(OIIO::geterror());
     fail(path, "no picture format that can be written has the extension '" +
@@ -262,6 +308,11 @@ WriteResult writePictureFile(const fs::path& path, PictureFile&& file,
   }
   dropChannels(picture, spec, *output, path, result.notes);
   const TypeDesc wanted = spec.format;
+  // Left to itself the codec would go down to 8 bits at once.
+  if (picture.depth == 32 && std::string_view(output->format_name()) == "png") {
+    spec.set_format(TypeDesc::UINT16);
+  }
+  if (std::string_view(output->format_name()) == "jpeg") needSpace(path, picture);
   if (!output->open(partial.path().string(), spec)) fail(path, output->geterror());
   if (output->spec().format != wanted) {
     result.notes.push_back(path.string() + ": " + output->format_name() + " holds " +
@@ -282,6 +333,7 @@ WriteResult writePictureFile(const fs::path& path, PictureFile&& file,
   if (aborted()) return result;
   if (!complete || !output->close()) fail(path, output->geterror());
 
+  verify(partial.path(), path, spec, result.notes);
   if (const std::string error = partial.putInPlace(); !error.empty()) fail(path, error);
   result.written = true;
   return result;

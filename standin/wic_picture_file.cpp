@@ -171,8 +171,9 @@ void writeFloatMap(const fs::path& path, const fs::path& place, const Picture& p
 // ---- The system's codecs
 
 Com<IWICBitmapFrameDecode> openFrame(const fs::path& path) {
-  if (!fs::exists(path)) fail(path, "no such file");
-  if (fs::is_directory(path)) fail(path, "is a directory");
+  std::error_code error;
+  if (!fs::exists(path, error)) fail(path, "no such file");
+  if (fs::is_directory(path, error)) fail(path, "is a directory");
   const auto decoder = make<IWICBitmapDecoder>(path, "opening", [&](IWICBitmapDecoder** out) {
     return factory().CreateDecoderFromFilename(path.c_str(), nullptr, GENERIC_READ,
                                                WICDecodeMetadataCacheOnDemand, out);
@@ -324,7 +325,8 @@ Mask readMaskFile(const fs::path& path) {
 
 void checkWritable(const fs::path& path, const Picture& picture) {
   const fs::path directory = path.parent_path();
-  if (!directory.empty() && !fs::is_directory(directory)) fail(path, "no such directory");
+  std::error_code error;
+  if (!directory.empty() && !fs::is_directory(directory, error)) fail(path, "no such directory");
   if (isFloatMap(path)) {
     if (picture.depth != 32 || picture.hasAlpha) {
       fail(path, "a float map holds floats without alpha");

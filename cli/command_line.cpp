@@ -1,5 +1,6 @@
 #include "cli/command_line.h"
 
+#include <algorithm>
 #include <iostream>
 #include <map>
 #include <memory>
@@ -7,6 +8,7 @@
 #include <CLI/CLI.hpp>
 
 #include "cli/parameter_options.h"
+#include "platform/arguments.h"
 #include "platform/module.h"
 
 namespace radiashafts::cli {
@@ -24,6 +26,11 @@ class Formatter final : public CLI::Formatter {
   }
 };
 
+// The arguments are UTF-8, which is not every system's own way with paths.
+std::filesystem::path pathOf(const std::string& text) {
+  return std::u8string(text.begin(), text.end());
+}
+
 // Inputs and outputs from the plain arguments. Throws on a contradiction.
 std::vector<Job> jobsOf(const std::vector<std::string>& paths, const std::string& outputDirectory) {
   namespace fs = std::filesystem;
@@ -34,22 +41,22 @@ std::vector<Job> jobsOf(const std::vector<std::string>& paths, const std::string
     if (paths.size() > 2) {
       throw CLI::ValidationError("several inputs need --output-dir");
     }
-    jobs.push_back({paths[0], paths[1]});
+    jobs.push_back({pathOf(paths[0]), pathOf(paths[1])});
   } else {
     if (paths.empty()) throw CLI::RequiredError("INPUT");
     std::error_code error;
-    if (!fs::is_directory(outputDirectory, error)) {
+    if (!fs::is_directory(pathOf(outputDirectory), error)) {
       throw CLI::ValidationError("--output-dir: " + outputDirectory + ": is no directory");
     }
     std::map<fs::path, std::string> taken;
     for (const std::string& path : paths) {
-      const fs::path output = fs::path(outputDirectory) / fs::path(path).filename();
+      const fs::path output = pathOf(outputDirectory) / pathOf(path).filename();
       const auto [place, isNew] = taken.emplace(output, path);
       if (!isNew) {
         throw CLI::ValidationError(place->second + " and " + path + " would both become " +
                                    output.string());
       }
-      jobs.push_back({path, output});
+      jobs.push_back({pathOf(path), output});
     }
   }
   return jobs;
@@ -91,8 +98,7 @@ ParsedCommandLine parseCommandLine(int argc, char** argv) {
   std::vector<std::string> paths;
   std::string outputDirectory;
   std::string mask;
-  std::string module =
-      (platform::executablePath().parent_path() / RADIASHAFTS_MODULE_NAME).string();
+  std::string module;
   bool listWanted = false;
   app.add_option("paths", paths, "Pictures to read, and the one to write")
       ->option_text("INPUT... OUTPUT");
@@ -107,7 +113,9 @@ ParsedCommandLine parseCommandLine(int argc, char** argv) {
   const ParameterOptions parameters(app);
 
   try {
-    app.parse(argc, argv);
+    std::vector<std::string> arguments = platform::programArguments(argc, argv);
+    std::reverse(arguments.begin(), arguments.end());  // as the parser takes them
+    app.parse(arguments);
     if (listWanted) {
       listParameters(std::cout);
       parsed.exitCode = exitSuccess;
@@ -123,9 +131,11 @@ ParsedCommandLine parseCommandLine(int argc, char** argv) {
     }
     return parsed;
   }
-  if (!mask.empty()) commandLine.mask = mask;
+  if (!mask.empty()) commandLine.mask = pathOf(mask);
   std::error_code error;
-  commandLine.module = std::filesystem::absolute(module, error);
+  commandLine.module = module.empty()
+                           ? platform::executablePath().parent_path() / RADIASHAFTS_MODULE_NAME
+                           : std::filesystem::absolute(pathOf(module), error);
   commandLine.script = parameters.script();
   commandLine.notes = parameters.notes();
   return parsed;

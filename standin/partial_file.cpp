@@ -6,11 +6,13 @@ namespace radiashafts::standin {
 
 namespace fs = std::filesystem;
 
-PartialFile::PartialFile(const fs::path& place)
-    : place_(place),
-      path_(place.parent_path() /
-            ("." + place.stem().string() + ".partial-" + std::to_string(std::random_device()()) +
-             place.extension().string())) {}
+PartialFile::PartialFile(const fs::path& place) : place_(place) {
+  fs::path name = ".";
+  name += place.stem();
+  name += ".partial-" + std::to_string(std::random_device()());
+  name += place.extension();
+  path_ = place.parent_path() / name;
+}
 
 PartialFile::~PartialFile() {
   std::error_code ignored;

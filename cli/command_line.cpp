@@ -62,8 +62,9 @@ std::vector<Job> jobsOf(const std::vector<std::string>& paths, const std::string
   return jobs;
 }
 
-// What poorer hosts lack, to see the module get along without it.
-void addHostOptions(CLI::App& app, standin::HostTraits& traits) {
+// What hosts differ in, to see the module get along with it.
+void addHostOptions(CLI::App& app, CommandLine& commandLine) {
+  standin::HostTraits& traits = commandLine.traits;
   constexpr int padding = 52;  // bytes: whole samples at every depth
   const auto add = [&app](const char* name, const char* description, auto action) {
     app.add_flag_callback(name, action, description)->group("Host");
@@ -81,6 +82,26 @@ void addHostOptions(CLI::App& app, standin::HostTraits& traits) {
     traits.maskPadding = 1;
   });
   add("--dialog", "Ask for the interface", [&traits] { traits.playInfo = hostapi::playDisplay; });
+  add("--no-owner-window", "Have no window of its own",
+      [&commandLine] { commandLine.ownWindow = false; });
+  add("--multichannel", "Show the picture as channels without a meaning",
+      [&traits] { traits.multichannel = true; });
+  add("--print-script", "Print the values that the filter hands back",
+      [&commandLine] { commandLine.printScript = true; });
+  app.add_option_function<std::uint64_t>(
+         "--owner-window",
+         [&commandLine](const std::uint64_t& handle) {
+           commandLine.traits.ownerWindow = reinterpret_cast<void*>(handle);
+           commandLine.ownWindow = false;
+         },
+         "The window under the dialogs, by the system's handle")
+      ->type_name("HANDLE")
+      ->group("Host");
+  app.add_option("--picked-color", commandLine.pickedColor,
+                 "What the host's colour picker answers; else it is cancelled")
+      ->type_name("R,G,B")
+      ->delimiter(',')
+      ->group("Host");
 }
 
 }  // namespace
@@ -107,7 +128,7 @@ ParsedCommandLine parseCommandLine(int argc, char** argv) {
   app.add_option("--mask", mask, "Selection: an 8-bit grey picture of the input's size")
       ->type_name("FILE");
   app.add_option("--module", module, "The filter module to run")->type_name("FILE");
-  addHostOptions(app, commandLine.traits);
+  addHostOptions(app, commandLine);
   app.add_flag("--list-parameters", listWanted, "Tell names, defaults, ranges and entries");
   app.add_flag("--quiet", commandLine.quiet, "Print errors only");
   const ParameterOptions parameters(app);

@@ -1,6 +1,8 @@
 // What the user asked for.
 #pragma once
 
+#include <array>
+#include <cstdint>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -32,6 +34,10 @@ struct CommandLine {
   standin::Script script;
   standin::HostTraits traits;
   std::vector<std::string> notes;  // for the user, a line each
+  std::optional<std::array<std::int16_t, 3>>
+      pickedColor;           // by the user of the host's colour picker
+  bool ownWindow = true;     // of the host, under the dialogs
+  bool printScript = false;  // that the filter hands back
   bool quiet = false;
 };
 

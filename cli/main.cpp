@@ -6,6 +6,8 @@
 #include <iostream>
 
 #include "cli/command_line.h"
+#include "cli/host_window.h"
+#include "cli/parameter_options.h"
 #include "cli/progress_bar.h"
 #include "platform/module.h"
 #include "standin/picture_file.h"
@@ -44,13 +46,25 @@ std::string causeOf(std::int16_t status) {
 double filter(const CommandLine& commandLine, const Job& job, standin::EntryPoint entry,
               const standin::Mask* mask, standin::Picture& picture) {
   ProgressBar bar(job.input.filename().string(), !commandLine.quiet);
-  standin::StandInHost host(picture, mask, commandLine.traits);
+  standin::HostTraits traits = commandLine.traits;
+  std::optional<platform::PictureWindow> window;
+  if (traits.playInfo == hostapi::playDisplay && commandLine.ownWindow) {
+    window.emplace(job.input.filename().string(),
+                   shownPicture(picture, platform::PictureWindow::room()));
+    traits.ownerWindow = window->handle();
+  }
+  standin::StandInHost host(picture, mask, traits);
+  host.chooseColor = [&commandLine](std::array<std::int16_t, 3>& color) {
+    if (commandLine.pickedColor) color = *commandLine.pickedColor;
+    return commandLine.pickedColor.has_value();
+  };
   host.onProgress = [&bar](std::int32_t done, std::int32_t total) { bar.show(done, total); };
   host.abortWanted = wasInterrupted;
   standin::Picture output;
   const auto start = std::chrono::steady_clock::now();
   const standin::RunResult result = host.run(entry, commandLine.script, output);
   const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - start;
+  if (commandLine.printScript) printScript(std::cout, result.script);
   if (wasInterrupted()) throw Failure{exitAborted, "interrupted"};
   if (result.status == hostapi::userCanceledError) {
     throw Failure{exitRender, job.input.string() + ": the filter was cancelled, status -128"};

@@ -107,6 +107,20 @@ std::string formatted(double value) {
   return stream.str();
 }
 
+std::string textOf(const ParameterFacts&, bool value) {
+  return value ? "on" : "off";
+}
+std::string textOf(const ParameterFacts& facts, std::int32_t value) {
+  const bool known = value >= 1 && value <= static_cast<std::int32_t>(facts.entries.size());
+  return known ? facts.entries[static_cast<std::size_t>(value) - 1] : std::to_string(value);
+}
+// The shortest text that means the number.
+std::string textOf(const ParameterFacts&, double value) {
+  char text[32];
+  const auto result = std::to_chars(text, text + sizeof text, value);
+  return std::string(text, result.ptr);
+}
+
 std::string defaultText(const ParameterFacts& facts) {
   if (facts.kind == ParameterKind::boolean) return facts.defaults[0] != 0.0 ? "on" : "off";
   if (facts.kind == ParameterKind::list) {
@@ -202,6 +216,22 @@ std::vector<std::string> ParameterOptions::notes() const {
     }
   }
   return notes;
+}
+
+void printScript(std::ostream& out, const standin::Script& script) {
+  for (const ParameterFacts& facts : effectTable) {
+    std::string text;
+    for (const ScriptTerm& term : facts.keys) {
+      const auto value = std::find_if(script.begin(), script.end(), [&term](const auto& entry) {
+        return term.code != nullptr && entry.first == scriptKey(term);
+      });
+      if (value == script.end()) continue;
+      if (!text.empty()) text += ',';
+      text += std::visit([&facts](auto held) { return textOf(facts, held); }, value->second);
+    }
+    if (!text.empty()) out << optionName(facts) << ' ' << text << '\n';
+  }
+  out.flush();
 }
 
 void listParameters(std::ostream& out) {

@@ -35,6 +35,9 @@ class ParameterOptions {
   std::array<Value, effectTable.size()> values_;
 };
 
+// A recorded script, an option with its value a line.
+void printScript(std::ostream& out, const standin::Script& script);
+
 // Name, range, default and entries of every option.
 void listParameters(std::ostream& out);
 

@@ -12,36 +12,38 @@ pfFilter::pfFilter(FilterIdentity identity)
     : HalvorsundHost(std::move(identity)), preview(MakePreview()) {}
 
 std::int16_t pfFilter::Dispatch(std::int8_t selector, void* block) {
+  if (running) return hostapi::userCanceledError;
+  running = true;
   auto* const record = static_cast<hostapi::FilterRecord*>(block);
-  auto* const aboutRecord = static_cast<hostapi::AboutRecord*>(block);
-  basicSuite = selector == hostapi::selectorAbout ? aboutRecord->sSPBasic : record->sSPBasic;
+  basicSuite = selector == hostapi::selectorAbout
+                   ? static_cast<hostapi::AboutRecord*>(block)->sSPBasic
+                   : record->sSPBasic;
   AcquireSuites();
   currentRecord = record;
-  std::int16_t result = -1;
+  const std::int16_t result = RunSelector(selector, block);
+  ReleaseSuites();
+  running = false;
+  return result;
+}
+
+std::int16_t pfFilter::RunSelector(std::int8_t selector, void* block) {
+  auto* const record = static_cast<hostapi::FilterRecord*>(block);
   switch (selector) {
     case hostapi::selectorAbout:
-      result = DoAboutSelector(aboutRecord);
-      break;
+      return DoAboutSelector(static_cast<hostapi::AboutRecord*>(block));
     case hostapi::selectorParameters:
-      result = DoParametersSelector(record);
-      break;
+      return DoParametersSelector(record);
     case hostapi::selectorPrepare:
-      result = DoPrepareSelector(record);
-      break;
+      return DoPrepareSelector(record);
     case hostapi::selectorStart:
-      result = DoStartSelector(record);
-      break;
+      return DoStartSelector(record);
     case hostapi::selectorContinue:
-      result = DoContinueSelector(record);
-      break;
+      return DoContinueSelector(record);
     case hostapi::selectorFinish:
-      result = DoFinishSelector(record);
-      break;
+      return DoFinishSelector(record);
     default:
-      break;
+      return -1;
   }
-  ReleaseSuites();
-  return result;
 }
 
 // The Handle Suite keeps its last value where the host writes none.

@@ -4,23 +4,23 @@
 #include <cstdint>
 #include <memory>
 #include <mutex>
-#include <vector>
 
 #include "hostapi/constants.h"
 #include "hostapi/filter_record.h"
+#include "interface/edited_filter.h"
 #include "interface/preview.h"
-#include "parameters/parameters.h"
-#include "parameters/undo.h"
+#include "interface/widgets.h"
 #include "services/halvorsund_host.h"
 
 namespace radiashafts {
 
-class pfFilter : public HalvorsundHost {
+class pfFilter : public HalvorsundHost, public EditedFilter {
  public:
   explicit pfFilter(FilterIdentity identity);
 
   // Runs one selector with the suites acquired for its length. block is an AboutRecord for the
-  // selector 0 and a FilterRecord for all others. -1 for an unknown selector.
+  // selector 0 and a FilterRecord for all others. -1 for an unknown selector. A host that comes
+  // back while a selector runs is refused with -128: there is one filter with one set of values.
   std::int16_t Dispatch(std::int8_t selector, void* block);
 
   // In a final render, thread 0 reports to the host and polls its abort: -128. In a preview render
@@ -32,25 +32,15 @@ class pfFilter : public HalvorsundHost {
   void Free(void* pointer) override;
   std::int32_t OutOfMemoryCode() const override { return hostapi::memoryFullError; }
 
-  virtual std::int16_t SelectRenderTemplate(hostapi::FilterRecord* record) = 0;
-  // Brings the widgets in line with the picture, once the interface has fetched it.
-  virtual void PrepareInterface(hostapi::FilterRecord*) {}
-  virtual void ResetParameters(bool recordUndo) = 0;
-  virtual const char* GetFilterName() const = 0;
   virtual std::int16_t DoParametersSelector(hostapi::FilterRecord* record);
-
-  // Has the host fill the record's buffers with the whole image, reduced by the factor. Returns
-  // what the host's advanceState returned.
-  std::int16_t SetupFilterRecord(hostapi::FilterRecord* record, std::uint32_t scaleFactor);
-
-  // Coarseness added to the scale of a preview's view; 0 in a final render.
-  std::int32_t previewLevel = 0;
-  UndoHistory undoHistory;
+  std::int16_t SetupFilterRecord(hostapi::FilterRecord* record, std::uint32_t scaleFactor) override;
+  // By the host's colour picker, else by the interface's own.
+  bool RequestColor(hostapi::FilterRecord* record, double* red, double* green,
+                    double* blue) override;
 
  protected:
   std::unique_ptr<pfPreview> preview;
-  pfParameters parameters;
-  std::vector<pfParameterUI*> widgets;  // not owned
+  WidgetList widgets;
 
  private:
   std::int16_t DoAboutSelector(hostapi::AboutRecord* record);
@@ -59,6 +49,7 @@ class pfFilter : public HalvorsundHost {
   std::int16_t DoContinueSelector(hostapi::FilterRecord* record);
   std::int16_t DoFinishSelector(hostapi::FilterRecord* record);
 
+  std::int16_t RunSelector(std::int8_t selector, void* block);
   std::int16_t RunFilter(hostapi::FilterRecord* record);
   // A Handle Suite may be left over from an earlier host call, so both are asked for.
   bool usesHostMemory() const { return handleSuite != nullptr && bufferSuite != nullptr; }
@@ -67,6 +58,7 @@ class pfFilter : public HalvorsundHost {
   std::int32_t ReportToHost(std::int32_t done, std::int32_t total);
   std::int32_t PumpMessages();
 
+  bool running = false;                         // a selector is
   hostapi::SPBasicSuite* basicSuite = nullptr;  // good for one selector, like the next two
   const hostapi::BufferSuite1* bufferSuite = nullptr;
   const hostapi::HandleSuite2* handleSuite = nullptr;

@@ -21,6 +21,7 @@ FilterIdentity radiashaftsIdentity() {
 pfFilterRadiashafts::pfFilterRadiashafts() : pfFilter(radiashaftsIdentity()) {
   effect.RandomizeButton.onChange = OnRandomize;
   effect.RandomizeButton.onChangeContext = this;
+  widgets = makeWidgets(effect);
   for (pfParameter* parameter : effect.all) parameters.Add(parameter);
   ResetParameters(false);
   parameters.ValidateAll();

@@ -3,14 +3,12 @@
 
 #include <memory>
 #include <string>
-#include <vector>
 
 #include "hostapi/filter_record.h"
-#include "parameters/parameter_ui.h"
+#include "interface/edited_filter.h"
+#include "interface/widgets.h"
 
 namespace radiashafts {
-
-class pfFilter;
 
 class pfPreview {
  public:
@@ -18,10 +16,13 @@ class pfPreview {
 
   // Opens the interface and returns when it is closed: true on OK, false on Cancel or when it could
   // not be opened.
-  virtual bool Show(pfFilter* filter, hostapi::FilterRecord* record,
-                    std::vector<pfParameterUI*>* widgets) = 0;
+  virtual bool Show(EditedFilter* filter, hostapi::FilterRecord* record, WidgetList* widgets) = 0;
   // Asks for a new preview.
   virtual void RequestRender() = 0;
+  // The system's plain colour chooser, for hosts without one. Channels are 0.0 to 1.0, in place;
+  // false, on Cancel, keeps them.
+  virtual bool AlternativeColorSelection(hostapi::FilterRecord* record, double* red, double* green,
+                                         double* blue) = 0;
 };
 
 // The interface of this build of the module.

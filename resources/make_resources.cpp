@@ -1,14 +1,16 @@
-// Writes the binary resources into files; runs on the building machine.
+// Writes the generated resources into files; runs on the building machine.
 
 #include <cstdio>
 #include <fstream>
 #include <string>
 
+#include "resources/parameter_dialog.h"
 #include "resources/resource_bytes.h"
 
 namespace {
 
-bool write(const std::string& path, const radiashafts::resources::Bytes& bytes) {
+template <class Bytes>
+bool write(const std::string& path, const Bytes& bytes) {
   std::ofstream stream(path, std::ios::binary);
   stream.write(reinterpret_cast<const char*>(bytes.data()),
                static_cast<std::streamsize>(bytes.size()));
@@ -23,7 +25,9 @@ int main(int argc, char** argv) {
     return 2;
   }
   const std::string folder = argv[1];
-  const bool written = write(folder + "/pipl.bin", radiashafts::resources::makePiPL()) &&
-                       write(folder + "/aete.bin", radiashafts::resources::makeAETE());
+  const bool written =
+      write(folder + "/pipl.bin", radiashafts::resources::makePiPL()) &&
+      write(folder + "/aete.bin", radiashafts::resources::makeAETE()) &&
+      write(folder + "/parameter_dialog.rc", radiashafts::resources::makeParameterDialog());
   return written ? 0 : 1;
 }

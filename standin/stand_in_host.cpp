@@ -100,7 +100,12 @@ void StandInHost::fillRecord() {
   record_.maxSpace = 1 << 30;
   record_.hostSig = hostapi::fourCharacterCode("RSsi");
   record_.imageMode = imageModeOf(input_);
+  if (traits_.multichannel) {
+    record_.imageMode =
+        input_.depth == 8 ? hostapi::modeMultichannel : hostapi::modeDeepMultichannel;
+  }
   record_.imageHRes = record_.imageVRes = 300 * hostapi::fixedOne;
+  platformData_.ownerWindow = traits_.ownerWindow;
   record_.platformData = &platformData_;
   record_.samplingSupport = traits_.sampling ? 2 : 0;
   record_.inputRate = record_.maskRate = hostapi::fixedOne;

@@ -30,6 +30,8 @@ struct HostTraits {
   int maskPadding = 0;
   int guardBytes = 0;  // before and behind each served buffer
   std::int16_t playInfo = hostapi::playDontDisplay;
+  bool multichannel = false;    // shows the picture as channels without a meaning
+  void* ownerWindow = nullptr;  // the system's handle of the host's window
 };
 
 // Faults that the host is to show.

@@ -9,12 +9,15 @@ namespace {
 
 class HeadlessPreview final : public pfPreview {
  public:
-  bool Show(pfFilter*, hostapi::FilterRecord*, std::vector<pfParameterUI*>*) override {
+  bool Show(EditedFilter*, hostapi::FilterRecord*, WidgetList*) override {
     logLine(severityError, errorMarker,
             "this module has no dialogs; it runs with recorded parameters that ask for none");
     return false;
   }
   void RequestRender() override { bRenderPending = true; }
+  bool AlternativeColorSelection(hostapi::FilterRecord*, double*, double*, double*) override {
+    return false;
+  }
 };
 
 }  // namespace

@@ -1,0 +1,68 @@
+// Asking the user for a colour.
+
+#include <algorithm>
+
+#include "diagnostics/debug_log.h"
+#include "frame/pf_filter.h"
+#include "hostapi/color_services.h"
+#include "hostapi/constants.h"
+#include "image/color.h"
+
+namespace radiashafts {
+namespace {
+
+constexpr double channelScale = 0.00392156862745098;  // 1 / 255
+
+std::int16_t component(double channel) {
+  return static_cast<std::int16_t>(std::clamp(channel, 0.0, 1.0) * 255.0);
+}
+
+}  // namespace
+
+bool pfFilter::RequestColor(hostapi::FilterRecord* record, double* red, double* green,
+                            double* blue) {
+  trace("pfFilter::RequestColor( pFilterRecord(0x", static_cast<void*>(record), "), fRed(", *red,
+        "), fGreen(", *green, "), fBlue(", *blue, ") )");
+  const LogIndent indent;
+  const bool grey =
+      record->imageMode == hostapi::modeGrayScale || record->imageMode == hostapi::modeGray16;
+  hostapi::ColorServicesInfo info{};
+  info.infoSize = sizeof info;
+  info.selector = hostapi::colorServicesChooseColor;
+  info.sourceSpace = grey ? hostapi::colorSpaceGray : hostapi::colorSpaceRGB;
+  info.resultSpace = hostapi::colorSpaceRGB;
+  auto& components = info.colorComponents;
+  components[0] = component(*red);
+  components[1] = component(*green);
+  components[2] = component(*blue);
+
+  bool chosen = false;
+  if (record->colorServices == nullptr) {
+    chosen = preview->AlternativeColorSelection(record, red, green, blue);
+    logLine(severityWarning, warningMarker, "ColorServices not available");
+  } else {
+    const hostapi::OSErr code = record->colorServices(&info);
+    trace("ColorServices result = ", code);
+    trace("source space = ", info.sourceSpace);
+    trace("result space = ", info.resultSpace);
+    chosen = code == 0;
+    if (chosen) {
+      *red = components[0] * channelScale;
+      *green = components[1] * channelScale;
+      *blue = components[2] * channelScale;
+    }
+  }
+  // The interface's own chooser does not write into the components: on a greyscale picture it
+  // leaves the grey of the colour that went in. Wanted.
+  if (chosen && record->imageMode == hostapi::modeGrayScale) {
+    *red = *green = *blue =
+        (components[0] * luminanceWeights[0] + components[2] * luminanceWeights[2] +
+         components[1] * luminanceWeights[1]) *
+        channelScale;
+  }
+  trace("pfFilter::RequestColor( return(", chosen, ") fRed(", *red, "), fGreen(", *green,
+        "), fBlue(", *blue, ") )");
+  return chosen;
+}
+
+}  // namespace radiashafts

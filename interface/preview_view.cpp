@@ -1,0 +1,187 @@
+#include "interface/preview_view.h"
+
+#include <algorithm>
+#include <new>
+
+#include "diagnostics/debug_log.h"
+#include "hostapi/constants.h"
+#include "interface/live_preview.h"
+#include "interface/preview_pixels.h"
+#include "platform/tick.h"
+
+namespace radiashafts {
+
+void PreviewView::open(EditedFilter* filter, hostapi::FilterRecord* record) {
+  filter_ = filter;
+  record_ = record;
+  nAppliedFactor = -1;
+  nDraftLevel = 0;
+  geometry_ = {};
+}
+
+void PreviewView::close() {
+  nRenderStartTick = 0;
+  releaseBitmap();
+  filter_ = nullptr;
+  record_ = nullptr;
+}
+
+void PreviewView::RequestRender() {
+  bRenderPending = true;
+  UpdateUndoButtons();
+}
+
+void PreviewView::UpdateUndoButtons() {
+  if (isOpen()) {
+    windows_.enableHistory(filter_->undoHistory.CanUndo(), filter_->undoHistory.CanRedo());
+  }
+}
+
+Extent PreviewView::renderedSize() const {
+  const hostapi::Rect& rect = record_->outRect;
+  return {rect.right - rect.left, rect.bottom - rect.top};
+}
+
+const PreviewGeometry& PreviewView::geometry() {
+  geometry_.frame = windows_.frameSize();
+  return geometry_;
+}
+
+void PreviewView::panTo(Point pan) {
+  geometry_.pan = pan;
+  windows_.invalidateFrame();
+}
+
+void PreviewView::limitPan() {
+  geometry_.frame = windows_.frameSize();
+  geometry_.limitPan();
+}
+
+void PreviewView::FitScaleToFrame() {
+  nRequestedFactor = fittingFactor(imageSize(), windows_.frameSize());
+  if (nRequestedFactor != nFactor) bRenderPending = true;
+  AssignScaleFactor(nRequestedFactor);
+}
+
+void PreviewView::ZoomBy(std::int32_t steps) {
+  nRequestedFactor = nFactor + steps;
+  if (nRequestedFactor != nFactor) bRenderPending = true;
+}
+
+void PreviewView::AssignScaleFactor(std::int32_t factor) {
+  trace("pfPreviewWin32::AssignScaleFactor( nFactor(", factor, ") )");
+  const LogIndent indent;
+  nFactor = factor;
+  const ViewScale scale{nFactor, nDraftLevel};
+  windows_.setPercentage(scale.percentage());
+
+  geometry_.frame = windows_.frameSize();
+  const Point centre = geometry_.centre(geometry_.viewScale);
+  geometry_.viewScale = scale.viewScale();
+  if (scale.renderFactor() == nAppliedFactor) {
+    bRenderPending = false;  // a render that was wanted for the step alone
+    showFrom(centre);
+  } else {
+    const Extent before = geometry_.image;
+    if (!fetch(scale.renderFactor())) return;
+    const auto scaled = [](int position, int now, int then) {
+      return then > 0 ? wholePixels(static_cast<double>(position) * now / then) : now / 2;
+    };
+    showFrom({scaled(centre.x, geometry_.image.width, before.width),
+              scaled(centre.y, geometry_.image.height, before.height)});
+    renewBitmap();
+  }
+  trace("pfPreviewWin32::AssignScaleFactor( return(", 0, ") )");
+}
+
+void PreviewView::showFrom(Point centre) {
+  geometry_.panTo(centre);
+  windows_.invalidateFrame();
+  windows_.paintNow();
+}
+
+// Where the host fails the record tells of an image that is not there, and nothing is rendered
+// until it is.
+bool PreviewView::fetch(std::int32_t renderFactor) {
+  releaseBitmap();
+  nAppliedFactor = -1;
+  if (filter_->SetupFilterRecord(record_, static_cast<std::uint32_t>(renderFactor)) != 0) {
+    windows_.invalidateFrame();
+    return false;
+  }
+  nAppliedFactor = renderFactor;
+  geometry_.image = renderedSize();
+  return true;
+}
+
+void PreviewView::renewBitmap() {
+  nBitmapHeight = geometry_.image.height;
+  nBitmapWidth = bitmapWidthFor(geometry_.image.width);
+  const auto size =
+      static_cast<std::uint32_t>(nBitmapHeight) * static_cast<std::uint32_t>(nBitmapWidth) * 3;
+  try {
+    bitmap_ = static_cast<std::uint8_t*>(filter_->Allocate(size));
+  } catch (const std::bad_alloc&) {
+    bitmap_ = nullptr;
+  }
+  if (bitmap_ == nullptr) {
+    logLine(severityError, errorMarker, "Out of memory");
+    return;
+  }
+  RequestRender();
+}
+
+void PreviewView::releaseBitmap() {
+  bBitmapValid = false;
+  if (bitmap_ == nullptr) return;
+  windows_.bitmapChanged();
+  filter_->Free(bitmap_);
+  bitmap_ = nullptr;
+}
+
+bool PreviewView::needsRender() const {
+  return bRenderPending || nRequestedFactor != nFactor;
+}
+
+void PreviewView::RenderUntilFinal() {
+  if (nRequestedFactor != nFactor) AssignScaleFactor(nRequestedFactor);
+  while (nDraftLevel > 0 || bRenderPending) {
+    // 0 would stand for a final render.
+    nRenderStartTick = std::max<std::uint32_t>(platform::tickCount(), 1);
+    bRenderPending = false;
+    filter_->previewLevel = nDraftLevel;
+    if (nAppliedFactor < 0) break;
+    const std::int16_t status = render();
+    if (status == hostapi::userCanceledError) {
+      ++nDraftLevel;
+      AssignScaleFactor(nRequestedFactor);
+      continue;
+    }
+    if (status != 0) break;
+    DrawToPreview();
+    windows_.invalidateFrame();
+    windows_.paintNow();
+    if (!bRenderPending && nDraftLevel > 0) {
+      bRenderPending = true;
+      nDraftLevel = 0;
+      AssignScaleFactor(nRequestedFactor);
+    }
+  }
+}
+
+std::int16_t PreviewView::render() {
+  try {
+    return filter_->SelectRenderTemplate(record_);
+  } catch (const std::bad_alloc&) {
+    return hostapi::memoryFullError;  // the windows stay open
+  }
+}
+
+void PreviewView::DrawToPreview() {
+  if (bitmap_ == nullptr) return;
+  const BitmapOrder order = hostDraws() ? BitmapOrder::forHost : BitmapOrder::forSystem;
+  if (drawToPreview(*record_, order, nBitmapWidth, bitmap_)) bBitmapValid = true;
+  windows_.bitmapChanged();
+}
+
+}  // namespace radiashafts

@@ -1,0 +1,36 @@
+#include "diagnostics/debug_log.h"
+#include "interface/dialog_ids.h"
+#include "interface/preview.h"
+#include "interface/win32/visual_style.h"
+
+namespace radiashafts {
+namespace {
+
+// Every render is a full one.
+constexpr char licenceStatus[] = "full version";
+
+INT_PTR CALLBACK AboutProcedure(HWND dialog, UINT message, WPARAM w, LPARAM l) {
+  switch (message) {
+    case WM_INITDIALOG: {
+      const std::string text = *reinterpret_cast<const std::string*>(l) + "\n" + licenceStatus;
+      SetDlgItemTextA(dialog, ID_ABOUT_TEXT, text.c_str());
+      return TRUE;
+    }
+    case WM_COMMAND:
+      if (LOWORD(w) == IDOK || LOWORD(w) == IDCANCEL) EndDialog(dialog, 0);
+      return TRUE;
+    default:
+      return FALSE;
+  }
+}
+
+}  // namespace
+
+void ShowAbout(const std::string& text) {
+  trace("ShowAbout()");
+  const VisualStyle style;
+  DialogBoxParamA(moduleInstance(), MAKEINTRESOURCEA(ID_ABOUT_DIALOG), nullptr, AboutProcedure,
+                  reinterpret_cast<LPARAM>(&text));
+}
+
+}  // namespace radiashafts

@@ -1,0 +1,83 @@
+#include "interface/win32/dialog_controls.h"
+
+#include <commctrl.h>
+
+namespace radiashafts {
+
+RECT controlRect(HWND dialog, int id) {
+  RECT rect{};
+  GetWindowRect(GetDlgItem(dialog, id), &rect);
+  MapWindowPoints(nullptr, dialog, reinterpret_cast<POINT*>(&rect), 2);
+  return rect;
+}
+
+bool DialogControls::hasFocus(int id) const {
+  const HWND control = GetDlgItem(dialog_, id);
+  return control != nullptr && GetFocus() == control;
+}
+
+void DialogControls::enable(int id, bool enabled) {
+  EnableWindow(GetDlgItem(dialog_, id), enabled ? TRUE : FALSE);
+}
+
+void DialogControls::show(int id, bool visible) {
+  ShowWindow(GetDlgItem(dialog_, id), visible ? SW_SHOW : SW_HIDE);
+}
+
+void DialogControls::invalidate(int id) {
+  const RECT rect = controlRect(dialog_, id);
+  InvalidateRect(dialog_, &rect, FALSE);
+}
+
+std::string DialogControls::text(int id) const {
+  char text[51];
+  const UINT length = GetDlgItemTextA(dialog_, id, text, sizeof text);
+  return std::string(text, length);
+}
+
+void DialogControls::setText(int id, const std::string& text) {
+  SetDlgItemTextA(dialog_, id, text.c_str());
+}
+
+void DialogControls::setSliderRange(int id, int minimum, int maximum, int page) {
+  send(id, TBM_SETRANGEMIN, FALSE, minimum);
+  send(id, TBM_SETRANGEMAX, TRUE, maximum);
+  send(id, TBM_SETPAGESIZE, 0, page);
+}
+
+int DialogControls::sliderPosition(int id) const {
+  return static_cast<int>(send(id, TBM_GETPOS));
+}
+
+void DialogControls::setSliderPosition(int id, int position, bool redraw) {
+  send(id, TBM_SETPOS, redraw ? TRUE : FALSE, position);
+}
+
+bool DialogControls::isIndeterminate(int id) const {
+  return send(id, BM_GETCHECK) == BST_INDETERMINATE;
+}
+
+bool DialogControls::isChecked(int id) const {
+  return send(id, BM_GETCHECK) == BST_CHECKED;
+}
+
+void DialogControls::setChecked(int id, bool checked) {
+  send(id, BM_SETCHECK, checked ? BST_CHECKED : BST_UNCHECKED);
+}
+
+int DialogControls::selectedEntry(int id) const {
+  return static_cast<int>(send(id, CB_GETCURSEL));
+}
+
+// The entries of a list never change, so that an open one is left alone.
+void DialogControls::setEntries(int id, const std::vector<std::string>& entries, int selected) {
+  if (send(id, CB_GETCOUNT) != static_cast<LRESULT>(entries.size())) {
+    send(id, CB_RESETCONTENT);
+    for (const std::string& entry : entries) {
+      send(id, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(entry.c_str()));
+    }
+  }
+  send(id, CB_SETCURSEL, static_cast<WPARAM>(selected));
+}
+
+}  // namespace radiashafts

@@ -1,0 +1,45 @@
+// The controls of an open parameter dialog.
+#pragma once
+
+#include <windows.h>
+
+#include "interface/control_panel.h"
+
+namespace radiashafts {
+
+class DialogControls final : public ControlPanel {
+ public:
+  void attach(HWND dialog, Extent imageSize) {
+    dialog_ = dialog;
+    imageSize_ = imageSize;
+  }
+
+  Extent imageSize() const override { return imageSize_; }
+  bool hasFocus(int id) const override;
+  void enable(int id, bool enabled) override;
+  void show(int id, bool visible) override;
+  void invalidate(int id) override;
+  std::string text(int id) const override;
+  void setText(int id, const std::string& text) override;
+  void setSliderRange(int id, int minimum, int maximum, int page) override;
+  int sliderPosition(int id) const override;
+  void setSliderPosition(int id, int position, bool redraw) override;
+  bool isIndeterminate(int id) const override;
+  bool isChecked(int id) const override;
+  void setChecked(int id, bool checked) override;
+  int selectedEntry(int id) const override;
+  void setEntries(int id, const std::vector<std::string>& entries, int selected) override;
+
+ private:
+  LRESULT send(int id, UINT message, WPARAM w = 0, LPARAM l = 0) const {
+    return SendDlgItemMessageA(dialog_, id, message, w, l);
+  }
+
+  HWND dialog_ = nullptr;
+  Extent imageSize_;
+};
+
+// The place of a control, hidden or not, in its dialog's client area.
+RECT controlRect(HWND dialog, int id);
+
+}  // namespace radiashafts

@@ -1,0 +1,118 @@
+// The preview dialog's messages.
+
+#include <windows.h>
+
+#include <algorithm>
+
+#include <windowsx.h>
+
+#include "interface/dialog_ids.h"
+#include "interface/win32/preview_win32.h"
+
+namespace radiashafts {
+
+INT_PTR CALLBACK pfPreviewWin32::PreviewProcedure(HWND dialog, UINT message, WPARAM w, LPARAM l) {
+  if (message == WM_INITDIALOG) {
+    SetWindowLongPtrA(dialog, DWLP_USER, l);
+    reinterpret_cast<pfPreviewWin32*>(l)->m_hPreview = dialog;
+  }
+  auto* self = reinterpret_cast<pfPreviewWin32*>(GetWindowLongPtrA(dialog, DWLP_USER));
+  return self == nullptr ? FALSE : self->onPreviewMessage(message, w, l);
+}
+
+INT_PTR pfPreviewWin32::onPreviewMessage(UINT message, WPARAM w, LPARAM l) {
+  const Point point{GET_X_LPARAM(l), GET_Y_LPARAM(l)};
+  switch (message) {
+    case WM_INITDIALOG:
+      onPreviewOpens();
+      return TRUE;
+    case WM_DESTROY:
+      onPreviewCloses();
+      return TRUE;
+    case WM_CLOSE:  // as Cancel
+      PostQuitMessage(0);
+      return TRUE;
+    case WM_SIZE:
+      if (w != SIZE_MINIMIZED) onSize();
+      return TRUE;
+    case WM_ERASEBKGND:  // painting covers everything
+      SetWindowLongPtrA(m_hPreview, DWLP_MSGRESULT, TRUE);
+      return TRUE;
+    case WM_PAINT:
+      PaintPreview();
+      return TRUE;
+    case WM_SETCURSOR:
+      if (LOWORD(l) != HTCLIENT || !setCursor()) return FALSE;
+      SetWindowLongPtrA(m_hPreview, DWLP_MSGRESULT, TRUE);
+      return TRUE;
+    case WM_LBUTTONDOWN:
+    case WM_LBUTTONDBLCLK:
+      pointer_.OnLeftDown({LOWORD(l), HIWORD(l)});
+      return TRUE;
+    case WM_LBUTTONUP:
+      pointer_.OnLeftUp();
+      return TRUE;
+    case WM_RBUTTONDOWN:
+    case WM_RBUTTONDBLCLK:
+      pointer_.OnRightDown(point);
+      return TRUE;
+    case WM_RBUTTONUP:
+      pointer_.OnRightUp();
+      return TRUE;
+    case WM_MOUSEMOVE:
+      pointer_.OnMove(point);
+      return TRUE;
+    case WM_CAPTURECHANGED:
+      if (reinterpret_cast<HWND>(l) != m_hPreview) pointer_.letGo();
+      return TRUE;
+    case WM_KEYDOWN:
+      onKey(w);
+      return TRUE;
+    default:
+      return FALSE;
+  }
+}
+
+void pfPreviewWin32::onPreviewOpens() {
+  SetWindowPos(m_hPreview, nullptr, 200, 200, 400, 400, SWP_NOZORDER);
+}
+
+void pfPreviewWin32::onPreviewCloses() {
+  onDestroyed();
+}
+
+void pfPreviewWin32::onSize() {
+  constexpr int smallest = 100;
+  RECT window{};
+  GetWindowRect(m_hPreview, &window);
+  const int width = std::max<int>(window.right - window.left, smallest);
+  const int height = std::max<int>(window.bottom - window.top, smallest);
+  if (width != window.right - window.left || height != window.bottom - window.top) {
+    MoveWindow(m_hPreview, window.left, window.top, width, height, TRUE);
+  }
+  MoveWindow(GetDlgItem(m_hPreview, ID_PREVIEW_FRAME), 0, 0,
+             width - 2 * GetSystemMetrics(SM_CXSIZEFRAME),
+             height - 2 * GetSystemMetrics(SM_CYSIZEFRAME) - GetSystemMetrics(SM_CYCAPTION), FALSE);
+  invalidateFrame();
+}
+
+// The preview has no controls: its keys are the parameter dialog's.
+void pfPreviewWin32::onKey(WPARAM key) {
+  if (key == VK_RETURN) PostMessageA(m_hInterface, WM_COMMAND, IDOK, 0);
+  if (key == VK_ESCAPE) PostMessageA(m_hInterface, WM_COMMAND, IDCANCEL, 0);
+  if (key == VK_TAB) SetActiveWindow(m_hInterface);
+}
+
+void pfPreviewWin32::PaintPreview() {
+  PAINTSTRUCT paint;
+  const HDC context = BeginPaint(m_hPreview, &paint);
+  if (view_.isOpen()) {
+    std::optional<std::array<double, 2>> light;
+    const pfParameterPosition* origin = editing_.FindOriginParameter();
+    if (bShowHandle && origin != nullptr) light = origin->value();
+    painting_.paint(context, view_, light);
+  }
+  EndPaint(m_hPreview, &paint);
+}
+
+}  // namespace radiashafts

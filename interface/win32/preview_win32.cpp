@@ -1,0 +1,243 @@
+#include "interface/win32/preview_win32.h"
+
+#include <algorithm>
+
+#include <commdlg.h>
+
+#include "diagnostics/debug_log.h"
+#include "interface/dialog_ids.h"
+#include "interface/live_preview.h"
+#include "interface/win32/visual_style.h"
+
+namespace radiashafts {
+namespace {
+
+HWND ownerWindow(const hostapi::FilterRecord& record) {
+  if (record.platformData == nullptr) return nullptr;
+  const auto window = static_cast<HWND>(record.platformData->ownerWindow);
+  return IsWindow(window) != FALSE ? window : nullptr;
+}
+
+void setIcon(HWND dialog) {
+  const auto load = [](int metric) {
+    const int side = GetSystemMetrics(metric);
+    return reinterpret_cast<LPARAM>(LoadImageA(moduleInstance(), MAKEINTRESOURCEA(ID_DIALOG_ICON),
+                                               IMAGE_ICON, side, side, LR_SHARED));
+  };
+  SendMessageA(dialog, WM_SETICON, ICON_SMALL, load(SM_CXSMICON));
+  SendMessageA(dialog, WM_SETICON, ICON_BIG, load(SM_CXICON));
+}
+
+void logNoDialog(const char* name) {
+  logLine(severityError, errorMarker, "Failed to create ", name, " Dialog. GetLastError(",
+          GetLastError(), ")");
+}
+
+}  // namespace
+
+std::unique_ptr<pfPreview> MakePreview() {
+  return std::make_unique<pfPreviewWin32>();
+}
+
+bool pfPreviewWin32::Show(EditedFilter* filter, hostapi::FilterRecord* record,
+                          WidgetList* widgets) {
+  trace("pfPreviewWin32::Show( pFilter(0x", static_cast<void*>(filter), "), pFilterRecord(0x",
+        static_cast<void*>(record), ") )");
+  const LogIndent indent;
+  const VisualStyle style;
+  closing_ = false;
+  view_.open(filter, record);
+  bool confirmed = false;
+  if (openDialogs(widgets)) {
+    prepare();
+    confirmed = runMessageLoop();
+  }
+  closeDialogs();
+  view_.close();
+  trace("pfPreviewWin32::Show( return(", confirmed, ") )");
+  return confirmed;
+}
+
+// The system's own class icons and cursors are the host's too and are left alone; each dialog has
+// its own.
+bool pfPreviewWin32::openDialogs(WidgetList* widgets) {
+  m_hPreview = CreateDialogParamA(moduleInstance(), MAKEINTRESOURCEA(ID_PREVIEW_DIALOG),
+                                  ownerWindow(view_.record()), PreviewProcedure,
+                                  reinterpret_cast<LPARAM>(this));
+  if (m_hPreview == nullptr) {
+    logNoDialog("Preview");
+    return false;
+  }
+  setIcon(m_hPreview);
+  m_hInterface = CreateDialogParamA(moduleInstance(), MAKEINTRESOURCEA(ID_PARAMETER_DIALOG),
+                                    m_hPreview, UIProcedure, reinterpret_cast<LPARAM>(this));
+  if (m_hInterface == nullptr) {
+    logNoDialog("Interface");
+    return false;
+  }
+  setIcon(m_hInterface);
+  pickerCursor_ = static_cast<HCURSOR>(LoadImageA(
+      moduleInstance(), MAKEINTRESOURCEA(ID_PIPETTE_CURSOR), IMAGE_CURSOR, 0, 0, LR_DEFAULTSIZE));
+  view_.FitScaleToFrame();
+  editing_.open(widgets, &controls_);
+  return true;
+}
+
+void pfPreviewWin32::prepare() {
+  view_.filter().undoHistory.bEnabled = true;
+  view_.UpdateUndoButtons();
+  trace("Updated Undo Buttons");
+  ShowWindow(m_hInterface, SW_SHOW);
+  ShowWindow(m_hPreview, SW_SHOW);
+  BringWindowToTop(m_hInterface);
+  SetActiveWindow(m_hInterface);  // the keyboard begins at OK
+  trace("windows up");
+  view_.AssignScaleFactor(view_.requestedFactor());
+  trace("assigned scale factor");
+  view_.filter().PrepareInterface(&view_.record());
+  trace("pre show done. Going into message loop");
+  bRenderPending = true;
+}
+
+// Ends with the quit message, whose parameter is the result. A render that was wanted before it is
+// done first.
+bool pfPreviewWin32::runMessageLoop() {
+  MSG message;
+  for (bool open = true; open;) {
+    BOOL got = GetMessageA(&message, nullptr, 0, 0);
+    if (got <= 0) return got == 0 && message.wParam != 0;
+    for (;;) {
+      if (IsDialogMessageA(m_hInterface, &message) == FALSE) {
+        TranslateMessage(&message);
+        DispatchMessageA(&message);
+      }
+      MSG next;
+      if (PeekMessageA(&next, nullptr, 0, 0, PM_NOREMOVE) == FALSE) break;
+      got = GetMessageA(&message, nullptr, 0, 0);
+      if (got <= 0) {
+        open = false;
+        break;
+      }
+    }
+    if (view_.needsRender()) view_.RenderUntilFinal();
+  }
+  return message.message == WM_QUIT && message.wParam != 0;
+}
+
+void pfPreviewWin32::closeDialogs() {
+  closing_ = true;
+  pointer_.letGo();
+  editing_.close();
+  if (m_hInterface != nullptr) DestroyWindow(m_hInterface);
+  if (m_hPreview != nullptr) DestroyWindow(m_hPreview);
+  m_hInterface = m_hPreview = nullptr;
+  painting_.forgetBitmap();
+  if (pickerCursor_ != nullptr) DestroyCursor(pickerCursor_);
+  pickerCursor_ = nullptr;
+}
+
+void pfPreviewWin32::onDestroyed() {
+  if (!closing_) PostQuitMessage(0);
+}
+
+bool pfPreviewWin32::AlternativeColorSelection(hostapi::FilterRecord* record, double* red,
+                                               double* green, double* blue) {
+  trace("pfPreviewWin32::AlternativeColorSelection( pFilterRecord(0x", static_cast<void*>(record),
+        "), fRed(", *red, "), fGreen(", *green, "), fBlue(", *blue, ") )");
+  static COLORREF customColors[16];
+  const auto toByte = [](double channel) {
+    return static_cast<BYTE>(std::clamp(wholePixels(channel * 255.0), 0, 255));
+  };
+  CHOOSECOLORA request{};
+  request.lStructSize = sizeof request;
+  request.hwndOwner = m_hInterface;
+  request.rgbResult = RGB(toByte(*red), toByte(*green), toByte(*blue));
+  request.lpCustColors = customColors;
+  request.Flags = CC_RGBINIT | CC_FULLOPEN | CC_ANYCOLOR;
+  const bool chosen = ChooseColorA(&request) != FALSE;
+  if (chosen) {
+    constexpr double scale = 0.00392156862745098;  // 1 / 255
+    *red = GetRValue(request.rgbResult) * scale;
+    *green = GetGValue(request.rgbResult) * scale;
+    *blue = GetBValue(request.rgbResult) * scale;
+  }
+  trace("pfPreviewWin32::AlternativeColorSelection( return(", chosen, ") fRed(", *red, "), fGreen(",
+        *green, "), fBlue(", *blue, ") )");
+  return chosen;
+}
+
+Extent pfPreviewWin32::frameSize() const {
+  const RECT rect = controlRect(m_hPreview, ID_PREVIEW_FRAME);
+  return {rect.right - rect.left, rect.bottom - rect.top};
+}
+
+void pfPreviewWin32::invalidateFrame() {
+  if (m_hPreview == nullptr) return;
+  const RECT rect = controlRect(m_hPreview, ID_PREVIEW_FRAME);
+  InvalidateRect(m_hPreview, &rect, FALSE);
+}
+
+void pfPreviewWin32::paintNow() {
+  UpdateWindow(m_hPreview);
+}
+
+void pfPreviewWin32::setPercentage(const std::string& text) {
+  SetDlgItemTextA(m_hInterface, ID_PERCENTAGE, text.c_str());
+}
+
+void pfPreviewWin32::setCaption(const std::string& text) {
+  SetWindowTextA(m_hPreview, text.c_str());
+}
+
+// A button that is switched off hands the keyboard on to the next control.
+void pfPreviewWin32::enableHistory(bool undo, bool redo) {
+  for (const auto& [id, enabled] : {std::pair{ID_UNDO, undo}, std::pair{ID_REDO, redo}}) {
+    const HWND button = GetDlgItem(m_hInterface, id);
+    if (!enabled && button != nullptr && GetFocus() == button) {
+      SendMessageA(m_hInterface, WM_NEXTDLGCTL, 0, FALSE);
+    }
+    EnableWindow(button, enabled ? TRUE : FALSE);
+  }
+}
+
+void pfPreviewWin32::captureMouse() {
+  SetCapture(m_hPreview);
+}
+
+void pfPreviewWin32::releaseMouse() {
+  if (m_hPreview != nullptr && GetCapture() == m_hPreview) ReleaseCapture();
+}
+
+void pfPreviewWin32::usePipetteCursor(bool pipette) {
+  if (pipette == pipetteShown_) return;
+  pipetteShown_ = pipette;
+  SetCursor(pipette && pickerCursor_ != nullptr ? pickerCursor_ : LoadCursorA(nullptr, IDC_ARROW));
+}
+
+bool pfPreviewWin32::setCursor() {
+  if (!pipetteShown_ || pickerCursor_ == nullptr) return false;
+  SetCursor(pickerCursor_);
+  return true;
+}
+
+std::optional<std::array<std::uint8_t, 3>> pfPreviewWin32::screenColor(Point point) {
+  const HDC context = GetDC(m_hPreview);
+  const COLORREF color = GetPixel(context, point.x, point.y);
+  ReleaseDC(m_hPreview, context);
+  if (color == CLR_INVALID) return std::nullopt;
+  return std::array<std::uint8_t, 3>{GetRValue(color), GetGValue(color), GetBValue(color)};
+}
+
+// When they come back the parameter dialog is the active window again.
+void pfPreviewWin32::enableDialogs(bool enabled) {
+  EnableWindow(m_hInterface, enabled ? TRUE : FALSE);
+  EnableWindow(m_hPreview, enabled ? TRUE : FALSE);
+  if (enabled) SetActiveWindow(m_hInterface);
+}
+
+Box pfPreviewWin32::controlBox(int id) const {
+  const RECT rect = controlRect(m_hInterface, id);
+  return {rect.left, rect.top, rect.right, rect.bottom};
+}
+
+}  // namespace radiashafts

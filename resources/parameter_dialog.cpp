@@ -60,8 +60,11 @@ class Layout {
   void edit(int id, int x, int width) {
     control("", id, "EDIT", "ES_AUTOHSCROLL | WS_BORDER | WS_TABSTOP", x, y, width, editHeight);
   }
-  void slider(int id, int x, int width) {
-    control("", id, "msctls_trackbar32", "TBS_NOTICKS | TBS_BOTH | WS_TABSTOP", x, y, width,
+  // In the middle column. Its track is inset in the control and begins where the edits do.
+  void slider(int id) {
+    constexpr int trackInset = 4;
+    control("", id, "msctls_trackbar32", "TBS_NOTICKS | TBS_BOTH | WS_TABSTOP",
+            controlLeft - trackInset, y + 1, right - editWidth - controlLeft + trackInset - 1,
             sliderHeight);
   }
 
@@ -69,7 +72,7 @@ class Layout {
   void numberRow(const char* name) {
     const ParameterFacts& facts = factsOf(name);
     label(facts.labels[0], left, controlLeft - left);
-    slider(facts.controls[1], controlLeft, right - editWidth - controlLeft - 1);
+    slider(facts.controls[1]);
     edit(facts.controls[0], right - editWidth, editWidth);
     y += rowPitch;
   }
@@ -109,7 +112,7 @@ void mainOptions(Layout& layout) {
   constexpr int half = (dialogWidth + gap) / 2;
   layout.label(origin.labels[0], left, controlLeft - left);
   layout.edit(origin.controls[0], controlLeft, editWidth);
-  layout.label(origin.labels[1], right - editWidth - 42, 40, "SS_RIGHT");
+  layout.label(origin.labels[1], right - editWidth - gap - 40, 40, "SS_RIGHT");
   layout.edit(origin.controls[1], right - editWidth, editWidth);
   layout.y += rowPitch + 1;
 
@@ -123,10 +126,9 @@ void alterColor(Layout& layout) {
   layout.y = 128;
   layout.beginGroup("alter color", 90);
   layout.numberRows({"Hue", "Saturation", "Lightness", "ColorBalance"});
-  layout.y += 1;
   const ParameterFacts& imageColor = factsOf("UseImageColor");
   layout.checkBox(imageColor.labels[0], imageColor.controls[0], left, right - left);
-  layout.y += 13;
+  layout.y += 12;  // leaves room below, where the group box paints its border over the swatches
 
   constexpr int swatch = 34;
   const ParameterFacts& low = factsOf("ColorLow");
@@ -134,7 +136,7 @@ void alterColor(Layout& layout) {
   layout.label(low.labels[0], left, controlLeft - left);
   layout.control("", low.controls[0], "STATIC", "SS_LEFT | NOT WS_VISIBLE", controlLeft, layout.y,
                  swatch, editHeight);
-  layout.label(high.labels[0], right - swatch - 42, 40, "SS_RIGHT");
+  layout.label(high.labels[0], right - swatch - gap - 40, 40, "SS_RIGHT");
   layout.control("", high.controls[0], "STATIC", "SS_LEFT | NOT WS_VISIBLE", right - swatch,
                  layout.y, swatch, editHeight);
 }
@@ -155,8 +157,7 @@ void actions(Layout& layout) {
   constexpr int width = 42;
   layout.y = 301;
   layout.button(random.labels[0], random.controls[0], margin, width);
-  layout.y += 1;
-  layout.slider(amount.controls[1], controlLeft, right - editWidth - controlLeft - 1);
+  layout.slider(amount.controls[1]);
   layout.edit(amount.controls[0], right - editWidth, editWidth);
 
   layout.y = 316;

@@ -56,9 +56,8 @@ WholeFile readWholeFile(const std::string& path) {
 TemporaryFile::TemporaryFile(const std::string& place) : place_(place), path_(place + "tmp") {}
 
 TemporaryFile::~TemporaryFile() {
-  if (handle_ == -1) return;
-  CloseHandle(fileOf(handle_));
-  if (!path_.empty()) DeleteFileA(path_.c_str());
+  if (handle_ != -1) CloseHandle(fileOf(handle_));
+  if (opened_) DeleteFileA(path_.c_str());
 }
 
 bool TemporaryFile::failed() {
@@ -67,11 +66,17 @@ bool TemporaryFile::failed() {
 }
 
 bool TemporaryFile::open() {
-  // Not shared for writing; shared for the renaming.
-  const HANDLE file = CreateFileA(path_.c_str(), GENERIC_WRITE, FILE_SHARE_DELETE, nullptr,
-                                  CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+  const DWORD attributes = GetFileAttributesA(place_.c_str());
+  if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) != 0) {
+    SetLastError(ERROR_ACCESS_DENIED);
+    return failed();
+  }
+  // Shared with nobody: while a process is at it, no other one can take or rename it.
+  const HANDLE file = CreateFileA(path_.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
+                                  FILE_ATTRIBUTE_NORMAL, nullptr);
   if (file == INVALID_HANDLE_VALUE) return failed();
   handle_ = reinterpret_cast<std::intptr_t>(file);
+  opened_ = true;
   return true;
 }
 
@@ -88,8 +93,10 @@ bool TemporaryFile::flush() {
 
 bool TemporaryFile::putInPlace() {
   constexpr DWORD flags = MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH;
+  CloseHandle(fileOf(handle_));
+  handle_ = -1;
   if (MoveFileExA(path_.c_str(), place_.c_str(), flags) == 0) return failed();
-  path_.clear();
+  opened_ = false;
   return true;
 }
 

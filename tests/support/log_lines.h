@@ -18,7 +18,9 @@ class LogLines {
     static const TestFolder folder;
     DebugLog::Instance().SetLogFile(folder.path("log.txt"));
     DebugLog::Instance().RefreshOutputs();
-    return folder.read("log.txt");
+    std::string text = folder.read("log.txt");
+    std::erase(text, '\r');
+    return text;
   }
 
   std::size_t begin_;

@@ -49,6 +49,10 @@ FileState readContent(int file, std::string& content) {
 
 const char lineEnd[] = "\n";
 
+std::optional<std::string> narrowPath(const std::filesystem::path& path) {
+  return path.string();
+}
+
 WholeFile readWholeFile(const std::string& path) {
   WholeFile result{FileState::absent, {}};
   // A pipe is not waited for.

@@ -39,6 +39,20 @@ FileState stateOfUnopened(const std::string& path, DWORD error) {
 
 const char lineEnd[] = "\r\n";
 
+std::optional<std::string> narrowPath(const std::filesystem::path& path) {
+  const std::wstring wide = path.wstring();
+  const int length = static_cast<int>(wide.size());
+  BOOL lost = FALSE;  // cannot be asked of UTF-8, which loses nothing
+  const bool asks = GetACP() != CP_UTF8;
+  const DWORD flags = asks ? WC_NO_BEST_FIT_CHARS : 0;
+  std::string narrow(4 * wide.size(), '\0');
+  const int size =
+      WideCharToMultiByte(CP_ACP, flags, wide.data(), length, narrow.data(),
+                          static_cast<int>(narrow.size()), nullptr, asks ? &lost : nullptr);
+  narrow.resize(static_cast<std::size_t>(size));
+  return lost == FALSE ? std::optional(narrow) : std::nullopt;
+}
+
 WholeFile readWholeFile(const std::string& path) {
   WholeFile result{FileState::absent, {}};
   const HANDLE file = CreateFileA(path.c_str(), GENERIC_READ,

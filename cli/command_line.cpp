@@ -8,6 +8,7 @@
 #include <CLI/CLI.hpp>
 
 #include "cli/parameter_options.h"
+#include "cli/preset_options.h"
 #include "platform/arguments.h"
 #include "platform/module.h"
 
@@ -25,11 +26,6 @@ class Formatter final : public CLI::Formatter {
            "       " RADIASHAFTS_PROGRAM_NAME " [OPTIONS] INPUT... --output-dir DIR\n";
   }
 };
-
-// The arguments are UTF-8, which is not every system's own way with paths.
-std::filesystem::path pathOf(const std::string& text) {
-  return std::u8string(text.begin(), text.end());
-}
 
 // Inputs and outputs from the plain arguments. Throws on a contradiction.
 std::vector<Job> jobsOf(const std::vector<std::string>& paths, const std::string& outputDirectory) {
@@ -106,6 +102,15 @@ void addHostOptions(CLI::App& app, CommandLine& commandLine) {
 
 }  // namespace
 
+std::filesystem::path pathOf(const std::string& text) {
+  return std::u8string(text.begin(), text.end());
+}
+
+void printNotes(const CommandLine& commandLine) {
+  if (commandLine.quiet) return;
+  for (const std::string& note : commandLine.notes) std::cerr << "note: " << note << '\n';
+}
+
 ParsedCommandLine parseCommandLine(int argc, char** argv) {
   ParsedCommandLine parsed;
   CommandLine& commandLine = parsed.commandLine;
@@ -131,6 +136,7 @@ ParsedCommandLine parseCommandLine(int argc, char** argv) {
   addHostOptions(app, commandLine);
   app.add_flag("--list-parameters", listWanted, "Tell names, defaults, ranges and entries");
   app.add_flag("--quiet", commandLine.quiet, "Print errors only");
+  const PresetOptions presets(app);
   const ParameterOptions parameters(app);
 
   try {
@@ -142,7 +148,20 @@ ParsedCommandLine parseCommandLine(int argc, char** argv) {
       parsed.exitCode = exitSuccess;
       return parsed;
     }
-    commandLine.jobs = jobsOf(paths, outputDirectory);
+    if (!presets.needNoPictures() || !paths.empty()) {
+      commandLine.jobs = jobsOf(paths, outputDirectory);
+    }
+    commandLine.notes = parameters.notes();
+    commandLine.script = presets.apply(parameters, commandLine.quiet);
+    if (commandLine.jobs.empty()) {
+      printNotes(commandLine);
+      parsed.exitCode = exitSuccess;
+      return parsed;
+    }
+  } catch (const Failure& failure) {
+    std::cerr << "radiashafts: " << failure.text << '\n';
+    parsed.exitCode = failure.exitCode;
+    return parsed;
   } catch (const CLI::ParseError& error) {
     if (error.get_exit_code() == 0) {
       parsed.exitCode = app.exit(error);  // help or version
@@ -157,8 +176,6 @@ ParsedCommandLine parseCommandLine(int argc, char** argv) {
   commandLine.module = module.empty()
                            ? platform::executablePath().parent_path() / RADIASHAFTS_MODULE_NAME
                            : std::filesystem::absolute(pathOf(module), error);
-  commandLine.script = parameters.script();
-  commandLine.notes = parameters.notes();
   return parsed;
 }
 

@@ -16,11 +16,20 @@ namespace radiashafts::cli {
 enum ExitCode : int {
   exitSuccess = 0,
   exitUsage = 2,     // the command line
-  exitInput = 3,     // a picture or mask that cannot be read
-  exitOutput = 4,    // a picture that cannot be written
+  exitInput = 3,     // a picture, mask or preset that cannot be read
+  exitOutput = 4,    // a picture or preset that cannot be written
   exitRender = 5,    // the filter: not loaded, out of memory, refused
   exitAborted = 130  // Ctrl-C
 };
+
+// Ends the program with the code and one line that names the culprit.
+struct Failure {
+  ExitCode exitCode;
+  std::string text;
+};
+
+// An argument as a path. Arguments are UTF-8, which is not every system's own way with paths.
+std::filesystem::path pathOf(const std::string& text);
 
 struct Job {
   std::filesystem::path input;
@@ -40,6 +49,8 @@ struct CommandLine {
   bool printScript = false;  // that the filter hands back
   bool quiet = false;
 };
+
+void printNotes(const CommandLine& commandLine);
 
 // Parses the arguments. Where there is nothing left to do (help, version, list, or a mistake, which
 // it prints as one line) it gives the exit code instead.

@@ -23,11 +23,6 @@ bool wasInterrupted() {
   return interrupted != 0;
 }
 
-struct Failure {
-  int exitCode;
-  std::string text;
-};
-
 void checkMask(const CommandLine& commandLine, const standin::Mask& mask,
                const standin::Picture& picture) {
   if (mask.width == picture.width && mask.height == picture.height) return;
@@ -127,9 +122,7 @@ int run(const CommandLine& commandLine) {
     }
     std::optional<standin::Mask> mask;
     if (commandLine.mask) mask = standin::readMaskFile(*commandLine.mask);
-    if (!commandLine.quiet) {
-      for (const std::string& note : commandLine.notes) std::cerr << "note: " << note << '\n';
-    }
+    printNotes(commandLine);
     for (const Job& job : commandLine.jobs)
       process(commandLine, job, entry, mask ? &*mask : nullptr);
     return exitSuccess;

@@ -39,8 +39,8 @@ double parseNumber(std::string_view text) {
   return value;
 }
 
-std::array<double, 3> parseNumbers(const std::string& text, int count) {
-  std::array<double, 3> numbers{};
+ParameterNumbers parseNumbers(const std::string& text, int count) {
+  ParameterNumbers numbers{};
   std::string_view rest = text;
   for (int i = 0; i < count; ++i) {
     const std::size_t comma = rest.find(',');
@@ -74,7 +74,7 @@ double parseEntry(const std::string& text, const ParameterFacts& facts) {
   return number;
 }
 
-std::array<double, 3> parseValue(const std::string& text, const ParameterFacts& facts) {
+ParameterNumbers parseValue(const std::string& text, const ParameterFacts& facts) {
   switch (facts.kind) {
     case ParameterKind::boolean:
       return {parseSwitch(text)};
@@ -167,6 +167,12 @@ standin::ScriptValue scriptValue(const ParameterFacts& facts, double number) {
   }
 }
 
+void addTo(standin::Script& script, const ParameterFacts& facts, const ParameterNumbers& numbers) {
+  for (std::size_t k = 0; k < facts.keys.size() && facts.keys[k].code != nullptr; ++k) {
+    script.emplace_back(scriptKey(facts.keys[k]), scriptValue(facts, numbers[k]));
+  }
+}
+
 }  // namespace
 
 ParameterOptions::ParameterOptions(CLI::App& app) {
@@ -192,13 +198,15 @@ ParameterOptions::ParameterOptions(CLI::App& app) {
 standin::Script ParameterOptions::script() const {
   standin::Script script;
   for (std::size_t i = 0; i < effectTable.size(); ++i) {
-    if (!values_[i].given) continue;
-    const ParameterFacts& facts = effectTable[i];
-    for (std::size_t k = 0; k < facts.keys.size() && facts.keys[k].code != nullptr; ++k) {
-      script.emplace_back(scriptKey(facts.keys[k]), scriptValue(facts, values_[i].numbers[k]));
-    }
+    if (values_[i].given) addTo(script, effectTable[i], values_[i].numbers);
   }
   return script;
+}
+
+void ParameterOptions::applyTo(EffectParameters& effect) const {
+  for (std::size_t i = 0; i < effectTable.size(); ++i) {
+    if (values_[i].given) SetNumbers(*effect.all[i], effectTable[i], values_[i].numbers);
+  }
 }
 
 std::vector<std::string> ParameterOptions::notes() const {
@@ -232,6 +240,14 @@ void printScript(std::ostream& out, const standin::Script& script) {
     if (!text.empty()) out << optionName(facts) << ' ' << text << '\n';
   }
   out.flush();
+}
+
+standin::Script scriptOf(const EffectParameters& effect) {
+  standin::Script script;
+  for (std::size_t i = 0; i < effectTable.size(); ++i) {
+    addTo(script, effectTable[i], NumbersOf(*effect.all[i], effectTable[i]));
+  }
+  return script;
 }
 
 void listParameters(std::ostream& out) {

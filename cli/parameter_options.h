@@ -8,7 +8,7 @@
 
 #include <CLI/CLI.hpp>
 
-#include "parameters/effect_table.h"
+#include "parameters/effect_parameters.h"
 #include "standin/script.h"
 
 namespace radiashafts::cli {
@@ -23,6 +23,8 @@ class ParameterOptions {
 
   // The values that the user gave, as a recorded script.
   standin::Script script() const;
+  // Sets the parameters to them.
+  void applyTo(EffectParameters& effect) const;
 
   // Values outside the limits of their parameters, a line each: the filter holds them there.
   std::vector<std::string> notes() const;
@@ -30,13 +32,16 @@ class ParameterOptions {
  private:
   struct Value {
     bool given = false;
-    std::array<double, 3> numbers{};
+    ParameterNumbers numbers{};
   };
   std::array<Value, effectTable.size()> values_;
 };
 
 // A recorded script, an option with its value a line.
 void printScript(std::ostream& out, const standin::Script& script);
+
+// All values that scripts hold.
+standin::Script scriptOf(const EffectParameters& effect);
 
 // Name, range, default and entries of every option.
 void listParameters(std::ostream& out);

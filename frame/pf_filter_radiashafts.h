@@ -17,7 +17,7 @@ class pfFilterRadiashafts final : public pfFilter {
   // those; the render honours the values all the same.
   void PrepareInterface(hostapi::FilterRecord* record) override;
   void ResetParameters(bool recordUndo) override;
-  const char* GetFilterName() const override { return "Radiashafts"; }
+  const char* GetFilterName() const override { return effectName; }
 
  private:
   static void OnRandomize(pfParameter* parameter, void* filter);

@@ -43,33 +43,12 @@ void setUp(pfParameter& parameter, const ParameterFacts& facts) {
   }
 }
 
-void setDefault(pfParameter& parameter, const ParameterFacts& facts) {
-  const auto& v = facts.defaults;
-  switch (facts.kind) {
-    case ParameterKind::position:
-      static_cast<pfParameterPosition&>(parameter).SetValue(v[0], v[1]);
-      break;
-    case ParameterKind::color:
-      static_cast<pfParameterRGB&>(parameter).SetValue(v[0], v[1], v[2]);
-      break;
-    case ParameterKind::number:
-      static_cast<pfParameterFloat&>(parameter).SetValue(v[0]);
-      break;
-    case ParameterKind::boolean:
-      static_cast<pfParameterBool&>(parameter).SetValue(v[0] != 0.0);
-      break;
-    case ParameterKind::list:
-      static_cast<pfParameterList&>(parameter).SetValue(static_cast<std::int32_t>(v[0]));
-      break;
-  }
-}
-
 }  // namespace
 
 EffectParameters::EffectParameters() {
   for (std::size_t i = 0; i < all.size(); ++i) {
     setUp(*all[i], effectTable[i]);
-    setDefault(*all[i], effectTable[i]);
+    SetNumbers(*all[i], effectTable[i], effectTable[i].defaults);
   }
 }
 
@@ -86,7 +65,45 @@ void EffectParameters::Reset(UndoHistory* history) {
   }
   for (pfParameter* parameter : order) {
     const auto row = std::find(all.begin(), all.end(), parameter) - all.begin();
-    setDefault(*parameter, effectTable[static_cast<std::size_t>(row)]);
+    const ParameterFacts& facts = effectTable[static_cast<std::size_t>(row)];
+    SetNumbers(*parameter, facts, facts.defaults);
+  }
+}
+
+ParameterNumbers NumbersOf(const pfParameter& parameter, const ParameterFacts& facts) {
+  switch (facts.kind) {
+    case ParameterKind::position: {
+      const auto& v = static_cast<const pfParameterPosition&>(parameter).value();
+      return {v[0], v[1]};
+    }
+    case ParameterKind::color:
+      return static_cast<const pfParameterRGB&>(parameter).value();
+    case ParameterKind::boolean:
+      return {static_cast<const pfParameterBool&>(parameter).value() ? 1.0 : 0.0};
+    case ParameterKind::list:
+      return {static_cast<double>(static_cast<const pfParameterList&>(parameter).value())};
+    default:
+      return {static_cast<const pfParameterFloat&>(parameter).value()};
+  }
+}
+
+void SetNumbers(pfParameter& parameter, const ParameterFacts& facts, const ParameterNumbers& v) {
+  switch (facts.kind) {
+    case ParameterKind::position:
+      static_cast<pfParameterPosition&>(parameter).SetValue(v[0], v[1]);
+      break;
+    case ParameterKind::color:
+      static_cast<pfParameterRGB&>(parameter).SetValue(v[0], v[1], v[2]);
+      break;
+    case ParameterKind::number:
+      static_cast<pfParameterFloat&>(parameter).SetValue(v[0]);
+      break;
+    case ParameterKind::boolean:
+      static_cast<pfParameterBool&>(parameter).SetValue(v[0] != 0.0);
+      break;
+    case ParameterKind::list:
+      static_cast<pfParameterList&>(parameter).SetValue(static_cast<std::int32_t>(v[0]));
+      break;
   }
 }
 

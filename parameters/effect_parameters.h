@@ -55,4 +55,11 @@ class EffectParameters {
       &RandomizeButton};
 };
 
+// A parameter's values as numbers, as many as its kind has: a flag is 0 or 1, a list's entry counts
+// from 1.
+using ParameterNumbers = std::array<double, 3>;
+ParameterNumbers NumbersOf(const pfParameter& parameter, const ParameterFacts& facts);
+void SetNumbers(pfParameter& parameter, const ParameterFacts& facts,
+                const ParameterNumbers& numbers);
+
 }  // namespace radiashafts

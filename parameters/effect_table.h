@@ -11,6 +11,9 @@
 
 namespace radiashafts {
 
+// The filter's name: preset files are its own that say so.
+inline constexpr char effectName[] = "Radiashafts";
+
 enum class ParameterKind { position, number, boolean, color, list };
 
 // Which limits Validate enforces. An open maximum is only the slider's end.

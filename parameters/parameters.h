@@ -1,13 +1,20 @@
-// The ordered collection of parameters, and its meeting with the host's scripts.
+// The ordered collection of parameters, and its meeting with the host's scripts and with preset
+// files.
 #pragma once
 
+#include <string>
 #include <vector>
 
 #include "hostapi/filter_record.h"
 #include "parameters/parameter.h"
 
+namespace radiashafts::platform {
+struct WholeFile;
+}
+
 namespace radiashafts {
 
+class PresetTokens;
 class UndoHistory;
 
 class pfParameters {
@@ -26,7 +33,29 @@ class pfParameters {
   // Hands the values to the host as they stand.
   void WriteScriptParams(hostapi::FilterRecord* record);
 
+  // Preset files. Paths are in the system's narrow text; white space in a setting's name counts as
+  // "_". A change replaces the file in one step or, with a line in the log, leaves it as it was.
+
+  // Whether the file is the filter's or is still to be made. Else, where it is another filter's,
+  // the name becomes that one's.
+  bool IsSettingFileValid(const std::string& strPath, std::string& strFilterName);
+  // Appends the names in the file's order. The result is the file's validity.
+  bool GetSettingNames(const std::string& strPath, std::vector<std::string>& lstNames,
+                       const std::string& strFilterName);
+  // Sets the entry of the name to the present values, a new one behind all others. True when there
+  // are names and the file is valid, even if it could not be written: failure then says why.
+  bool SaveSettings(const std::string& strName, const std::string& strPath,
+                    const std::string& strFilterName, std::string* failure = nullptr);
+  // Takes the values of the entry as one step of the history, where there is one, and validates.
+  // Parameters that the entry does not name keep theirs. False when there is no such entry.
+  bool LoadSettings(const std::string& strName, const std::string& strPath, UndoHistory* history);
+  // False when there is no such entry or nothing can be written beside the file.
+  bool DeleteSettings(const std::string& strName, const std::string& strPath);
+
  private:
+  void SaveEntry(const std::string& name, const std::string& path, const std::string& filterName,
+                 const platform::WholeFile& old, std::string* failure);
+  void LoadEntry(PresetTokens& tokens, UndoHistory* history);
   std::vector<std::uint32_t> ScriptKeys() const;  // ended by a 0
 
   std::vector<pfParameter*> parameters_;

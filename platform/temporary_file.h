@@ -28,6 +28,7 @@ class TemporaryFile {
   std::string path_;
   std::string error_;
   std::intptr_t handle_ = -1;
+  bool opened_ = false;  // and not yet in place
 };
 
 }  // namespace radiashafts::platform

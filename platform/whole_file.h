@@ -2,10 +2,14 @@
 #pragma once
 
 #include <cstddef>
+#include <filesystem>
 #include <optional>
 #include <string>
 
 namespace radiashafts::platform {
+
+// None where the system's narrow text cannot say the path.
+std::optional<std::string> narrowPath(const std::filesystem::path& path);
 
 enum class FileState {
   absent,   // there is none

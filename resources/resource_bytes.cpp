@@ -12,7 +12,6 @@ namespace {
 
 constexpr char vendor[] = "Halvorsund";
 constexpr char menuItem[] = "Radiashafts...";
-constexpr char filterName[] = "Radiashafts";
 constexpr char entryPoint[] = "ENTRYPOINT";
 constexpr char scope[] = "Halvorsund Radiashafts";
 constexpr char suiteCode[] = "HS07";
@@ -166,7 +165,7 @@ Bytes makeAETE() {
       .int16(1)  // level
       .int16(1)  // version
       .int16(1)  // events
-      .pascal(filterName)
+      .pascal(effectName)
       .pascal("no comment")
       .code(eventClass)
       .code(eventId)

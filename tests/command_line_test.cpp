@@ -11,6 +11,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "interface/remembered_settings.h"
+#include "parameters/effect_parameters.h"
 #include "standin/picture_file.h"
 #include "tests/support/module_under_test.h"
 #include "tests/support/test_pictures.h"
@@ -49,11 +51,19 @@ class CommandLine : public testing::Test {
   ~CommandLine() override { fs::remove_all(folder_); }
 
   Answer run(const std::string& arguments) const {
-    const std::string command = "cd " + folder_.string() + " && " RADIASHAFTS_PROGRAM " " +
-                                arguments + " >out.txt 2>err.txt";
+    const std::string command = "cd " + folder_.string() +
+                                " && XDG_CONFIG_HOME=$PWD " RADIASHAFTS_PROGRAM " " + arguments +
+                                " >out.txt 2>err.txt";
     const int status = std::system(command.c_str());
     return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, contentOf(folder_ / "out.txt"),
             contentOf(folder_ / "err.txt")};
+  }
+
+  // A mark of the file that the arguments make of in.png, in silence.
+  std::size_t rendered(const std::string& arguments) const {
+    const Answer answer = run("in.png out.png --quiet " + arguments);
+    EXPECT_EQ(answer.out + answer.err, "") << arguments;
+    return std::hash<std::string>()(contentOf(path("out.png")));
   }
 
   template <class Sample>
@@ -181,6 +191,8 @@ TEST_F(CommandLine, BadInputGetsOneLineAndTouchesNoOutput) {
   write<std::uint8_t>("mask.png", 1, TypeDesc::UINT8, [](ImageSpec& spec) { spec.height = 22; });
   std::ofstream(path("text.png")) << "no picture";
   std::ofstream(path("out.png")) << "precious";
+  std::ofstream(path("ours.cfg")) << "FileOwner Radiashafts\nname A\n";
+  std::ofstream(path("theirs.cfg")) << "FileOwner Them\nname A\n";
   fs::copy_file(path("in.png"), path("short.png"));
   fs::resize_file(path("short.png"), fs::file_size(path("short.png")) / 2);
   ASSERT_EQ(run("in.png short.jpg --quiet").exitCode, 0);
@@ -211,6 +223,20 @@ TEST_F(CommandLine, BadInputGetsOneLineAndTouchesNoOutput) {
       {"in.png", 2, "OUTPUT"},
       {"in.png text.png out.png", 2, "--output-dir"},
       {"in.png out.png --module missing.so", 5, "missing.so"},
+      {"in.png out.png --preset ours.cfg", 2, "ours.cfg"},
+      {"in.png out.png --preset ours.cfg:", 2, "ours.cfg:"},
+      {"in.png out.png --preset ''", 2, "FILE:NAME"},
+      {"--save-preset 'C:\\ours.cfg'", 2, "C:\\ours.cfg"},
+      {"in.png out.png --preset ours.cfg:B --last-used", 2, "--last-used"},
+      {"in.png out.png --preset ours.cfg:B", 3, "'B'; --list-presets"},
+      {"in.png out.png --preset theirs.cfg:A", 3, "filter Them"},
+      {"in.png out.png --preset missing.cfg:A", 3, "missing.cfg"},
+      {"in.png out.png --last-used", 3, "--last-used"},
+      {"--list-presets text.png", 3, "text.png"},
+      {"--list-presets missing.cfg", 3, "missing.cfg"},
+      {"--save-preset theirs.cfg:A", 4, "filter Them"},
+      {"--save-preset nowhere/new.cfg:A", 4, "nowhere/new.cfg"},
+      {"--preset ours.cfg:A", 2, "INPUT"},
   };
   for (const auto& c : cases) {
     const Answer answer = run(c.arguments);
@@ -219,6 +245,61 @@ TEST_F(CommandLine, BadInputGetsOneLineAndTouchesNoOutput) {
     EXPECT_NE(answer.err.find(c.culprit), std::string::npos) << c.arguments << ": " << answer.err;
     EXPECT_EQ(contentOf(path("out.png")), "precious") << c.arguments;
   }
+}
+
+// Values as options, and the file that keeps them.
+constexpr char morning[] =
+    " --origin 0.25,-0.125 --mode smooth --use-image-color off --color-low 1,0.5,0.25"
+    " --blend-mode difference --selection-low 100 --ray-length 0.5";
+constexpr char morningFile[] =
+    "FileOwner Radiashafts\n\nname Z\nOrigin 0.250000 -0.125000\nIntensity 0.250000\n"
+    "RayLength 0.500000\nRadius 2.000000\nContrast 0.000000\nGammaCorrection 1.000000\n"
+    "ColorBalance 0.000000\nUseImageColor 0\nHue 0.000000\nSaturation 0.000000\n"
+    "Lightness 0.000000\nSelectionLow 100.000000\nSelectionHigh 255.000000\n"
+    "SelectionSoften 0.000000\nSelectionClimax 1.000000\nColorLow 1.000000 0.500000 0.250000\n"
+    "ColorHigh 1.000000 1.000000 1.000000\nMode 2\nBlendMode 9\nSelectionShow 1\n";
+
+TEST_F(CommandLine, PresetsKeepValuesAndOptionsGoOverThem) {
+  write<std::uint8_t>("in.png", 3, TypeDesc::UINT8);
+  Answer answer = run("--save-preset 'p q.cfg:Z' --intensity 0.25" + std::string(morning));
+  EXPECT_EQ(answer.out + answer.err, "p q.cfg: has preset Z\n");
+  EXPECT_EQ(contentOf(path("p q.cfg")), morningFile);
+  answer = run("--radius -1 --preset 'p q.cfg:z' --save-preset 'p q.cfg:a b' --intensity 0.5");
+  EXPECT_EQ(answer.out, "p q.cfg: has preset a_b\n");
+  EXPECT_NE(answer.err.find("--radius"), std::string::npos) << answer.err;
+  EXPECT_NE(contentOf(path("p q.cfg")).find("Intensity 0.500000\nRayLength 0.500000\nRadius 0.0"),
+            std::string::npos);
+  EXPECT_EQ(run("--list-presets 'p q.cfg'").out, "Z\na_b\n");
+
+  const std::size_t plain = rendered("--intensity 0.25" + std::string(morning));
+  const std::size_t strong = rendered("--intensity 3" + std::string(morning));
+  EXPECT_NE(plain, strong);
+  EXPECT_EQ(rendered("--preset 'p q.cfg:Z'"), plain);
+  EXPECT_EQ(rendered("--intensity 3 --preset './p q.cfg:Z'"), strong);
+  EXPECT_EQ(rendered("--intensity 3 --preset 'p q.cfg:a b' --radius 2"), strong);
+  EXPECT_EQ(rendered("--save-preset 'p q.cfg:Z' --intensity 3" + std::string(morning)), strong);
+  EXPECT_EQ(rendered("--preset 'p q.cfg:Z'"), strong);
+  EXPECT_EQ(run("--list-presets 'p q.cfg'").out, "Z\na_b\n");
+}
+
+TEST_F(CommandLine, LastUsedValuesAreThoseOfTheUsersStore) {
+  write<std::uint8_t>("in.png", 3, TypeDesc::UINT8);
+  EffectParameters effect;
+  effect.Origin.SetValue(0.25, -0.125);
+  effect.Mode.SetValue(2);
+  effect.Intensity.SetValue(1.0 / 3.0);
+  effect.SelectionLow.SetValue(100.0);
+  pfParameters parameters;
+  for (pfParameter* parameter : effect.all) parameters.Add(parameter);
+  setenv("XDG_CONFIG_HOME", path("").c_str(), 1);
+  WriteLastUsedSettings(parameters);
+  unsetenv("XDG_CONFIG_HOME");
+  const std::string options = "--mode smooth --selection-low 100 --origin 0.25,-0.125 --intensity ";
+  EXPECT_NE(rendered("--last-used"), rendered(""));
+  EXPECT_EQ(rendered("--last-used"), rendered(options + "0.33333333333333331"));
+  EXPECT_EQ(rendered("--last-used --intensity 0.1"), rendered(options + "0.1"));
+  EXPECT_EQ(run("--last-used --save-preset p.cfg:A").exitCode, 0);
+  EXPECT_NE(contentOf(path("p.cfg")).find("-0.125000\nIntensity 0.333333\n"), std::string::npos);
 }
 
 TEST_F(CommandLine, AnInterruptLeavesNothingBehind) {

@@ -3,6 +3,7 @@
 #include "diagnostics/debug_log.h"
 #include "interface/live_preview.h"
 #include "interface/preview.h"
+#include "interface/remembered_settings.h"
 
 namespace radiashafts {
 namespace {
@@ -10,6 +11,7 @@ namespace {
 class HeadlessPreview final : public pfPreview {
  public:
   bool Show(EditedFilter*, hostapi::FilterRecord*, WidgetList*) override {
+    ReadDebugSwitches();
     logLine(severityError, errorMarker,
             "this module has no dialogs; it runs with recorded parameters that ask for none");
     return false;

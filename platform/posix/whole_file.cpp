@@ -49,6 +49,10 @@ FileState readContent(int file, std::string& content) {
 
 const char lineEnd[] = "\n";
 
+std::optional<std::string> narrowPath(const std::filesystem::path& path) {
+  return path.string();
+}
+
 WholeFile readWholeFile(const std::string& path) {
   WholeFile result{FileState::absent, {}};
   // A pipe is not waited for.
@@ -66,9 +70,8 @@ TemporaryFile::TemporaryFile(const std::string& place)
     : place_(resolved(place)), path_(place_ + "tmp") {}
 
 TemporaryFile::~TemporaryFile() {
-  if (handle_ < 0) return;
-  if (!path_.empty()) unlink(path_.c_str());
-  close(fileOf(handle_));
+  if (opened_) unlink(path_.c_str());
+  if (handle_ >= 0) close(fileOf(handle_));
 }
 
 bool TemporaryFile::failed() {
@@ -95,6 +98,7 @@ bool TemporaryFile::open() {
     return false;
   }
   handle_ = file;
+  opened_ = true;
   if (replaces) {
     // Another user's file stays that user's where the system lets it.
     if (fchown(file, old.st_uid, old.st_gid) != 0) errno = 0;
@@ -120,7 +124,7 @@ bool TemporaryFile::flush() {
 
 bool TemporaryFile::putInPlace() {
   if (std::rename(path_.c_str(), place_.c_str()) != 0) return failed();
-  path_.clear();
+  opened_ = false;
   // The new name is to be on the disk too, where the file system can be asked for it.
   const std::string folder = std::filesystem::path(place_).parent_path().string();
   const int directory = ::open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_CLOEXEC);

@@ -39,6 +39,20 @@ FileState stateOfUnopened(const std::string& path, DWORD error) {
 
 const char lineEnd[] = "\r\n";
 
+std::optional<std::string> narrowPath(const std::filesystem::path& path) {
+  const std::wstring wide = path.wstring();
+  const int length = static_cast<int>(wide.size());
+  BOOL lost = FALSE;  // cannot be asked of UTF-8, which loses nothing
+  const bool asks = GetACP() != CP_UTF8;
+  const DWORD flags = asks ? WC_NO_BEST_FIT_CHARS : 0;
+  std::string narrow(4 * wide.size(), '\0');
+  const int size =
+      WideCharToMultiByte(CP_ACP, flags, wide.data(), length, narrow.data(),
+                          static_cast<int>(narrow.size()), nullptr, asks ? &lost : nullptr);
+  narrow.resize(static_cast<std::size_t>(size));
+  return lost == FALSE ? std::optional(narrow) : std::nullopt;
+}
+
 WholeFile readWholeFile(const std::string& path) {
   WholeFile result{FileState::absent, {}};
   const HANDLE file = CreateFileA(path.c_str(), GENERIC_READ,
@@ -56,9 +70,8 @@ WholeFile readWholeFile(const std::string& path) {
 TemporaryFile::TemporaryFile(const std::string& place) : place_(place), path_(place + "tmp") {}
 
 TemporaryFile::~TemporaryFile() {
-  if (handle_ == -1) return;
-  CloseHandle(fileOf(handle_));
-  if (!path_.empty()) DeleteFileA(path_.c_str());
+  if (handle_ != -1) CloseHandle(fileOf(handle_));
+  if (opened_) DeleteFileA(path_.c_str());
 }
 
 bool TemporaryFile::failed() {
@@ -67,11 +80,17 @@ bool TemporaryFile::failed() {
 }
 
 bool TemporaryFile::open() {
-  // Not shared for writing; shared for the renaming.
-  const HANDLE file = CreateFileA(path_.c_str(), GENERIC_WRITE, FILE_SHARE_DELETE, nullptr,
-                                  CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+  const DWORD attributes = GetFileAttributesA(place_.c_str());
+  if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) != 0) {
+    SetLastError(ERROR_ACCESS_DENIED);
+    return failed();
+  }
+  // Shared with nobody: while a process is at it, no other one can take or rename it.
+  const HANDLE file = CreateFileA(path_.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
+                                  FILE_ATTRIBUTE_NORMAL, nullptr);
   if (file == INVALID_HANDLE_VALUE) return failed();
   handle_ = reinterpret_cast<std::intptr_t>(file);
+  opened_ = true;
   return true;
 }
 
@@ -88,8 +107,10 @@ bool TemporaryFile::flush() {
 
 bool TemporaryFile::putInPlace() {
   constexpr DWORD flags = MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH;
+  CloseHandle(fileOf(handle_));
+  handle_ = -1;
   if (MoveFileExA(path_.c_str(), place_.c_str(), flags) == 0) return failed();
-  path_.clear();
+  opened_ = false;
   return true;
 }
 

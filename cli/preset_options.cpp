@@ -1,0 +1,120 @@
+#include "cli/preset_options.h"
+
+#include <cctype>
+#include <iostream>
+
+#include "cli/command_line.h"
+#include "interface/remembered_settings.h"
+#include "parameters/preset_file.h"
+#include "platform/whole_file.h"
+
+namespace radiashafts::cli {
+namespace {
+
+// The effect's parameters as a collection.
+struct Collection {
+  Collection() {
+    for (pfParameter* parameter : effect.all) parameters.Add(parameter);
+  }
+  EffectParameters effect;
+  pfParameters parameters;
+};
+
+struct PresetPlace {
+  std::string file;
+  std::string name;
+};
+
+// A drive's letter has a colon of its own.
+bool isDrive(const std::string& text, std::size_t colon) {
+  const bool rooted = text.find_first_of("/\\", colon) == colon + 1;
+  return colon == 1 && rooted && std::isalpha(static_cast<unsigned char>(text[0])) != 0;
+}
+
+PresetPlace placeOf(const std::string& text) {
+  const std::size_t colon = text.rfind(':');
+  if (colon == std::string::npos || colon == 0 || colon + 1 == text.size() ||
+      isDrive(text, colon)) {
+    throw Failure{exitUsage, "'" + text + "' is not FILE:NAME of a preset"};
+  }
+  return {text.substr(0, colon), text.substr(colon + 1)};
+}
+
+std::string systemPath(const std::string& file, ExitCode exitCode) {
+  const auto path = platform::narrowPath(pathOf(file));
+  if (!path) throw Failure{exitCode, file + ": the system's code page cannot say this name"};
+  return *path;
+}
+
+void checkOwner(pfParameters& parameters, const std::string& file, const std::string& path,
+                ExitCode exitCode) {
+  std::string owner = effectName;
+  if (parameters.IsSettingFileValid(path, owner)) return;
+  throw Failure{exitCode,
+                file + (owner == effectName ? ": is no file of presets"
+                                            : ": its presets belong to the filter " + owner)};
+}
+
+// The path of a file that is there to be read, and ours.
+std::string readablePath(pfParameters& parameters, const std::string& file) {
+  std::string path = systemPath(file, exitInput);
+  const platform::FileState state = platform::readWholeFile(path).state;
+  if (state == platform::FileState::absent) throw Failure{exitInput, file + ": no such file"};
+  if (state == platform::FileState::refused) throw Failure{exitInput, file + ": cannot be read"};
+  checkOwner(parameters, file, path, exitInput);
+  return path;
+}
+
+void list(pfParameters& parameters, const std::string& file) {
+  std::vector<std::string> names;
+  parameters.GetSettingNames(readablePath(parameters, file), names, effectName);
+  for (const std::string& name : names) std::cout << name << '\n';
+}
+
+void load(pfParameters& parameters, const PresetPlace& place) {
+  if (parameters.LoadSettings(place.name, readablePath(parameters, place.file), nullptr)) return;
+  throw Failure{exitInput, place.file + ": has no preset '" + presetNameOf(place.name) +
+                               "'; --list-presets tells what it has"};
+}
+
+void save(pfParameters& parameters, const PresetPlace& place, bool quiet) {
+  const std::string path = systemPath(place.file, exitOutput);
+  checkOwner(parameters, place.file, path, exitOutput);
+  parameters.ValidateAll();
+  std::string failure;
+  parameters.SaveSettings(place.name, path, effectName, &failure);
+  if (!failure.empty()) throw Failure{exitOutput, place.file + ": " + failure};
+  if (!quiet) std::cout << place.file << ": has preset " << presetNameOf(place.name) << '\n';
+}
+
+}  // namespace
+
+PresetOptions::PresetOptions(CLI::App& app) {
+  const auto add = [&app](const char* name, std::optional<std::string>& value, const char* form,
+                          const char* description) {
+    return app.add_option(name, value, description)->type_name(form)->group("Presets");
+  };
+  CLI::Option* const preset =
+      add("--preset", loaded_, "FILE:NAME", "Start from this preset; other options go over it");
+  add("--list-presets", listed_, "FILE", "Tell the presets in a file");
+  add("--save-preset", saved_, "FILE:NAME", "Keep the values of this call as a preset");
+  app.add_flag("--last-used", lastUsed_, "Start from the values last confirmed in the interface")
+      ->excludes(preset)
+      ->group("Presets");
+}
+
+standin::Script PresetOptions::apply(const ParameterOptions& parameters, bool quiet) const {
+  Collection values;
+  if (listed_) list(values.parameters, *listed_);
+  if (loaded_) load(values.parameters, placeOf(*loaded_));
+  if (lastUsed_ && !ReadLastUsedSettings(values.parameters)) {
+    throw Failure{exitInput, "--last-used: no values were confirmed in the interface yet"};
+  }
+  parameters.applyTo(values.effect);
+  const standin::Script script =
+      loaded_ || lastUsed_ ? scriptOf(values.effect) : parameters.script();
+  if (saved_) save(values.parameters, placeOf(*saved_), quiet);
+  return script;
+}
+
+}  // namespace radiashafts::cli

@@ -1,0 +1,220 @@
+// The collection's meeting with preset files.
+
+#include <algorithm>
+#include <limits>
+
+#include "diagnostics/debug_log.h"
+#include "parameters/parameters.h"
+#include "parameters/preset_file.h"
+#include "parameters/undo.h"
+#include "parameters/visit_parameter.h"
+#include "platform/whole_file.h"
+
+namespace radiashafts {
+namespace {
+
+using platform::FileState;
+using platform::lineEnd;
+using platform::ReplaceFailure;
+using platform::ReplaceStep;
+using platform::WholeFile;
+
+void warnUnread(const std::string& path) {
+  logLine(severityWarning, warningMarker, "Could not open file for reading: '", path, "'");
+}
+
+void warnUnwritten(const std::string& path, const ReplaceFailure& failure) {
+  if (failure.step == ReplaceStep::open) {
+    logLine(severityWarning, warningMarker, "Could not open file for writing: '", path, "'");
+  } else {
+    logLine(severityWarning, warningMarker, "Could not write file: '", path,
+            "', it stays as it was: ", failure.reason);
+  }
+}
+
+// A file that cannot be looked at may be ours: a new one, at best.
+bool isOurs(const WholeFile& file, std::string& filterName) {
+  if (file.state != FileState::whole) return file.state != FileState::unfit;
+  const auto owner = presetOwner(file.content);
+  if (!owner) return false;
+  if (equalsIgnoringCase(*owner, filterName)) return true;
+  filterName = *owner;
+  return false;
+}
+
+// Numbers go through single precision, but not beyond it.
+double narrowed(double value) {
+  constexpr double largest = std::numeric_limits<float>::max();
+  return static_cast<float>(std::clamp(value, -largest, largest));
+}
+
+std::string valueLine(pfParameter& parameter) {
+  std::string line = parameter.GetName();
+  const auto put = [&line](const std::string& value) { line += " " + value; };
+  const auto putAll = [&put](const auto& vector) {
+    for (const double value : vector.value()) put(presetNumber(value));
+  };
+  visitParameter(
+      parameter,
+      ParameterVisitor{
+          [&](const pfParameterPosition& position) { putAll(position); },
+          [&](const pfParameterRGB& color) { putAll(color); },
+          [&](const pfParameterFloat& number) { put(presetNumber(narrowed(number.value()))); },
+          [&](const auto& whole) { put(std::to_string(static_cast<int>(whole.value()))); }});
+  return line + lineEnd;
+}
+
+// Takes the value that begins with the token, and further ones from behind it. Returns whether the
+// preview needs a new render.
+bool loadValue(pfParameter& parameter, std::string_view token, PresetTokens& tokens) {
+  bool needsRender = false;
+  const auto loadAll = [&](auto& vector) {
+    auto values = vector.value();
+    values[0] = numberAt(token);
+    for (std::size_t i = 1; i < values.size(); ++i) {
+      if (const auto further = tokens.next()) values[i] = numberAt(further->text);
+    }
+    needsRender = values != vector.value() && parameter.updatesPreview;
+    vector.Restore(values);
+  };
+  visitParameter(
+      parameter,
+      ParameterVisitor{
+          [&](pfParameterPosition& position) { loadAll(position); },
+          [&](pfParameterRGB& color) { loadAll(color); },
+          [&](pfParameterFloat& number) { needsRender = number.SetValue(numberAt(token)); },
+          [&](pfParameterBool& flag) { needsRender = flag.SetValue(integerAt(token) != 0); },
+          [&](pfParameterInt& whole) { needsRender = whole.SetValue(integerAt(token)); },
+          [&](pfParameterList& list) {
+            const std::int32_t entry = integerAt(token);
+            if (entry >= 1) needsRender = list.SetValue(entry);
+          }});
+  return needsRender;
+}
+
+}  // namespace
+
+bool pfParameters::IsSettingFileValid(const std::string& strPath, std::string& strFilterName) {
+  trace("pfParmeters::IsSettingFileValid( strPath(", strPath, "), strFilterName(", strFilterName,
+        ") )");
+  const LogIndent indent;
+  const bool valid = !strPath.empty() && isOurs(platform::readWholeFile(strPath), strFilterName);
+  trace("pfParmeters::IsSettingFileValid( return(", valid, ") )");
+  return valid;
+}
+
+bool pfParameters::GetSettingNames(const std::string& strPath, std::vector<std::string>& lstNames,
+                                   const std::string& strFilterName) {
+  trace("pfParmeters::GetSettingNames( strPath(", strPath, "), lstNames(), strFilterName(",
+        strFilterName, ") )");
+  const LogIndent indent;
+  std::string owner = strFilterName;
+  const bool valid = IsSettingFileValid(strPath, owner);
+  if (valid) {
+    for (std::string& name : presetNames(platform::readWholeFile(strPath).content)) {
+      lstNames.push_back(std::move(name));
+    }
+  }
+  trace("pfParmeters::GetSettingNames( return(", valid, ") )");
+  return valid;
+}
+
+bool pfParameters::SaveSettings(const std::string& strName, const std::string& strPath,
+                                const std::string& strFilterName, std::string* failure) {
+  trace("pfParmeters::SaveSettings( strName(", strName, "), strPath(", strPath, ") )");
+  const LogIndent indent;
+  const std::string name = presetNameOf(strName);
+  std::string owner = strFilterName;
+  bool valid = false;
+  if (!name.empty() && !strPath.empty()) {
+    const WholeFile old = platform::readWholeFile(strPath);
+    valid = isOurs(old, owner);
+    if (valid) SaveEntry(name, strPath, strFilterName, old, failure);
+  }
+  trace("pfParmeters::SaveSettings( return(", valid, ") )");
+  return valid;
+}
+
+bool pfParameters::LoadSettings(const std::string& strName, const std::string& strPath,
+                                UndoHistory* history) {
+  trace("pfParmeters::LoadSettings( strName(", strName, "), strPath(", strPath, "), pFilter(",
+        static_cast<void*>(history), ") )");
+  const LogIndent indent;
+  bool loaded = false;
+  const std::string name = presetNameOf(strName);
+  if (!name.empty() && !strPath.empty()) {
+    const WholeFile file = platform::readWholeFile(strPath);
+    if (file.state != FileState::whole) warnUnread(strPath);
+    if (const auto entry = findPreset(file.content, name)) {
+      PresetTokens tokens(file.content, entry->nameEnd);
+      LoadEntry(tokens, history);
+      loaded = true;
+    }
+  }
+  trace("pfParmeters::LoadSettings( return(", loaded, ") )");
+  return loaded;
+}
+
+bool pfParameters::DeleteSettings(const std::string& strName, const std::string& strPath) {
+  trace("pfParmeters::DeleteSettings( strName(", strName, "), strPath(", strPath, ") )");
+  const LogIndent indent;
+  bool found = false;
+  const std::string name = presetNameOf(strName);
+  if (!name.empty() && !strPath.empty()) {
+    const WholeFile old = platform::readWholeFile(strPath);
+    if (old.state != FileState::whole) warnUnread(strPath);
+    const auto entry = findPreset(old.content, name);
+    // A text that no filter owns is none of the presets' business.
+    if (entry && presetOwner(old.content)) {
+      const auto failed =
+          platform::replaceWholeFile(strPath, withoutPreset(old.content, *entry, lineEnd));
+      if (failed) warnUnwritten(strPath, *failed);
+      found = !failed || failed->step != ReplaceStep::open;
+    }
+  }
+  trace("pfParmeters::DeleteSettings( return(", found, ") )");
+  return found;
+}
+
+void pfParameters::SaveEntry(const std::string& name, const std::string& path,
+                             const std::string& filterName, const WholeFile& old,
+                             std::string* failure) {
+  if (old.state == FileState::refused) {
+    warnUnread(path);
+    if (failure != nullptr) *failure = "cannot be read";
+    return;
+  }
+  std::string content = old.content;
+  if (old.state == FileState::absent) {
+    content = std::string(presetOwnerKeyword) + " " + filterName + lineEnd;
+  }
+  std::string values;
+  for (pfParameter* parameter : parameters_) {
+    if (parameter->storedInPreset) values += valueLine(*parameter);
+  }
+  const auto failed = platform::replaceWholeFile(path, withPreset(content, name, values, lineEnd));
+  if (!failed) return;
+  warnUnwritten(path, *failed);
+  if (failure != nullptr) *failure = failed->reason;
+}
+
+void pfParameters::LoadEntry(PresetTokens& tokens, UndoHistory* history) {
+  while (const auto key = tokens.next()) {
+    if (equalsIgnoringCase(key->text, presetNameKeyword)) break;
+    const auto value = tokens.next();
+    if (!value) break;
+    for (pfParameter* parameter : parameters_) {
+      if (!parameter->storedInPreset || !equalsIgnoringCase(key->text, parameter->GetName())) {
+        continue;
+      }
+      std::unique_ptr<pfUndo> record = history != nullptr ? parameter->CreateUndo() : nullptr;
+      if (loadValue(*parameter, value->text, tokens)) {
+        if (history != nullptr) history->Push(std::move(record));
+      }
+    }
+  }
+  if (history != nullptr) ++history->nGroup;
+  ValidateAll();
+}
+
+}  // namespace radiashafts

@@ -7,6 +7,7 @@
 #include "hostapi/color_services.h"
 #include "hostapi/constants.h"
 #include "image/color.h"
+#include "interface/preview_geometry.h"
 
 namespace radiashafts {
 namespace {
@@ -14,7 +15,7 @@ namespace {
 constexpr double channelScale = 0.00392156862745098;  // 1 / 255
 
 std::int16_t component(double channel) {
-  return static_cast<std::int16_t>(std::clamp(channel, 0.0, 1.0) * 255.0);
+  return static_cast<std::int16_t>(std::clamp(wholePixels(channel * 255.0), 0, 255));
 }
 
 }  // namespace

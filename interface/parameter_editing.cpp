@@ -1,5 +1,8 @@
 #include "interface/parameter_editing.h"
 
+#include <algorithm>
+#include <cmath>
+
 #include "hostapi/constants.h"
 #include "image/color.h"
 #include "interface/live_preview.h"
@@ -148,7 +151,8 @@ std::vector<ParameterEditing::Swatch> ParameterEditing::swatches() {
     const auto& [red, green, blue] = swatch->bound().value();
     if (showsGrey(view_.record()) && !(red == green && green == blue)) {
       const double grey = luminance<3>(swatch->bound().value().data());
-      swatch->bound().SetValue(grey, grey, grey);
+      // What is no number never compares equal: it would be painted again without end.
+      if (std::isfinite(grey)) swatch->bound().SetValue(grey, grey, grey);
     }
     Swatch& shown = swatches.emplace_back(Swatch{swatch->firstId(), {}});
     for (std::size_t i = 0; i < 3; ++i) {

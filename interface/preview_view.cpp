@@ -162,9 +162,9 @@ void PreviewView::RenderUntilFinal() {
     windows_.invalidateFrame();
     windows_.paintNow();
     if (!bRenderPending && nDraftLevel > 0) {
-      bRenderPending = true;
       nDraftLevel = 0;
       AssignScaleFactor(nRequestedFactor);
+      bRenderPending = true;  // even where a zoom step has kept the draft's scale
     }
   }
 }

@@ -22,7 +22,8 @@ BITMAPINFO describe(const PreviewView& view) {
   info.bmiHeader.biPlanes = 1;
   info.bmiHeader.biBitCount = 24;
   info.bmiHeader.biCompression = BI_RGB;
-  info.bmiHeader.biSizeImage = static_cast<DWORD>(image.width * image.height * 3);
+  info.bmiHeader.biSizeImage =
+      static_cast<DWORD>(image.width) * static_cast<DWORD>(image.height) * 3;
   return info;
 }
 

@@ -4,6 +4,11 @@
 
 namespace radiashafts {
 
+ScreenMetrics screenMetrics() {
+  return {GetSystemMetrics(SM_CXVIRTUALSCREEN), GetSystemMetrics(SM_CYVIRTUALSCREEN),
+          GetSystemMetrics(SM_CXFULLSCREEN), GetSystemMetrics(SM_CYFULLSCREEN)};
+}
+
 RECT controlRect(HWND dialog, int id) {
   RECT rect{};
   GetWindowRect(GetDlgItem(dialog, id), &rect);

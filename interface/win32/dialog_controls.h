@@ -4,6 +4,7 @@
 #include <windows.h>
 
 #include "interface/control_panel.h"
+#include "interface/remembered_settings.h"
 
 namespace radiashafts {
 
@@ -38,6 +39,9 @@ class DialogControls final : public ControlPanel {
   HWND dialog_ = nullptr;
   Extent imageSize_;
 };
+
+// Of the system's monitors.
+ScreenMetrics screenMetrics();
 
 // The place of a control, hidden or not, in its dialog's client area.
 RECT controlRect(HWND dialog, int id);

@@ -7,6 +7,7 @@
 #include "diagnostics/debug_log.h"
 #include "interface/dialog_ids.h"
 #include "interface/live_preview.h"
+#include "interface/remembered_settings.h"
 #include "interface/win32/preview_win32.h"
 
 namespace radiashafts {
@@ -72,11 +73,37 @@ void pfPreviewWin32::onInterfaceOpens() {
   const hostapi::Point whole = view_.record().wholeSize;
   const bool told = whole.h > 0 && whole.v > 0;
   controls_.attach(m_hInterface, told ? Extent{whole.h, whole.v} : view_.imageSize());
+  SendDlgItemMessageA(m_hInterface, ID_PRESETS, CB_SETDROPPEDWIDTH, droppedPresetsWidth(), 0);
   SetFocus(GetDlgItem(m_hInterface, IDOK));
+
+  ParameterWindow window;
+  window.presetPath = presets_.path();
+  window.showHandle = bShowHandle;
+  window.livePreview = bLivePreview;
+  ReadParameterWindow(window, screenMetrics());
+  presets_.setPath(window.presetPath);
+  bShowHandle = window.showHandle;
+  bLivePreview = window.livePreview;
+  CheckDlgButton(m_hInterface, ID_HIDE_HANDLE, bShowHandle ? BST_UNCHECKED : BST_CHECKED);
+  CheckDlgButton(m_hInterface, ID_FIXED_PREVIEW, bLivePreview ? BST_UNCHECKED : BST_CHECKED);
+  SetWindowPos(m_hInterface, nullptr, window.x, window.y, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
+  ReadLastUsedSettings(view_.filter().parameters);
 }
 
 void pfPreviewWin32::onInterfaceCloses() {
+  WINDOWPLACEMENT placement{};
+  placement.length = sizeof placement;
+  if (GetWindowPlacement(m_hInterface, &placement) != FALSE) {
+    const RECT& rect = placement.rcNormalPosition;
+    WriteParameterWindow({rect.left, rect.top, presets_.path(), bShowHandle, bLivePreview});
+  }
   onDestroyed();
+}
+
+// Names of presets may be long: the open list takes the row's whole width.
+WPARAM pfPreviewWin32::droppedPresetsWidth() const {
+  return static_cast<WPARAM>(controlRect(m_hInterface, ID_DELETE_PRESET).right -
+                             controlRect(m_hInterface, ID_PRESETS).left);
 }
 
 void pfPreviewWin32::onCommand(int id, int notification) {
@@ -91,6 +118,22 @@ void pfPreviewWin32::onCommand(int id, int notification) {
       if (!clicked) return;
       trace("UIProcedure - WM_COMMAND CANCEL pressed.");
       PostQuitMessage(0);
+      return;
+    case ID_PRESETS:
+      if (notification != CBN_SELCHANGE) return;
+      presets_.OnSelectSetting();
+      view_.filter().parameters.UpdateAllWidgets();
+      view_.RequestRender();
+      return;
+    case ID_SAVE_PRESET:
+      presets_.OnSaveSetting();
+      return;
+    case ID_DELETE_PRESET:
+      presets_.OnDeleteSetting();
+      view_.UpdateUndoButtons();
+      return;
+    case ID_OPEN_PRESETS:
+      presets_.OnChangeSettingFile();
       return;
     case ID_UNDO:
       editing_.Undo();

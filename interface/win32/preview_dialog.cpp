@@ -7,6 +7,7 @@
 #include <windowsx.h>
 
 #include "interface/dialog_ids.h"
+#include "interface/remembered_settings.h"
 #include "interface/win32/preview_win32.h"
 
 namespace radiashafts {
@@ -74,10 +75,20 @@ INT_PTR pfPreviewWin32::onPreviewMessage(UINT message, WPARAM w, LPARAM l) {
 }
 
 void pfPreviewWin32::onPreviewOpens() {
-  SetWindowPos(m_hPreview, nullptr, 200, 200, 400, 400, SWP_NOZORDER);
+  ReadDebugSwitches();
+  const PreviewWindow window = ReadPreviewWindow(screenMetrics());
+  SetWindowPos(m_hPreview, nullptr, window.x, window.y, window.width, window.height, SWP_NOZORDER);
+  if (window.startsMaximized()) ShowWindow(m_hPreview, SW_MAXIMIZE);
 }
 
 void pfPreviewWin32::onPreviewCloses() {
+  WINDOWPLACEMENT placement{};
+  placement.length = sizeof placement;
+  if (GetWindowPlacement(m_hPreview, &placement) != FALSE) {
+    const RECT& rect = placement.rcNormalPosition;
+    WritePreviewWindow({rect.left, rect.top, rect.right - rect.left, rect.bottom - rect.top,
+                        static_cast<std::int32_t>(placement.showCmd)});
+  }
   onDestroyed();
 }
 

@@ -7,6 +7,7 @@
 #include "diagnostics/debug_log.h"
 #include "interface/dialog_ids.h"
 #include "interface/live_preview.h"
+#include "interface/remembered_settings.h"
 #include "interface/win32/visual_style.h"
 
 namespace radiashafts {
@@ -47,12 +48,14 @@ bool pfPreviewWin32::Show(EditedFilter* filter, hostapi::FilterRecord* record,
   const VisualStyle style;
   closing_ = false;
   view_.open(filter, record);
+  presets_.open(filter);
   bool confirmed = false;
   if (openDialogs(widgets)) {
     prepare();
     confirmed = runMessageLoop();
   }
   closeDialogs();
+  if (confirmed) WriteLastUsedSettings(filter->parameters);
   view_.close();
   trace("pfPreviewWin32::Show( return(", confirmed, ") )");
   return confirmed;
@@ -85,6 +88,8 @@ bool pfPreviewWin32::openDialogs(WidgetList* widgets) {
 
 void pfPreviewWin32::prepare() {
   view_.filter().undoHistory.bEnabled = true;
+  presets_.UpdateSettingsList();
+  trace("Updated Settings List");
   view_.UpdateUndoButtons();
   trace("Updated Undo Buttons");
   ShowWindow(m_hInterface, SW_SHOW);
@@ -189,15 +194,17 @@ void pfPreviewWin32::setCaption(const std::string& text) {
   SetWindowTextA(m_hPreview, text.c_str());
 }
 
-// A button that is switched off hands the keyboard on to the next control.
 void pfPreviewWin32::enableHistory(bool undo, bool redo) {
-  for (const auto& [id, enabled] : {std::pair{ID_UNDO, undo}, std::pair{ID_REDO, redo}}) {
-    const HWND button = GetDlgItem(m_hInterface, id);
-    if (!enabled && button != nullptr && GetFocus() == button) {
-      SendMessageA(m_hInterface, WM_NEXTDLGCTL, 0, FALSE);
-    }
-    EnableWindow(button, enabled ? TRUE : FALSE);
+  enableControl(ID_UNDO, undo);
+  enableControl(ID_REDO, redo);
+}
+
+void pfPreviewWin32::enableControl(int id, bool enabled) {
+  const HWND control = GetDlgItem(m_hInterface, id);
+  if (!enabled && control != nullptr && GetFocus() == control) {
+    SendMessageA(m_hInterface, WM_NEXTDLGCTL, 0, FALSE);
   }
+  EnableWindow(control, enabled ? TRUE : FALSE);
 }
 
 void pfPreviewWin32::captureMouse() {

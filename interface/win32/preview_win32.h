@@ -4,6 +4,7 @@
 #include <windows.h>
 
 #include "interface/parameter_editing.h"
+#include "interface/preset_row.h"
 #include "interface/preview.h"
 #include "interface/preview_pointer.h"
 #include "interface/preview_view.h"
@@ -13,7 +14,7 @@
 
 namespace radiashafts {
 
-class pfPreviewWin32 final : public pfPreview, private PreviewWindows {
+class pfPreviewWin32 final : public pfPreview, private PreviewWindows, private PresetControls {
  public:
   bool Show(EditedFilter* filter, hostapi::FilterRecord* record, WidgetList* widgets) override;
   void RequestRender() override { view_.RequestRender(); }
@@ -32,6 +33,7 @@ class pfPreviewWin32 final : public pfPreview, private PreviewWindows {
   INT_PTR onInterfaceMessage(UINT message, WPARAM w, LPARAM l);
   void onInterfaceOpens();
   void onInterfaceCloses();
+  WPARAM droppedPresetsWidth() const;
   void onCommand(int id, int notification);
   void PaintSwatches(HDC context);
 
@@ -59,6 +61,23 @@ class pfPreviewWin32 final : public pfPreview, private PreviewWindows {
   void enableDialogs(bool enabled) override;
   Box controlBox(int id) const override;
 
+  // PresetControls, preset_row.cpp
+  int selectedPreset() const override;
+  std::optional<std::string> presetName(int index) const override;
+  std::string shownPreset() const override;
+  void clearPresets() override;
+  void addPreset(const std::string& name) override;
+  int findPreset(const std::string& name) const override;
+  void selectPreset(int index) override;
+  void enablePresets(bool choosing, bool saving, bool deleting) override;
+  const void* presetWindow() const override;
+  std::optional<std::string> choosePresetFile(const std::string& path) override;
+  std::string askPresetName(const std::string& proposed) override;
+  bool confirm(const char* text, const char* caption) override;
+  void complain(const std::string& text, const char* caption) override;
+
+  // A control that is switched off hands the keyboard on to the next one.
+  void enableControl(int id, bool enabled);
   // Shows the pipette in place of the window's own cursor; false when it is not in use.
   bool setCursor();
   // A dialog that goes while the interface is open takes it along, as Cancel.
@@ -75,6 +94,7 @@ class pfPreviewWin32 final : public pfPreview, private PreviewWindows {
   PreviewView view_{*this};
   ParameterEditing editing_{*this, view_};
   PreviewPointer pointer_{*this, view_, editing_};
+  PresetRow presets_{*this};
 };
 
 }  // namespace radiashafts

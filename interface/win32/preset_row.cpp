@@ -1,0 +1,146 @@
+// The preset row's controls and prompts.
+
+#include <windows.h>
+
+#include <array>
+#include <cstring>
+
+#include <commdlg.h>
+
+#include "interface/dialog_ids.h"
+#include "interface/win32/preview_win32.h"
+#include "interface/win32/visual_style.h"
+
+namespace radiashafts {
+namespace {
+
+using Text = std::array<char, 256>;
+
+struct SaveAsRequest {
+  PresetRow* row;
+  std::string name;
+};
+
+INT_PTR CALLBACK SaveAsProcedure(HWND dialog, UINT message, WPARAM w, LPARAM l) {
+  const HWND edit = GetDlgItem(dialog, ID_SETTING_NAME);
+  const auto askAgain = [edit] {
+    SetFocus(edit);
+    SendMessageA(edit, EM_SETSEL, 0, -1);
+  };
+  if (message == WM_INITDIALOG) {
+    SetWindowLongPtrA(dialog, DWLP_USER, l);
+    SendMessageA(edit, EM_LIMITTEXT, Text().size() - 1, 0);
+    SetWindowTextA(edit, reinterpret_cast<const SaveAsRequest*>(l)->name.c_str());
+    askAgain();
+    return FALSE;
+  }
+  if (message != WM_COMMAND || HIWORD(w) != BN_CLICKED) return FALSE;
+  auto* request = reinterpret_cast<SaveAsRequest*>(GetWindowLongPtrA(dialog, DWLP_USER));
+  if (LOWORD(w) == IDOK) {
+    Text text{};
+    GetWindowTextA(edit, text.data(), static_cast<int>(text.size()));
+    for (char& character : text) character = character == ' ' ? '_' : character;
+    SetWindowTextA(edit, text.data());
+    if (const auto name = request->row->agreeOnName(text.data())) {
+      request->name = *name;
+      EndDialog(dialog, 0);
+    } else {
+      askAgain();
+    }
+    return TRUE;
+  }
+  if (LOWORD(w) == IDCANCEL) {
+    request->name.clear();
+    EndDialog(dialog, 0);
+    return TRUE;
+  }
+  return FALSE;
+}
+
+}  // namespace
+
+int pfPreviewWin32::selectedPreset() const {
+  return static_cast<int>(SendDlgItemMessageA(m_hInterface, ID_PRESETS, CB_GETCURSEL, 0, 0));
+}
+
+std::optional<std::string> pfPreviewWin32::presetName(int index) const {
+  Text text{};
+  const auto place = static_cast<WPARAM>(index);
+  const LRESULT length = SendDlgItemMessageA(m_hInterface, ID_PRESETS, CB_GETLBTEXTLEN, place, 0);
+  if (length < 0 || length >= static_cast<LRESULT>(text.size()) - 1) return std::nullopt;
+  SendDlgItemMessageA(m_hInterface, ID_PRESETS, CB_GETLBTEXT, place,
+                      reinterpret_cast<LPARAM>(text.data()));
+  return text.data();
+}
+
+std::string pfPreviewWin32::shownPreset() const {
+  Text text{};
+  GetDlgItemTextA(m_hInterface, ID_PRESETS, text.data(), static_cast<int>(text.size()));
+  return text.data();
+}
+
+void pfPreviewWin32::clearPresets() {
+  SendDlgItemMessageA(m_hInterface, ID_PRESETS, CB_RESETCONTENT, 0, 0);
+}
+
+void pfPreviewWin32::addPreset(const std::string& name) {
+  SendDlgItemMessageA(m_hInterface, ID_PRESETS, CB_ADDSTRING, 0,
+                      reinterpret_cast<LPARAM>(name.c_str()));
+}
+
+int pfPreviewWin32::findPreset(const std::string& name) const {
+  return static_cast<int>(SendDlgItemMessageA(m_hInterface, ID_PRESETS, CB_FINDSTRINGEXACT,
+                                              static_cast<WPARAM>(-1),
+                                              reinterpret_cast<LPARAM>(name.c_str())));
+}
+
+void pfPreviewWin32::selectPreset(int index) {
+  SendDlgItemMessageA(m_hInterface, ID_PRESETS, CB_SETCURSEL, static_cast<WPARAM>(index), 0);
+}
+
+void pfPreviewWin32::enablePresets(bool choosing, bool saving, bool deleting) {
+  enableControl(ID_PRESETS, choosing);
+  enableControl(ID_SAVE_PRESET, saving);
+  enableControl(ID_DELETE_PRESET, deleting);
+}
+
+const void* pfPreviewWin32::presetWindow() const {
+  return m_hInterface;
+}
+
+// No file must exist: a new name begins a new file.
+std::optional<std::string> pfPreviewWin32::choosePresetFile(const std::string& path) {
+  Text text{};
+  std::strncpy(text.data(), path.c_str(), text.size() - 1);
+  OPENFILENAMEA request{};
+  request.lStructSize = sizeof request;
+  request.hwndOwner = m_hInterface;
+  request.lpstrFilter = "Presets File (*.cfg)\0*.cfg\0";
+  request.nFilterIndex = 1;
+  request.lpstrFile = text.data();
+  request.nMaxFile = static_cast<DWORD>(text.size());
+  request.lpstrTitle = "Open Presets File";
+  request.lpstrDefExt = "cfg";
+  request.Flags = OFN_HIDEREADONLY | OFN_EXPLORER | OFN_LONGNAMES | OFN_ENABLESIZING;
+  if (GetOpenFileNameA(&request) == FALSE) return std::nullopt;
+  return text.data();
+}
+
+std::string pfPreviewWin32::askPresetName(const std::string& proposed) {
+  if (m_hInterface == nullptr) return {};
+  SaveAsRequest request{&presets_, proposed};
+  const INT_PTR result =
+      DialogBoxParamA(moduleInstance(), MAKEINTRESOURCEA(ID_SAVE_AS_DIALOG), m_hInterface,
+                      SaveAsProcedure, reinterpret_cast<LPARAM>(&request));
+  return result == -1 ? std::string() : request.name;
+}
+
+bool pfPreviewWin32::confirm(const char* text, const char* caption) {
+  return MessageBoxA(m_hInterface, text, caption, MB_YESNO | MB_ICONQUESTION) == IDYES;
+}
+
+void pfPreviewWin32::complain(const std::string& text, const char* caption) {
+  MessageBoxA(m_hInterface, text.c_str(), caption, MB_OK | MB_ICONEXCLAMATION);
+}
+
+}  // namespace radiashafts

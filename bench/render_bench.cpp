@@ -1,11 +1,11 @@
 // Times whole renders through the module's entry, at 6000 x 4000 pixels.
 
-#include <cmath>
-#include <cstring>
+#include <cstdlib>
 
 #include <benchmark/benchmark.h>
 #include <sys/resource.h>
 
+#include "bench/generated_picture.h"
 #include "platform/module.h"
 #include "standin/stand_in_host.h"
 
@@ -18,43 +18,10 @@ standin::EntryPoint moduleEntry() {
   return reinterpret_cast<standin::EntryPoint>(module.symbol("ENTRYPOINT"));
 }
 
-// Waves of brightness, so that no two rows are alike and every channel moves.
-double waveAt(int x, int y, int channel) {
-  return 0.5 + 0.25 * std::sin(x * 0.013 + channel) + 0.25 * std::cos(y * 0.017 - channel);
-}
-
-standin::Picture makePicture(int depth, int colorPlanes, bool alpha) {
-  standin::Picture picture;
-  picture.width = 6000;
-  picture.height = 4000;
-  picture.depth = depth;
-  picture.colorPlanes = colorPlanes;
-  picture.hasAlpha = alpha;
-  picture.planes = colorPlanes + (alpha ? 1 : 0);
-  picture.allocate();
-  std::size_t i = 0;
-  for (int y = 0; y < picture.height; ++y) {
-    for (int x = 0; x < picture.width; ++x) {
-      for (int c = 0; c < picture.planes; ++c, ++i) {
-        const double value = waveAt(x, y, c);
-        if (depth == 8) {
-          picture.bytes[i] = static_cast<std::uint8_t>(value * 255.0);
-        } else if (depth == 16) {
-          reinterpret_cast<std::uint16_t*>(picture.bytes.data())[i] =
-              static_cast<std::uint16_t>(value * 32768.0);
-        } else {
-          reinterpret_cast<float*>(picture.bytes.data())[i] = static_cast<float>(value);
-        }
-      }
-    }
-  }
-  return picture;
-}
-
 // Arguments: depth, colour planes, alpha, mode (1 straight, 2 smooth), soften in hundredths.
 void BM_Render(benchmark::State& state) {
   const auto argument = [&state](int i) { return static_cast<int>(state.range(i)); };
-  const standin::Picture input = makePicture(argument(0), argument(1), argument(2) != 0);
+  const standin::Picture input = bench::makePicture(argument(0), argument(1), argument(2) != 0);
   const standin::Script script{
       {hostapi::fourCharacterCode("MODE"), std::int32_t{argument(3)}},
       {hostapi::fourCharacterCode("SELS"), argument(4) / 100.0},

@@ -2,13 +2,13 @@
 #pragma once
 
 #include <algorithm>
-#include <condition_variable>
 #include <cstdint>
 #include <limits>
 #include <memory>
 #include <mutex>
 #include <new>
 
+#include "platform/monitor.h"
 #include "services/halvorsund_host.h"
 
 namespace radiashafts {
@@ -66,31 +66,30 @@ class OrderedChunks {
 
   // Waits until the chunk before has left the block. False when the work was stopped.
   bool mayEnter(HalvorsundHost& host, std::int32_t chunk, std::int32_t block) {
-    std::unique_lock lock(mutex_);
-    const auto stopped = [&] { return status_ != host.NoErrorCode(); };
-    changed_.wait(lock,
-                  [&] { return chunk == 0 || finishedBlocks_[chunk - 1] > block || stopped(); });
-    return !stopped();
+    const std::lock_guard lock(monitor_);
+    while (status_ == host.NoErrorCode() && chunk > 0 && finishedBlocks_[chunk - 1] <= block) {
+      monitor_.waitForChange();
+    }
+    return status_ == host.NoErrorCode();
   }
 
   void publish(std::int32_t chunk, std::int32_t finishedBlocks) {
-    const std::lock_guard lock(mutex_);
+    const std::lock_guard lock(monitor_);
     finishedBlocks_[chunk] = finishedBlocks;
-    changed_.notify_all();
+    monitor_.announceChange();
   }
 
   // Lets everybody who waits go: a thread that met a status takes no more chunks, so there are
   // chunks that will never be done.
   void stop(std::int32_t status) {
-    const std::lock_guard lock(mutex_);
+    const std::lock_guard lock(monitor_);
     status_ = status;
-    changed_.notify_all();
+    monitor_.announceChange();
   }
 
   std::int32_t chunks_;
   std::int32_t blocks_;
-  std::mutex mutex_;
-  std::condition_variable changed_;
+  platform::Monitor monitor_;
   std::unique_ptr<std::int32_t[]> finishedBlocks_;  // of each chunk
   std::int32_t status_ = 0;
 };

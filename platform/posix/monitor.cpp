@@ -1,0 +1,34 @@
+#include "platform/monitor.h"
+
+#include <condition_variable>
+#include <mutex>
+
+namespace radiashafts::platform {
+
+struct Monitor::State {
+  std::mutex mutex;
+  std::condition_variable changed;
+};
+
+Monitor::Monitor() : state_(std::make_unique<State>()) {}
+Monitor::~Monitor() = default;
+
+void Monitor::lock() {
+  state_->mutex.lock();
+}
+
+void Monitor::unlock() {
+  state_->mutex.unlock();
+}
+
+void Monitor::waitForChange() {
+  std::unique_lock lock(state_->mutex, std::adopt_lock);
+  state_->changed.wait(lock);
+  lock.release();
+}
+
+void Monitor::announceChange() {
+  state_->changed.notify_all();
+}
+
+}  // namespace radiashafts::platform

@@ -25,6 +25,12 @@ void pfParameterUIControls::UpdateState() {
   }
 }
 
+void pfParameterUIControls::ShowText(int id, const std::string& text) {
+  showing = true;
+  panel->setText(id, text);
+  showing = false;
+}
+
 void pfParameterUIFloat::Init() {
   const double range = std::abs(bound().maximum - bound().minimum);
   panel->setSliderRange(secondId(), sliderPosition(bound().minimum),
@@ -43,12 +49,12 @@ void pfParameterUIFloat::Update() {
     panel->setSliderPosition(secondId(), sliderPosition(value - 1.0), false);
     panel->setSliderPosition(secondId(), sliderPosition(value), true);
   }
-  if (!panel->hasFocus(firstId())) panel->setText(firstId(), numberText(value));
+  if (!panel->hasFocus(firstId())) ShowText(firstId(), numberText(value));
   UpdateState();
 }
 
 bool pfParameterUIFloat::OnChange() {
-  if (panel == nullptr) return false;
+  if (panel == nullptr || showing) return false;
   if (panel->hasFocus(firstId())) return TakeEdit();
   if (panel->hasFocus(secondId())) return TakeSlider();
   return false;
@@ -83,7 +89,7 @@ void pfParameterUIPosition::Update() {
   const auto updateEdit = [this](int id, int side, double value) {
     const std::optional<double> pixels = parseNumber(panel->text(id));
     if (pixels && *pixels / side == value) return;
-    panel->setText(id, std::to_string(wholePixels(side * value)));
+    ShowText(id, std::to_string(wholePixels(side * value)));
   };
   updateEdit(firstId(), image.width, bound().x());
   updateEdit(secondId(), image.height, bound().y());
@@ -91,7 +97,7 @@ void pfParameterUIPosition::Update() {
 }
 
 bool pfParameterUIPosition::OnChange() {
-  if (panel == nullptr) return false;
+  if (panel == nullptr || showing) return false;
   const Extent image = panel->imageSize();
   const auto taken = [this](int id, int side, double value) {
     const std::optional<double> pixels =

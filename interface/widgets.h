@@ -35,8 +35,12 @@ class pfParameterUIControls : public pfParameterUI {
   virtual void Init() { Update(); }
   int secondId() const { return ids_[1]; }
   void UpdateState();  // enabled and visible, of all its controls
+  // The dialog reports a text that is set like one that is typed, and in the middle of an Update,
+  // whatever has the focus. showing tells such a report.
+  void ShowText(int id, const std::string& text);
 
   ControlPanel* panel = nullptr;
+  bool showing = false;
 
  private:
   std::array<int, 2> ids_;

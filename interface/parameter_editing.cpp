@@ -49,7 +49,7 @@ bool ParameterEditing::OnControlChange(int id, bool withUndo) {
 }
 
 void ParameterEditing::OnScroll(int id, bool atRest) {
-  const bool first = !atRest && !scrolling_;
+  const bool first = !scrolling_;
   scrolling_ = !atRest;
   if (!OnControlChange(id, first)) scrolling_ = scrolling_ && !first;
 }

@@ -17,6 +17,7 @@ void PreviewView::open(EditedFilter* filter, hostapi::FilterRecord* record) {
   nAppliedFactor = -1;
   nDraftLevel = 0;
   geometry_ = {};
+  settled_.reset();
 }
 
 void PreviewView::close() {
@@ -28,6 +29,7 @@ void PreviewView::close() {
 
 void PreviewView::RequestRender() {
   bRenderPending = true;
+  zoomAloneWantsRender_ = false;
   UpdateUndoButtons();
 }
 
@@ -49,6 +51,7 @@ const PreviewGeometry& PreviewView::geometry() {
 
 void PreviewView::panTo(Point pan) {
   geometry_.pan = pan;
+  settled_.reset();
   windows_.invalidateFrame();
 }
 
@@ -59,13 +62,14 @@ void PreviewView::limitPan() {
 
 void PreviewView::FitScaleToFrame() {
   nRequestedFactor = fittingFactor(imageSize(), windows_.frameSize());
-  if (nRequestedFactor != nFactor) bRenderPending = true;
   AssignScaleFactor(nRequestedFactor);
 }
 
 void PreviewView::ZoomBy(std::int32_t steps) {
   nRequestedFactor = nFactor + steps;
-  if (nRequestedFactor != nFactor) bRenderPending = true;
+  if (nRequestedFactor == nFactor) return;
+  zoomAloneWantsRender_ = !bRenderPending || zoomAloneWantsRender_;
+  bRenderPending = true;
 }
 
 void PreviewView::AssignScaleFactor(std::int32_t factor) {
@@ -76,28 +80,29 @@ void PreviewView::AssignScaleFactor(std::int32_t factor) {
   windows_.setPercentage(scale.percentage());
 
   geometry_.frame = windows_.frameSize();
-  const Point centre = geometry_.centre(geometry_.viewScale);
+  const bool sameView = settled_ && settled_->factor == nFactor;
+  const PreviewGeometry before = sameView ? settled_->geometry : geometry_;
+  const Point centre = before.centre(before.viewScale);
   geometry_.viewScale = scale.viewScale();
-  if (scale.renderFactor() == nAppliedFactor) {
-    bRenderPending = false;  // a render that was wanted for the step alone
-    showFrom(centre);
-  } else {
-    const Extent before = geometry_.image;
-    if (!fetch(scale.renderFactor())) return;
-    const auto scaled = [](int position, int now, int then) {
-      return then > 0 ? wholePixels(static_cast<double>(position) * now / then) : now / 2;
-    };
-    showFrom({scaled(centre.x, geometry_.image.width, before.width),
-              scaled(centre.y, geometry_.image.height, before.height)});
-    renewBitmap();
+  const bool sameImage = scale.renderFactor() == nAppliedFactor;
+  if (!sameImage && !fetch(scale.renderFactor())) return;
+  const auto scaled = [](int position, int now, int then) {
+    return then > 0 ? wholePixels(static_cast<double>(position) * now / then) : now / 2;
+  };
+  geometry_.panTo({scaled(centre.x, geometry_.image.width, before.image.width),
+                   scaled(centre.y, geometry_.image.height, before.image.height)});
+  if (nDraftLevel == 0) {
+    if (sameView) geometry_.pan = before.pan;
+    settled_ = {nFactor, geometry_};
   }
-  trace("pfPreviewWin32::AssignScaleFactor( return(", 0, ") )");
-}
-
-void PreviewView::showFrom(Point centre) {
-  geometry_.panTo(centre);
   windows_.invalidateFrame();
   windows_.paintNow();
+  if (!sameImage) {
+    renewBitmap();
+  } else if (zoomAloneWantsRender_) {
+    bRenderPending = false;
+  }
+  trace("pfPreviewWin32::AssignScaleFactor( return(", 0, ") )");
 }
 
 // Where the host fails the record tells of an image that is not there, and nothing is rendered
@@ -144,11 +149,15 @@ bool PreviewView::needsRender() const {
 }
 
 void PreviewView::RenderUntilFinal() {
-  if (nRequestedFactor != nFactor) AssignScaleFactor(nRequestedFactor);
-  while (nDraftLevel > 0 || bRenderPending) {
+  while (nDraftLevel > 0 || needsRender()) {
+    if (nRequestedFactor != nFactor) {
+      AssignScaleFactor(nRequestedFactor);
+      continue;
+    }
     // 0 would stand for a final render.
     nRenderStartTick = std::max<std::uint32_t>(platform::tickCount(), 1);
     bRenderPending = false;
+    zoomAloneWantsRender_ = false;
     filter_->previewLevel = nDraftLevel;
     if (nAppliedFactor < 0) break;
     const std::int16_t status = render();

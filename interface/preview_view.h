@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 
 #include "hostapi/filter_record.h"
 #include "interface/edited_filter.h"
@@ -55,7 +56,6 @@ class PreviewView {
   bool hostDraws() const { return record_->displayPixels != nullptr; }
 
  private:
-  void showFrom(Point centre);
   bool fetch(std::int32_t renderFactor);
   void renewBitmap();
   void releaseBitmap();
@@ -68,8 +68,16 @@ class PreviewView {
   std::int32_t nFactor = 1;
   std::int32_t nRequestedFactor = 1;
   std::int32_t nDraftLevel = 0;
-  std::int32_t nAppliedFactor = -1;  // of the image that the host has filled in, -1 for none
+  std::int32_t nAppliedFactor = -1;    // of the image that the host has filled in, -1 for none
+  bool zoomAloneWantsRender_ = false;  // nothing else has asked since
   PreviewGeometry geometry_;
+  // The view as it was chosen. Drafts come from it and lead back to it, so that rounding does not
+  // add up; none when it was panned since.
+  struct SettledView {
+    std::int32_t factor;
+    PreviewGeometry geometry;
+  };
+  std::optional<SettledView> settled_;
   std::uint8_t* bitmap_ = nullptr;  // memory of the host
   std::int32_t nBitmapWidth = 0;
   std::int32_t nBitmapHeight = 0;

@@ -64,7 +64,7 @@ INT_PTR pfPreviewWin32::onPreviewMessage(UINT message, WPARAM w, LPARAM l) {
       pointer_.OnMove(point);
       return TRUE;
     case WM_CAPTURECHANGED:
-      if (reinterpret_cast<HWND>(l) != m_hPreview) pointer_.letGo();
+      if (!releasing_ && reinterpret_cast<HWND>(l) != m_hPreview) pointer_.letGo();
       return TRUE;
     case WM_KEYDOWN:
       onKey(w);
@@ -78,6 +78,7 @@ void pfPreviewWin32::onPreviewOpens() {
   ReadDebugSwitches();
   const PreviewWindow window = ReadPreviewWindow(screenMetrics());
   SetWindowPos(m_hPreview, nullptr, window.x, window.y, window.width, window.height, SWP_NOZORDER);
+  onSize();  // also where that was its size before
   if (window.startsMaximized()) ShowWindow(m_hPreview, SW_MAXIMIZE);
 }
 

@@ -101,7 +101,7 @@ void pfPreviewWin32::prepare() {
   trace("assigned scale factor");
   view_.filter().PrepareInterface(&view_.record());
   trace("pre show done. Going into message loop");
-  bRenderPending = true;
+  view_.RequestRender();
 }
 
 // Ends with the quit message, whose parameter is the result. A render that was wanted before it is
@@ -212,7 +212,10 @@ void pfPreviewWin32::captureMouse() {
 }
 
 void pfPreviewWin32::releaseMouse() {
-  if (m_hPreview != nullptr && GetCapture() == m_hPreview) ReleaseCapture();
+  if (m_hPreview == nullptr || GetCapture() != m_hPreview) return;
+  releasing_ = true;
+  ReleaseCapture();
+  releasing_ = false;
 }
 
 void pfPreviewWin32::usePipetteCursor(bool pipette) {

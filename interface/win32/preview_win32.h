@@ -86,6 +86,7 @@ class pfPreviewWin32 final : public pfPreview, private PreviewWindows, private P
   HWND m_hInterface = nullptr;
   HWND m_hPreview = nullptr;
   bool closing_ = false;
+  bool releasing_ = false;  // the mouse, by our own will
   bool bShowHandle = true;
   HCURSOR pickerCursor_ = nullptr;
   bool pipetteShown_ = false;

@@ -52,6 +52,7 @@ const PreviewGeometry& PreviewView::geometry() {
 void PreviewView::panTo(Point pan) {
   geometry_.pan = pan;
   settled_.reset();
+  if (nDraftLevel == 0) settled_ = {nFactor, geometry_};
   windows_.invalidateFrame();
 }
 

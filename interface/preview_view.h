@@ -72,7 +72,7 @@ class PreviewView {
   bool zoomAloneWantsRender_ = false;  // nothing else has asked since
   PreviewGeometry geometry_;
   // The view as it was chosen. Drafts come from it and lead back to it, so that rounding does not
-  // add up; none when it was panned since.
+  // add up; none when a draft was panned since.
   struct SettledView {
     std::int32_t factor;
     PreviewGeometry geometry;

@@ -237,7 +237,7 @@ TEST_F(Controls, KeysMoveSlidersAndThePipetteTakesColors) {
     })) << facts->name
         << ' ' << dialogs.text(facts->controls[0]) << ' ' << moved[facts->name];
   }
-  pressKey(VK_RETURN);
+  EXPECT_TRUE(pressKeyUntil(VK_RETURN, [&] { return dialogs.isClosed(); }));
   EXPECT_EQ(host.exitCode(), 0) << host.messages();
   const Options options = host.options();
   for (const ParameterFacts* facts : ofKind(ParameterKind::number)) {

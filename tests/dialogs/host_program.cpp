@@ -61,7 +61,7 @@ bool HostProgram::hasEnded() const {
 }
 
 int HostProgram::exitCode() {
-  if (WaitForSingleObject(process_.hProcess, 120000) != WAIT_OBJECT_0) return -1;
+  if (WaitForSingleObject(process_.hProcess, 60000) != WAIT_OBJECT_0) return -1;
   DWORD code = 0;
   GetExitCodeProcess(process_.hProcess, &code);
   return static_cast<int>(code);

@@ -89,6 +89,12 @@ void pressKey(WORD key, bool withShift) {
   if (withShift) sendKey(VK_SHIFT, 0, KEYEVENTF_KEYUP);
 }
 
+void closeActiveWindow() {
+  sendKey(VK_MENU, 0, 0);
+  pressKey(VK_F4);
+  sendKey(VK_MENU, 0, KEYEVENTF_KEYUP);
+}
+
 void typeText(const std::string& text) {
   for (const char character : text) {
     const auto code = static_cast<WORD>(static_cast<unsigned char>(character));

@@ -28,6 +28,15 @@ void click(POINT at, Button button = Button::left);
 void drag(POINT from, POINT to, Button button = Button::left);
 
 void pressKey(WORD key, bool withShift = false);
+void closeActiveWindow();  // by its frame's menu
+// For keys that a running preview lets pass: as a user does, again until it works.
+template <class Condition>
+bool pressKeyUntil(WORD key, const Condition& condition) {
+  return eventually([&] {
+    pressKey(key);
+    return eventually(condition, 500);
+  });
+}
 void typeText(const std::string& text);  // digits, signs and points
 
 }  // namespace radiashafts::test

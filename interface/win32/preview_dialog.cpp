@@ -66,6 +66,12 @@ INT_PTR pfPreviewWin32::onPreviewMessage(UINT message, WPARAM w, LPARAM l) {
     case WM_CAPTURECHANGED:
       if (!releasing_ && reinterpret_cast<HWND>(l) != m_hPreview) pointer_.letGo();
       return TRUE;
+    // The keyboard stays with the dialog itself: its one child, hidden, would take it and keep it.
+    case WM_ACTIVATE:
+      if (LOWORD(w) != WA_INACTIVE) SetFocus(m_hPreview);
+      return TRUE;
+    case WM_SETFOCUS:
+      return TRUE;
     case WM_KEYDOWN:
       onKey(w);
       return TRUE;

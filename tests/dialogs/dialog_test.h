@@ -1,0 +1,38 @@
+// What every test of the dialogs begins with.
+#pragma once
+
+#include <windows.h>
+
+#include <filesystem>
+
+#include <gtest/gtest.h>
+
+#include "tests/dialogs/dialog_driver.h"
+#include "tests/dialogs/host_program.h"
+
+namespace radiashafts::test {
+
+class DialogTest : public testing::Test {
+ protected:
+  void SetUp() override {
+    RegDeleteTreeA(HKEY_CURRENT_USER, "SOFTWARE\\Halvorsund");
+    std::filesystem::remove_all(workFolder());
+  }
+  void TearDown() override { std::filesystem::remove_all(workFolder()); }
+
+  static std::string path(const char* name) { return (workFolder() / name).string(); }
+};
+
+// A picture that says at each pixel where it lies: red is x, green is y, both by their low byte.
+standin::Picture placesPicture(int width, int height, int depth = 8, bool hasAlpha = false);
+// Light between dark trunks, with a soft sky.
+standin::Picture forestPicture(int width, int height);
+
+// Writes the picture into the work folder and gives its path.
+std::string writePicture(const char* name, const standin::Picture& picture);
+standin::Picture readPicture(const std::string& path);
+
+// Values of a filter that leaves a picture as it is.
+standin::Script withoutRays();
+
+}  // namespace radiashafts::test

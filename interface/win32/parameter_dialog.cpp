@@ -112,12 +112,12 @@ void pfPreviewWin32::onCommand(int id, int notification) {
     case IDOK:
       if (!clicked) return;
       trace("UIProcedure - WM_COMMAND OK pressed.");
-      PostQuitMessage(1);
+      quit(true);
       return;
     case IDCANCEL:
       if (!clicked) return;
       trace("UIProcedure - WM_COMMAND CANCEL pressed.");
-      PostQuitMessage(0);
+      quit(false);
       return;
     case ID_PRESETS:
       if (notification != CBN_SELCHANGE) return;

@@ -31,7 +31,7 @@ INT_PTR pfPreviewWin32::onPreviewMessage(UINT message, WPARAM w, LPARAM l) {
       onPreviewCloses();
       return TRUE;
     case WM_CLOSE:  // as Cancel
-      PostQuitMessage(0);
+      quit(false);
       return TRUE;
     case WM_SIZE:
       if (w != SIZE_MINIMIZED) onSize();
@@ -99,8 +99,9 @@ void pfPreviewWin32::onPreviewCloses() {
   onDestroyed();
 }
 
+// The frame fills the client area.
 void pfPreviewWin32::onSize() {
-  constexpr int smallest = 100;
+  constexpr int smallest = 100;  // of the window's sides
   RECT window{};
   GetWindowRect(m_hPreview, &window);
   const int width = std::max<int>(window.right - window.left, smallest);
@@ -108,9 +109,9 @@ void pfPreviewWin32::onSize() {
   if (width != window.right - window.left || height != window.bottom - window.top) {
     MoveWindow(m_hPreview, window.left, window.top, width, height, TRUE);
   }
-  MoveWindow(GetDlgItem(m_hPreview, ID_PREVIEW_FRAME), 0, 0,
-             width - 2 * GetSystemMetrics(SM_CXSIZEFRAME),
-             height - 2 * GetSystemMetrics(SM_CYSIZEFRAME) - GetSystemMetrics(SM_CYCAPTION), FALSE);
+  RECT client{};
+  GetClientRect(m_hPreview, &client);
+  MoveWindow(GetDlgItem(m_hPreview, ID_PREVIEW_FRAME), 0, 0, client.right, client.bottom, FALSE);
   invalidateFrame();
 }
 

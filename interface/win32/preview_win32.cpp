@@ -46,7 +46,7 @@ bool pfPreviewWin32::Show(EditedFilter* filter, hostapi::FilterRecord* record,
         static_cast<void*>(record), ") )");
   const LogIndent indent;
   const VisualStyle style;
-  closing_ = false;
+  closing_ = quitting_ = false;
   view_.open(filter, record);
   presets_.open(filter);
   bool confirmed = false;
@@ -94,8 +94,7 @@ void pfPreviewWin32::prepare() {
   trace("Updated Undo Buttons");
   ShowWindow(m_hInterface, SW_SHOW);
   ShowWindow(m_hPreview, SW_SHOW);
-  BringWindowToTop(m_hInterface);
-  SetActiveWindow(m_hInterface);  // the keyboard begins at OK
+  SetForegroundWindow(m_hInterface);  // the keyboard begins at OK
   trace("windows up");
   view_.AssignScaleFactor(view_.requestedFactor());
   trace("assigned scale factor");
@@ -105,28 +104,24 @@ void pfPreviewWin32::prepare() {
 }
 
 // Ends with the quit message, whose parameter is the result. A render that was wanted before it is
-// done first.
+// done first. A quit message that is the host's own is Cancel, and given back to the host.
 bool pfPreviewWin32::runMessageLoop() {
   MSG message;
-  for (bool open = true; open;) {
-    BOOL got = GetMessageA(&message, nullptr, 0, 0);
-    if (got <= 0) return got == 0 && message.wParam != 0;
-    for (;;) {
+  BOOL got = TRUE;
+  while (got > 0 && (got = GetMessageA(&message, nullptr, 0, 0)) > 0) {
+    for (MSG next; got > 0;) {
       if (IsDialogMessageA(m_hInterface, &message) == FALSE) {
         TranslateMessage(&message);
         DispatchMessageA(&message);
       }
-      MSG next;
       if (PeekMessageA(&next, nullptr, 0, 0, PM_NOREMOVE) == FALSE) break;
       got = GetMessageA(&message, nullptr, 0, 0);
-      if (got <= 0) {
-        open = false;
-        break;
-      }
     }
     if (view_.needsRender()) view_.RenderUntilFinal();
   }
-  return message.message == WM_QUIT && message.wParam != 0;
+  if (got < 0) return false;
+  if (!quitting_) PostQuitMessage(static_cast<int>(message.wParam));
+  return quitting_ && message.wParam != 0;
 }
 
 void pfPreviewWin32::closeDialogs() {
@@ -142,7 +137,12 @@ void pfPreviewWin32::closeDialogs() {
 }
 
 void pfPreviewWin32::onDestroyed() {
-  if (!closing_) PostQuitMessage(0);
+  if (!closing_) quit(false);
+}
+
+void pfPreviewWin32::quit(bool confirmed) {
+  if (!quitting_) PostQuitMessage(confirmed ? 1 : 0);
+  quitting_ = true;
 }
 
 bool pfPreviewWin32::AlternativeColorSelection(hostapi::FilterRecord* record, double* red,

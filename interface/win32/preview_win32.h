@@ -80,11 +80,15 @@ class pfPreviewWin32 final : public pfPreview, private PreviewWindows, private P
   void enableControl(int id, bool enabled);
   // Shows the pipette in place of the window's own cursor; false when it is not in use.
   bool setCursor();
+  // Ends the message loop; only the first call counts, so that no quit message is left for the
+  // host.
+  void quit(bool confirmed);
   // A dialog that goes while the interface is open takes it along, as Cancel.
   void onDestroyed();
 
   HWND m_hInterface = nullptr;
   HWND m_hPreview = nullptr;
+  bool quitting_ = false;
   bool closing_ = false;
   bool releasing_ = false;  // the mouse, by our own will
   bool bShowHandle = true;

@@ -95,6 +95,8 @@ void PreviewView::AssignScaleFactor(std::int32_t factor) {
   if (nDraftLevel == 0) {
     if (sameView) geometry_.pan = before.pan;
     settled_ = {nFactor, geometry_};
+  } else if (!sameView) {
+    settled_.reset();  // a view chosen over a draft: an older one of this factor is another place
   }
   windows_.invalidateFrame();
   windows_.paintNow();

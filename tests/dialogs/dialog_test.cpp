@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "standin/picture_file.h"
+#include "tests/support/test_pictures.h"
 
 namespace radiashafts::test {
 namespace {
@@ -81,7 +82,9 @@ standin::Picture readPicture(const std::string& path) {
 }
 
 standin::Script withoutRays() {
-  return {{hostapi::fourCharacterCode("INTE"), 0.0}};
+  judge::Values values;
+  values.intensity = 0.0;
+  return scriptOf(values);
 }
 
 }  // namespace radiashafts::test

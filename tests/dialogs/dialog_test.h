@@ -32,7 +32,7 @@ standin::Picture forestPicture(int width, int height);
 std::string writePicture(const char* name, const standin::Picture& picture);
 standin::Picture readPicture(const std::string& path);
 
-// Values of a filter that leaves a picture as it is.
+// Default values, with rays too weak to be seen.
 standin::Script withoutRays();
 
 }  // namespace radiashafts::test

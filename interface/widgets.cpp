@@ -76,9 +76,10 @@ bool pfParameterUIFloat::TakeSlider() {
   return renderNeeded;
 }
 
+// A text that nobody touched says the value to six digits only, and is not taken for it.
 void pfParameterUIFloat::OnKillFocus(int id) {
   if (panel == nullptr || id != firstId()) return;
-  TakeEdit();
+  if (panel->text(firstId()) != numberText(bound().value())) TakeEdit();
   Update();
 }
 

@@ -200,7 +200,7 @@ void pfParameters::SaveEntry(const std::string& name, const std::string& path,
 
 void pfParameters::LoadEntry(PresetTokens& tokens, UndoHistory* history) {
   while (const auto key = tokens.next()) {
-    if (equalsIgnoringCase(key->text, presetNameKeyword)) break;
+    if (endsPreset(key->text)) break;
     const auto value = tokens.next();
     if (!value) break;
     for (pfParameter* parameter : parameters_) {

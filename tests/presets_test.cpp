@@ -217,7 +217,7 @@ TEST(Presets, NumbersAreThoseOfTheProgramInEveryLocale) {
       std::locale::global(std::locale(std::locale::classic(), new CommaPunctuation));
   EXPECT_EQ(presetNumber(-1234567.25), "-1234567.250000");
   EXPECT_EQ(presetNumber(1e-7), "0.000000");
-  EXPECT_EQ(presetNumber(DBL_MAX).size(), 309U + 7U);
+  EXPECT_EQ(numberAt(presetNumber(DBL_MAX)), 1e240);
   EXPECT_EQ(presetNumber(HUGE_VAL) + presetNumber(std::nan("")), "0.0000000.000000");
   const std::pair<const char*, double> numbers[] = {
       {"1.5", 1.5},    {"+.5e1x", 5.0},      {"-0x1p-1", -0.5},  {"1,5", 1.0},

@@ -14,12 +14,13 @@ namespace radiashafts::test {
 
 class DialogTest : public testing::Test {
  protected:
-  void SetUp() override {
-    RegDeleteTreeA(HKEY_CURRENT_USER, "SOFTWARE\\Halvorsund");
-    std::filesystem::remove_all(workFolder());
+  void SetUp() override { forgetSettings(); }
+  void TearDown() override {
+    std::error_code heldOpen;  // by a program that is just ending
+    std::filesystem::remove_all(workFolder(), heldOpen);
   }
-  void TearDown() override { std::filesystem::remove_all(workFolder()); }
 
+  static void forgetSettings() { RegDeleteTreeA(HKEY_CURRENT_USER, "SOFTWARE\\Halvorsund"); }
   static std::string path(const char* name) { return (workFolder() / name).string(); }
 };
 

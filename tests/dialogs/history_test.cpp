@@ -26,7 +26,9 @@ std::string difference(const State& a, const State& b) {
 TEST_F(History, WalksAMixedSessionBackAndForth) {
   const standin::Picture picture = placesPicture(96, 64);
   const std::string input = writePicture("in.png", picture);
-  HostProgram host({"--dialog", "--picked-color", "200,30,90", input, path("out.png")});
+  // A value of more digits than its edit shows.
+  HostProgram host({"--dialog", "--picked-color", "200,30,90", "--selection-high", "252.00499",
+                    input, path("out.png")});
   DialogDriver dialogs(host.id());
   ASSERT_TRUE(dialogs.isOpen()) << host.messages();
 
@@ -51,16 +53,16 @@ TEST_F(History, WalksAMixedSessionBackAndForth) {
   };
   constexpr int randomize = 1040;
   const std::vector<std::function<void()>> steps{
-      type(1013, "3"),     dragTo(1025, 40),    choose(1035, 1),    dragLight(210, 190),
-      key(1064, VK_RIGHT), press(1076),         press(1036),        type(1067, "9"),
-      choose(1009, 7),     dragTo(1038, 120),   press(randomize),   type(1031, "7"),
-      key(1020, VK_PRIOR), dragLight(180, 260), choose(1029, 1),    press(1037),
-      type(1066, "2"),     press(ID_RESET),     dragTo(1012, 30),   key(1016, VK_LEFT),
-      type(1019, "1"),     press(randomize),    choose(1009, 20),   dragLight(230, 150),
-      type(1028, "0"),     press(1076),         press(1076),        dragTo(1033, -60),
-      key(1065, VK_NEXT),  type(1023, "2"),     dragTo(1024, -20),  choose(1035, 1),
-      press(randomize),    type(1032, "5"),     dragLight(90, 220), key(1027, VK_NEXT),
-      press(1036),         choose(1029, 2),     type(1030, "4"),    press(ID_RESET)};
+      type(1013, "3"),     dragTo(1025, 40),    choose(1035, 1),     dragLight(210, 190),
+      key(1064, VK_RIGHT), press(1076),         press(1036),         type(1067, "9"),
+      choose(1009, 7),     dragTo(1038, 120),   key(1020, VK_PRIOR), type(1031, "7"),
+      press(randomize),    dragLight(180, 260), choose(1029, 1),     press(1037),
+      type(1066, "2"),     press(ID_RESET),     dragTo(1012, 30),    key(1016, VK_LEFT),
+      type(1019, "1"),     press(randomize),    choose(1009, 20),    dragLight(230, 150),
+      type(1028, "0"),     press(1076),         press(1076),         dragTo(1033, -60),
+      key(1065, VK_NEXT),  type(1023, "2"),     dragTo(1024, -20),   choose(1035, 1),
+      press(randomize),    type(1032, "5"),     dragLight(90, 220),  key(1027, VK_NEXT),
+      press(1036),         choose(1029, 2),     type(1030, "4"),     press(ID_RESET)};
   ASSERT_EQ(steps.size(), 40U);
 
   // What the controls show once the keyboard has gone to OK, and once they have settled.

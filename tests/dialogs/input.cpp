@@ -56,6 +56,10 @@ void moveMouse(POINT to) {
   });
 }
 
+void nudgeMouse(int dx) {
+  sendMouse(MOUSEEVENTF_MOVE, dx, 0);
+}
+
 void press(Button button) {
   sendMouse(button == Button::left ? MOUSEEVENTF_LEFTDOWN : MOUSEEVENTF_RIGHTDOWN);
 }

@@ -22,6 +22,7 @@ enum class Button { left, right };
 
 // Points are the screen's.
 void moveMouse(POINT to);
+void nudgeMouse(int dx);  // without waiting
 void press(Button button);
 void release(Button button);
 void click(POINT at, Button button = Button::left);

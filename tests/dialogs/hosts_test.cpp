@@ -1,0 +1,244 @@
+// Hosts and pictures of every kind under the dialogs, and what many openings leave behind.
+
+#include <windows.h>
+
+#include <algorithm>
+#include <atomic>
+
+#include <intrin.h>
+
+#include "interface/dialog_ids.h"
+#include "tests/dialogs/dialog_test.h"
+#include "tests/dialogs/screen.h"
+#include "tests/support/test_pictures.h"
+
+namespace radiashafts::test {
+namespace {
+
+constexpr int intensityEdit = 1013;
+
+class Hosts : public DialogTest {
+ protected:
+  // Opens the dialogs, moves the light, and confirms. Gives the option for the light back.
+  static std::string moveLight(const std::vector<std::string>& arguments, HWND owner) {
+    forgetSettings();
+    HostProgram host(arguments);
+    const DialogDriver dialogs(host.id());
+    EXPECT_TRUE(dialogs.isOpen()) << host.messages();
+    if (!dialogs.isOpen()) return "";
+    EXPECT_EQ(GetWindow(dialogs.preview(), GW_OWNER), owner);
+    const RECT frame = dialogs.frame();
+    const std::string before = dialogs.text(1031);
+    drag({frame.left + 30, frame.top + 40}, {frame.left + 60, frame.top + 70});
+    EXPECT_TRUE(eventually([&] { return dialogs.text(1031) != before; }));
+    click(dialogs.middleOf(IDOK));
+    EXPECT_EQ(host.exitCode(), 0) << host.messages();
+    return host.options()["--origin"];
+  }
+};
+
+TEST_F(Hosts, WithoutAWindowAndWithOneOfAnotherProcess) {
+  const std::string input = writePicture("in.png", placesPicture(96, 64));
+  EXPECT_NE(moveLight({"--dialog", "--no-owner-window", input, path("out.png")}, nullptr), "");
+
+  // The host's window here, with somebody who answers it.
+  std::atomic<HWND> window{nullptr};
+  std::atomic<DWORD> thread{0};
+  std::thread owner([&] {
+    thread = GetCurrentThreadId();
+    window = CreateWindowA("STATIC", "another host", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 0, 0, 1200,
+                           700, nullptr, nullptr, nullptr, nullptr);
+    MSG message;
+    while (GetMessageA(&message, nullptr, 0, 0) > 0) DispatchMessageA(&message);
+    DestroyWindow(window);
+  });
+  eventually([&] { return window != nullptr; });
+  const auto handle = std::to_string(reinterpret_cast<std::uintptr_t>(window.load()));
+  EXPECT_NE(
+      moveLight({"--dialog", "--owner-window", handle, input, path("out.png")}, window.load()), "");
+  EXPECT_NE(IsWindow(window), FALSE);
+  PostThreadMessageA(thread, WM_QUIT, 0, 0);
+  owner.join();
+}
+
+TEST_F(Hosts, PicturesOfExtremeShapesAndOfChannels) {
+  const struct {
+    int width, height;
+    bool multichannel;
+  } kinds[] = {{1, 1, false}, {30000, 20, false}, {96, 64, true}};
+  for (const auto& kind : kinds) {
+    const std::string input = writePicture("in.bmp", placesPicture(kind.width, kind.height));
+    std::vector<std::string> arguments{"--dialog", input, path("out.bmp")};
+    if (kind.multichannel) arguments.insert(arguments.begin(), "--multichannel");
+    HostProgram host(arguments);
+    const DialogDriver dialogs(host.id());
+    ASSERT_TRUE(dialogs.isOpen()) << host.messages();
+    const RECT frame = dialogs.frame();
+    const POINT middle{(frame.left + frame.right) / 2, (frame.top + frame.bottom) / 2};
+    drag({middle.x - 30, middle.y - 30}, middle, Button::right);
+    click(middle);
+    for (const int id : {ID_ZOOM_IN, ID_ZOOM_IN, ID_ZOOM_OUT, ID_ZOOM_OUT, ID_ZOOM_OUT}) {
+      const std::string before = dialogs.text(ID_PERCENTAGE);
+      dialogs.clickOn(id);
+      EXPECT_TRUE(eventually([&] { return dialogs.text(ID_PERCENTAGE) != before; }));
+    }
+    dialogs.replaceText(intensityEdit, "3");
+    dialogs.clickOn(IDOK);
+    EXPECT_EQ(host.exitCode(), 0) << host.messages();
+    const standin::Picture written = readPicture(path("out.bmp"));
+    EXPECT_EQ(written.width, kind.width);
+    EXPECT_EQ(written.height, kind.height);
+    EXPECT_NEAR(std::atof(host.options()["--intensity"].c_str()), 3.0, 1e-9);
+  }
+}
+
+// A host that calls the filter again while it works: from the interface and from the final render.
+TEST_F(Hosts, ARunInsideARunIsRefused) {
+  const standin::Picture picture = placesPicture(96, 64);
+  standin::HostTraits traits;
+  traits.playInfo = hostapi::playDisplay;
+  standin::StandInHost host(picture, nullptr, traits);
+  std::vector<std::int16_t> answers;
+  const auto callAgain = [&answers] {
+    hostapi::FilterRecord record{};
+    std::intptr_t data = 0;
+    std::int16_t result = 0;
+    moduleEntry()(hostapi::selectorStart, &record, &data, &result);
+    answers.push_back(result);
+  };
+  host.chooseColor = [&](std::array<std::int16_t, 3>&) {
+    callAgain();
+    return false;
+  };
+  host.onProgress = [&](std::int32_t, std::int32_t) {
+    if (answers.size() < 2) callAgain();
+  };
+  standin::Picture output;
+  standin::RunResult result;
+  std::thread runner([&] { result = host.run(moduleEntry(), withoutRays(), output); });
+  {
+    const DialogDriver dialogs(GetCurrentProcessId());
+    dialogs.clickOn(1036);
+    EXPECT_TRUE(eventually([&] { return !answers.empty(); }));
+    dialogs.replaceText(intensityEdit, "2");
+    EXPECT_TRUE(eventually([&] { return dialogs.number(intensityEdit) == 2.0; }));
+    dialogs.clickOn(IDOK);
+  }
+  runner.join();
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(answers, (std::vector<std::int16_t>(2, hostapi::userCanceledError)));
+  EXPECT_NE(output.bytes, picture.bytes);
+}
+
+// The system's own counters answer nothing here: the counts are taken from the handles themselves.
+
+// In the table that every process can read.
+int drawingObjects() {
+  struct Entry {
+    std::uint64_t object;
+    std::uint16_t process, count, unique;
+    std::uint8_t type, flags;
+    std::uint64_t user;
+  };
+  constexpr std::size_t tableInProcessBlock = 0xF8;
+  PROCESS_BASIC_INFORMATION process{};
+  NtQueryInformationProcess(GetCurrentProcess(), ProcessBasicInformation, &process, sizeof process,
+                            nullptr);
+  const auto* block = reinterpret_cast<const std::uint8_t*>(process.PebBaseAddress);
+  const auto* table = *reinterpret_cast<const Entry* const*>(block + tableInProcessBlock);
+  return static_cast<int>(
+      std::count_if(table, table + 65536, [](const Entry& entry) { return entry.type != 0; }));
+}
+
+// Of the whole desktop: handles are given out from the lowest on, so that the highest of many new
+// ones tells how many there are.
+int windowObjects() {
+  constexpr int many = 2000;
+  std::vector<HMENU> menus(many);
+  int highest = 0;
+  for (HMENU& menu : menus) {
+    menu = CreateMenu();
+    highest = std::max<int>(highest, LOWORD(menu));
+  }
+  for (const HMENU menu : menus) DestroyMenu(menu);
+  return highest / 2 - many;
+}
+
+std::size_t privateMemory() {
+  std::size_t sum = 0;
+  MEMORY_BASIC_INFORMATION region{};
+  for (const std::uint8_t* at = nullptr; VirtualQuery(at, &region, sizeof region) != 0;
+       at += region.RegionSize) {
+    if (region.State == MEM_COMMIT && region.Type == MEM_PRIVATE) sum += region.RegionSize;
+  }
+  return sum;
+}
+
+struct Usage {
+  int drawing = drawingObjects();
+  int window = windowObjects();
+  std::size_t memory = privateMemory();
+};
+
+std::ostream& operator<<(std::ostream& out, const Usage& usage) {
+  return out << usage.drawing << " drawing objects, " << usage.window << " window objects, "
+             << usage.memory << " bytes";
+}
+
+TEST_F(Hosts, FiftyOpeningsLeaveNothingBehind) {
+  const standin::Picture picture = placesPicture(300, 200);
+  std::atomic<bool> done{false};
+  std::atomic<int> opened{0};
+  // The user who sees the dialogs, and the preview with a picture in it, and presses Escape.
+  std::thread user([&] {
+    while (!done) {
+      const HWND panel = FindWindowA("#32770", "Radiashafts  V1.22 ~ www.halvorsund.example");
+      if (panel == nullptr || IsWindowVisible(panel) == FALSE) {
+        Sleep(2);
+        continue;
+      }
+      const HWND preview = GetWindow(panel, GW_OWNER);
+      eventually([preview] { return IsWindowVisible(preview) != FALSE; }, 2000);
+      PostMessageA(panel, WM_COMMAND, ID_UNDO, 0);
+      for (const int id : {ID_ZOOM_OUT, ID_ZOOM_IN, ID_RESET, ID_HIDE_HANDLE, ID_HIDE_HANDLE}) {
+        SendMessageTimeoutA(panel, WM_COMMAND, static_cast<WPARAM>(id), 0, SMTO_NORMAL, 2000,
+                            nullptr);
+        Sleep(5);
+      }
+      ++opened;
+      eventually(
+          [panel] {
+            PostMessageA(GetDlgItem(panel, IDCANCEL), WM_KEYDOWN, VK_ESCAPE, 1);
+            Sleep(10);
+            return IsWindow(panel) == FALSE;
+          },
+          20000);
+    }
+  });
+  const auto openAndClose = [&](int times) {
+    for (int i = 0; i < times; ++i) {
+      standin::HostTraits traits;
+      traits.playInfo = hostapi::playDisplay;
+      traits.displayPixels = i % 2 == 0;
+      const ModuleRun run = runModule(picture, nullptr, {}, traits);
+      EXPECT_EQ(run.result.status, hostapi::userCanceledError);
+      EXPECT_EQ(run.result.leakedBuffers, 0);
+    }
+    Sleep(300);  // threads of the system's pools end in their own time
+    return Usage();
+  };
+  const Usage before = openAndClose(5);
+  const Usage after = openAndClose(50);
+  done = true;
+  user.join();
+  SCOPED_TRACE(testing::Message() << "before: " << before << "; after: " << after);
+  EXPECT_EQ(opened, 55);
+  EXPECT_GT(before.drawing, 0);
+  EXPECT_LE(after.drawing, before.drawing);
+  EXPECT_LE(after.window, before.window + 2);
+  EXPECT_LE(after.memory, before.memory + (1U << 20));
+  std::cout << "before: " << before << "\nafter:  " << after << '\n';
+}
+
+}  // namespace
+}  // namespace radiashafts::test

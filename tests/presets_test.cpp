@@ -302,6 +302,7 @@ TEST(Presets, TheTraceTellsEachCall) {
   pfParameters& parameters = set.parameters;
   parameters.GetSettingNames("no/file", names, owner);
   parameters.SaveSettings("", "no/file", "Us");
+  parameters.SaveSettings("A", ".", "Us");
   parameters.LoadSettings("A", "no/file", nullptr);
   parameters.DeleteSettings("A", "no/file");
   EXPECT_EQ(log.text(),
@@ -310,6 +311,10 @@ TEST(Presets, TheTraceTellsEachCall) {
             "        pfParmeters::IsSettingFileValid( return(1) )\n"
             "    pfParmeters::GetSettingNames( return(1) )\n"
             "pfParmeters::SaveSettings( strName(), strPath(no/file) )\n"
+            "    pfParmeters::SaveSettings( return(0) )\n"
+            "pfParmeters::SaveSettings( strName(A), strPath(.) )\n"
+            "    pfParmeters::IsSettingFileValid( strPath(.), strFilterName(Us) )\n"
+            "        pfParmeters::IsSettingFileValid( return(0) )\n"
             "    pfParmeters::SaveSettings( return(0) )\n"
             "pfParmeters::LoadSettings( strName(A), strPath(no/file), pFilter(0) )\n"
             "    -**### WARNING ###**-: Could not open file for reading: 'no/file'\n"

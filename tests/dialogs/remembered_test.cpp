@@ -68,10 +68,21 @@ class Opening {
         panel_(DialogDriver::over(awaitDialog(host_.id(), "Radiashafts  V1.22"))) {
     preview_ = GetWindow(panel_.panel(), GW_OWNER);
     eventually([this] { return IsWindowVisible(preview_) != FALSE; });
+    settledPlace(preview_);
+    settledPlace(panel_.panel());
   }
 
   const DialogDriver& panel() const { return panel_; }
+  const DialogDriver& panelInFront() const {
+    panel_.takeFocus(intensityEdit);
+    return panel_;
+  }
   HWND preview() const { return preview_; }
+
+  void tick(int box, bool wanted) const {
+    panel_.clickOn(box);
+    EXPECT_TRUE(eventually([&] { return panel_.isChecked(box) == wanted; })) << box;
+  }
 
   int close(int button) {
     PostMessageA(panel_.panel(), WM_COMMAND, static_cast<WPARAM>(button), 0);
@@ -189,8 +200,8 @@ TEST_F(Remembered, AMaximizedPreviewKeepsTheSizeItHadBefore) {
 TEST_F(Remembered, OkKeepsValuesAndBothButtonsKeepTheRest) {
   {
     Opening cancelled(input_);
-    const DialogDriver& panel = cancelled.panel();
-    panel.clickOn(ID_HIDE_HANDLE);
+    const DialogDriver& panel = cancelled.panelInFront();
+    cancelled.tick(ID_HIDE_HANDLE, true);
     panel.replaceText(intensityEdit, "3.25");
     EXPECT_EQ(cancelled.close(IDCANCEL), 5);
   }
@@ -199,14 +210,14 @@ TEST_F(Remembered, OkKeepsValuesAndBothButtonsKeepTheRest) {
   EXPECT_EQ(lastUsedValue("Intensity"), RegistryValue{});
   {
     Opening confirmed(input_, {"--intensity", "1.5"});
-    const DialogDriver& panel = confirmed.panel();
+    const DialogDriver& panel = confirmed.panelInFront();
     EXPECT_TRUE(panel.isChecked(ID_HIDE_HANDLE));
     EXPECT_FALSE(panel.isChecked(ID_FIXED_PREVIEW));
     EXPECT_EQ(panel.text(intensityEdit), "1.5");
-    panel.clickOn(ID_HIDE_HANDLE);
-    panel.clickOn(ID_FIXED_PREVIEW);
+    confirmed.tick(ID_HIDE_HANDLE, false);
+    confirmed.tick(ID_FIXED_PREVIEW, true);
+    confirmed.tick(imageColorBox, false);
     panel.chooseEntry(modeList, 1);
-    panel.clickOn(imageColorBox);
     panel.replaceText(1031, "12");
     EXPECT_EQ(confirmed.close(IDOK), 0);
   }

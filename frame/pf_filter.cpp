@@ -11,19 +11,34 @@ namespace radiashafts {
 pfFilter::pfFilter(FilterIdentity identity)
     : HalvorsundHost(std::move(identity)), preview(MakePreview()) {}
 
+// The length of a selector, also of one that an exception of the heap's ends.
+class pfFilter::SelectorGuard {
+ public:
+  explicit SelectorGuard(pfFilter& filter) : filter_(filter) {
+    filter_.running = true;
+    filter_.AcquireSuites();
+  }
+  ~SelectorGuard() {
+    nRenderStartTick = 0;
+    filter_.ReleaseSuites();
+    filter_.running = false;
+  }
+  SelectorGuard(const SelectorGuard&) = delete;
+  SelectorGuard& operator=(const SelectorGuard&) = delete;
+
+ private:
+  pfFilter& filter_;
+};
+
 std::int16_t pfFilter::Dispatch(std::int8_t selector, void* block) {
   if (running) return hostapi::userCanceledError;
-  running = true;
   auto* const record = static_cast<hostapi::FilterRecord*>(block);
   basicSuite = selector == hostapi::selectorAbout
                    ? static_cast<hostapi::AboutRecord*>(block)->sSPBasic
                    : record->sSPBasic;
-  AcquireSuites();
+  const SelectorGuard guard(*this);
   currentRecord = record;
-  const std::int16_t result = RunSelector(selector, block);
-  ReleaseSuites();
-  running = false;
-  return result;
+  return RunSelector(selector, block);
 }
 
 std::int16_t pfFilter::RunSelector(std::int8_t selector, void* block) {

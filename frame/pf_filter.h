@@ -49,6 +49,7 @@ class pfFilter : public HalvorsundHost, public EditedFilter {
   std::int16_t DoContinueSelector(hostapi::FilterRecord* record);
   std::int16_t DoFinishSelector(hostapi::FilterRecord* record);
 
+  class SelectorGuard;
   std::int16_t RunSelector(std::int8_t selector, void* block);
   std::int16_t RunFilter(hostapi::FilterRecord* record);
   // A Handle Suite may be left over from an earlier host call, so both are asked for.

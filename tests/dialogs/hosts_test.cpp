@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <atomic>
 
-#include <intrin.h>
+#include <winternl.h>
 
 #include "interface/dialog_ids.h"
 #include "tests/dialogs/dialog_test.h"

@@ -111,8 +111,7 @@ standin::Script PresetOptions::apply(const ParameterOptions& parameters, bool qu
     throw Failure{exitInput, "--last-used: no values were confirmed in the interface yet"};
   }
   parameters.applyTo(values.effect);
-  const standin::Script script =
-      loaded_ || lastUsed_ ? scriptOf(values.effect) : parameters.script();
+  standin::Script script = loaded_ || lastUsed_ ? scriptOf(values.effect) : parameters.script();
   if (saved_) save(values.parameters, placeOf(*saved_), quiet);
   return script;
 }

@@ -37,6 +37,24 @@ enum ImageMode : std::int16_t {
   modeGray32 = 17,
 };
 
+// How many colours the plug-in takes of a picture in the mode; 0 for a mode that it does not treat.
+constexpr int largestColorCount(std::int64_t imageMode) {
+  switch (imageMode) {
+    case modeGrayScale:
+    case modeGray16:
+    case modeGray32:
+      return 1;
+    case modeRGB:
+    case modeMultichannel:
+    case modeRGB48:
+    case modeDeepMultichannel:
+    case modeRGB96:
+      return 3;
+    default:
+      return 0;
+  }
+}
+
 enum FilterCase : std::int16_t {
   flatImageNoSelection = 1,
   flatImageWithSelection = 2,

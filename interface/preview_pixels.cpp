@@ -16,23 +16,6 @@ struct Layout {
   int alphaPlane = 0;
 };
 
-int mostColors(int imageMode) {
-  switch (imageMode) {
-    case hostapi::modeGrayScale:
-    case hostapi::modeGray16:
-    case hostapi::modeGray32:
-      return 1;
-    case hostapi::modeRGB:
-    case hostapi::modeMultichannel:
-    case hostapi::modeRGB48:
-    case hostapi::modeDeepMultichannel:
-    case hostapi::modeRGB96:
-      return 3;
-    default:
-      return 0;
-  }
-}
-
 Layout layoutOf(const hostapi::FilterRecord& record) {
   Layout layout;
   layout.alphaPlane = record.inLayerPlanes;
@@ -43,7 +26,8 @@ Layout layoutOf(const hostapi::FilterRecord& record) {
     layout.colors = record.inLayerPlanes != 0 ? record.inLayerPlanes : record.inNonLayerPlanes;
   }
   if (layout.colors <= 0) layout.colors = record.planes;
-  layout.colors = std::min({layout.colors, mostColors(record.imageMode), int{record.planes}});
+  layout.colors =
+      std::min({layout.colors, hostapi::largestColorCount(record.imageMode), int{record.planes}});
   return layout;
 }
 
@@ -141,7 +125,7 @@ void drawPixels(const hostapi::FilterRecord& record, const Layout& layout, Bitma
 bool drawToPreview(const hostapi::FilterRecord& record, BitmapOrder order, int bitmapWidth,
                    std::uint8_t* bitmap) {
   trace("pfPreviewWin32::DrawToPreview()");
-  if (mostColors(record.imageMode) == 0) {
+  if (hostapi::largestColorCount(record.imageMode) == 0) {
     logLine(severityError, errorMarker, "Invalid imageMode");
     return false;
   }

@@ -125,6 +125,11 @@ void bringBack(std::int32_t& x, std::int32_t& y, const ScreenMetrics& screen) {
   y = broughtBack(y, screen.virtualHeight);
 }
 
+// Of both ways: the line names the opening at the closing too, wanted.
+void tracePresetPath(const std::string& path) {
+  trace("UIProcedure - WM_INITDIALOG: PresetPath(", path, ")");
+}
+
 // Its side is taken from the screen's width, in both directions.
 PreviewWindow firstPreview(const ScreenMetrics& screen) {
   PreviewWindow window;
@@ -188,7 +193,9 @@ bool ReadParameterWindow(ParameterWindow& window, const ScreenMetrics& screen,
   const bool hasX = readPixels(*stored, interfaceX, window.x);
   const bool hasY = readPixels(*stored, interfaceY, window.y);
   if (hasX && hasY) bringBack(window.x, window.y, screen);
-  if (auto path = stored->readText(presetPath)) window.presetPath = *path;
+  const auto path = stored->readText(presetPath);
+  if (path) window.presetPath = *path;
+  tracePresetPath(path.value_or(""));
   readFlag(*stored, showHandle, window.showHandle);
   readFlag(*stored, livePreview, window.livePreview);
   return true;
@@ -200,6 +207,7 @@ void WriteParameterWindow(const ParameterWindow& window, const std::string& key)
   writePixels(*stored, interfaceX, window.x);
   writePixels(*stored, interfaceY, window.y);
   stored->writeText(presetPath, window.presetPath);
+  tracePresetPath(window.presetPath);
   writeFlag(*stored, showHandle, window.showHandle);
   writeFlag(*stored, livePreview, window.livePreview);
 }

@@ -25,11 +25,10 @@ bool isKeyword(const PresetTokens::Token& token, std::string_view keyword) {
 std::string tailBehind(const std::string& file, std::size_t nameEnd) {
   PresetTokens tokens(file, nameEnd);
   while (const auto token = tokens.next()) {
-    if (isKeyword(*token, presetNameKeyword)) {
-      return std::string(presetNameKeyword) + file.substr(token->end);
-    }
-    // A header in the midst of entries goes with none of them.
-    if (isKeyword(*token, presetOwnerKeyword)) return file.substr(token->begin);
+    if (!endsPreset(token->text)) continue;
+    const bool isHeader = isKeyword(*token, presetOwnerKeyword);
+    return isHeader ? file.substr(token->begin)
+                    : std::string(presetNameKeyword) + file.substr(token->end);
   }
   return {};
 }
@@ -88,6 +87,10 @@ std::optional<PresetTokens::Token> PresetTokens::next() {
   std::string_view text = file_.substr(begin, next_ - begin).substr(0, maximumPresetToken);
   text = text.substr(0, text.find('\0'));
   return Token{text, begin, next_};
+}
+
+bool endsPreset(std::string_view key) {
+  return equalsIgnoringCase(key, presetNameKeyword) || equalsIgnoringCase(key, presetOwnerKeyword);
 }
 
 std::optional<std::string> presetOwner(std::string_view file) {
@@ -159,9 +162,9 @@ std::string withoutPreset(const std::string& file, const PresetEntry& entry,
 
 std::string presetNumber(double value) {
   constexpr int decimals = 6;
-  // The largest number has 309 digits before the point.
-  std::array<char, 1 + 309 + 1 + decimals> text;
-  if (!std::isfinite(value)) value = 0.0;
+  constexpr double largest = 1e240;
+  std::array<char, maximumPresetToken> text;
+  value = std::isfinite(value) ? std::clamp(value, -largest, largest) : 0.0;
   const auto written = std::to_chars(text.data(), text.data() + text.size(), value,
                                      std::chars_format::fixed, decimals);
   return {text.data(), written.ptr};

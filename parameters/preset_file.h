@@ -48,6 +48,9 @@ struct PresetEntry {
   std::size_t nameEnd;  // behind its name
 };
 
+// Whether an entry ends in front of the key: at the next one, or at a header in their midst.
+bool endsPreset(std::string_view key);
+
 // The name of the filter that the header tells; none without a header.
 std::optional<std::string> presetOwner(std::string_view file);
 // In the file's order.
@@ -65,7 +68,7 @@ std::string withPreset(const std::string& file, const std::string& name, const s
 std::string withoutPreset(const std::string& file, const PresetEntry& entry,
                           std::string_view lineEnd);
 
-// Six decimals. What is not finite becomes 0.
+// Six decimals. What is not finite becomes 0, and what no token holds the largest that one does.
 std::string presetNumber(double value);
 
 // The number at the token's start, whatever the locale: hexadecimal and exponents too. Nothing is

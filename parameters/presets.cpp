@@ -42,6 +42,16 @@ bool isOurs(const WholeFile& file, std::string& filterName) {
   return false;
 }
 
+// Gives the file as it was looked at.
+bool lookAt(const std::string& path, std::string& filterName, WholeFile& file) {
+  trace("pfParmeters::IsSettingFileValid( strPath(", path, "), strFilterName(", filterName, ") )");
+  const LogIndent indent;
+  file = path.empty() ? WholeFile{FileState::unfit, {}} : platform::readWholeFile(path);
+  const bool valid = isOurs(file, filterName);
+  trace("pfParmeters::IsSettingFileValid( return(", valid, ") )");
+  return valid;
+}
+
 // Numbers go through single precision, but not beyond it.
 double narrowed(double value) {
   constexpr double largest = std::numeric_limits<float>::max();
@@ -95,12 +105,8 @@ bool loadValue(pfParameter& parameter, std::string_view token, PresetTokens& tok
 }  // namespace
 
 bool pfParameters::IsSettingFileValid(const std::string& strPath, std::string& strFilterName) {
-  trace("pfParmeters::IsSettingFileValid( strPath(", strPath, "), strFilterName(", strFilterName,
-        ") )");
-  const LogIndent indent;
-  const bool valid = !strPath.empty() && isOurs(platform::readWholeFile(strPath), strFilterName);
-  trace("pfParmeters::IsSettingFileValid( return(", valid, ") )");
-  return valid;
+  WholeFile file;
+  return lookAt(strPath, strFilterName, file);
 }
 
 bool pfParameters::GetSettingNames(const std::string& strPath, std::vector<std::string>& lstNames,
@@ -109,11 +115,10 @@ bool pfParameters::GetSettingNames(const std::string& strPath, std::vector<std::
         strFilterName, ") )");
   const LogIndent indent;
   std::string owner = strFilterName;
-  const bool valid = IsSettingFileValid(strPath, owner);
+  WholeFile file;
+  const bool valid = lookAt(strPath, owner, file);
   if (valid) {
-    for (std::string& name : presetNames(platform::readWholeFile(strPath).content)) {
-      lstNames.push_back(std::move(name));
-    }
+    for (std::string& name : presetNames(file.content)) lstNames.push_back(std::move(name));
   }
   trace("pfParmeters::GetSettingNames( return(", valid, ") )");
   return valid;
@@ -127,8 +132,8 @@ bool pfParameters::SaveSettings(const std::string& strName, const std::string& s
   std::string owner = strFilterName;
   bool valid = false;
   if (!name.empty() && !strPath.empty()) {
-    const WholeFile old = platform::readWholeFile(strPath);
-    valid = isOurs(old, owner);
+    WholeFile old;
+    valid = lookAt(strPath, owner, old);
     if (valid) SaveEntry(name, strPath, strFilterName, old, failure);
   }
   trace("pfParmeters::SaveSettings( return(", valid, ") )");
@@ -200,7 +205,7 @@ void pfParameters::SaveEntry(const std::string& name, const std::string& path,
 
 void pfParameters::LoadEntry(PresetTokens& tokens, UndoHistory* history) {
   while (const auto key = tokens.next()) {
-    if (equalsIgnoringCase(key->text, presetNameKeyword)) break;
+    if (endsPreset(key->text)) break;
     const auto value = tokens.next();
     if (!value) break;
     for (pfParameter* parameter : parameters_) {

@@ -24,24 +24,6 @@ constexpr std::array<RenderFunction, sizeof...(Index)> makeRenderTable(
 
 constexpr auto renderTable = makeRenderTable(std::make_integer_sequence<int, configurationCount>());
 
-// How many colours the mode can have; 0 for a mode that is not treated.
-int largestColorCount(std::int64_t imageMode) {
-  switch (imageMode) {
-    case hostapi::modeGrayScale:
-    case hostapi::modeGray16:
-    case hostapi::modeGray32:
-      return 1;
-    case hostapi::modeRGB:
-    case hostapi::modeMultichannel:
-    case hostapi::modeRGB48:
-    case hostapi::modeDeepMultichannel:
-    case hostapi::modeRGB96:
-      return 3;
-    default:
-      return 0;
-  }
-}
-
 int sampleDepth(std::int64_t depth) {
   switch (depth) {
     case 32:
@@ -66,7 +48,7 @@ PictureLayout pictureLayoutOf(const hostapi::FilterRecord* record) {
   std::int64_t colors = layerPlanes;
   if (colors == 0 && !transparent) colors = GetRecordValue(record, RenderValue::inNonLayerPlanes);
   if (colors == 0) colors = planes;
-  const int limit = largestColorCount(GetRecordValue(record, RenderValue::imageMode));
+  const int limit = hostapi::largestColorCount(GetRecordValue(record, RenderValue::imageMode));
   colors = std::clamp<std::int64_t>(colors, 0, limit);
   if (colors > planes) colors = 0;  // the record contradicts itself
   const bool hasAlpha =

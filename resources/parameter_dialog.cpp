@@ -91,7 +91,7 @@ class Layout {
 };
 
 void presetRow(Layout& layout) {
-  constexpr int width = 34;
+  constexpr int width = 30;
   layout.y = margin;
   layout.combo(ID_PRESETS, margin, dialogWidth - 2 * margin - 3 * (width + 2), " | CBS_SORT");
   int x = dialogWidth - margin - 3 * width - 4;

@@ -27,6 +27,7 @@ using OIIO::TypeDesc;
 
 struct OiioMetadata final : PictureMetadata {
   ImageSpec spec;
+  bool hasFurtherPages = false;
 };
 
 [[noreturn]] void fail(const fs::path& path, const std::string& cause) {
@@ -201,6 +202,13 @@ void dropChannels(Picture& picture, ImageSpec& spec, const ImageOutput& output,
   if (spec.z_channel >= kept) spec.z_channel = -1;
 }
 
+void notePages(const PictureFile& file, const fs::path& path, std::vector<std::string>& notes) {
+  const auto* metadata = dynamic_cast<const OiioMetadata*>(file.metadata.get());
+  if (metadata != nullptr && metadata->hasFurtherPages) {
+    notes.push_back(path.string() + ": holds the first of the input's pages alone");
+  }
+}
+
 // The JPEG encoder ends the whole program when the disk is full.
 void needSpace(const fs::path& path, const Picture& picture) {
   const fs::path directory = path.parent_path().empty() ? fs::path(".") : path.parent_path();
@@ -262,6 +270,7 @@ PictureFile readPictureFile(const fs::path& path) {
     divideByAlpha(file.picture);
   }
   rescaleWords(file.picture, hostWord);
+  metadata->hasFurtherPages = input->seek_subimage(1, 0);
   file.metadata = std::move(metadata);
   return file;
 }
@@ -307,6 +316,7 @@ WriteResult writePictureFile(const fs::path& path, PictureFile&& file,
     spec = ImageSpec(picture.width, picture.height, picture.planes, typeOf(picture.depth));
   }
   dropChannels(picture, spec, *output, path, result.notes);
+  notePages(file, path, result.notes);
   const TypeDesc wanted = spec.format;
   // Left to itself the codec would go down to 8 bits at once.
   if (picture.depth == 32 && std::string_view(output->format_name()) == "png") {

@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <set>
 #include <sstream>
 
 #include <OpenImageIO/imageio.h>
@@ -280,6 +281,34 @@ TEST_F(CommandLine, PresetsKeepValuesAndOptionsGoOverThem) {
   EXPECT_EQ(rendered("--save-preset 'p q.cfg:Z' --intensity 3" + std::string(morning)), strong);
   EXPECT_EQ(rendered("--preset 'p q.cfg:Z'"), strong);
   EXPECT_EQ(run("--list-presets 'p q.cfg'").out, "Z\na_b\n");
+}
+
+// The presets that come with the program: whole, within the sliders, and no two of one effect.
+TEST_F(CommandLine, EachPresetOfTheCollectionMakesAPictureOfItsOwn) {
+  write<std::uint8_t>("in.png", 3, TypeDesc::UINT8);
+  const std::string collection = "'" RADIASHAFTS_COLLECTION "'";
+  std::istringstream file(contentOf(RADIASHAFTS_COLLECTION));
+  std::string word, name, names;
+  ASSERT_TRUE(file >> word >> name && word == "FileOwner" && name == "Radiashafts");
+  std::set<std::size_t> pictures{rendered(untouched)};
+  while (file >> word >> name) {
+    SCOPED_TRACE(name);
+    ASSERT_EQ(word, "name");
+    names += name + '\n';
+    for (const ParameterFacts& facts : effectTable) {
+      if (!facts.storedInPreset) continue;
+      ASSERT_TRUE(file >> word && word == facts.name) << word << " for " << facts.name;
+      for (int i = 0; i < valueCount(facts.kind); ++i) {
+        double value;
+        ASSERT_TRUE(file >> value) << facts.name;
+        if (facts.kind == ParameterKind::position) continue;
+        EXPECT_TRUE(facts.minimum <= value && value <= facts.maximum) << facts.name;
+      }
+    }
+    EXPECT_TRUE(pictures.insert(rendered("--preset " + collection + ":" + name)).second);
+  }
+  EXPECT_GE(pictures.size(), 1 + 24u);
+  EXPECT_EQ(run("--list-presets " + collection).out, names);
 }
 
 TEST_F(CommandLine, LastUsedValuesAreThoseOfTheUsersStore) {

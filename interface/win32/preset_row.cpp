@@ -18,7 +18,8 @@ using Text = std::array<char, 256>;
 
 struct SaveAsRequest {
   PresetRow* row;
-  std::string name;
+  std::string proposed;
+  std::string agreed;  // empty until OK: the interface's end closes the dialog without a button
 };
 
 INT_PTR CALLBACK SaveAsProcedure(HWND dialog, UINT message, WPARAM w, LPARAM l) {
@@ -30,7 +31,7 @@ INT_PTR CALLBACK SaveAsProcedure(HWND dialog, UINT message, WPARAM w, LPARAM l) 
   if (message == WM_INITDIALOG) {
     SetWindowLongPtrA(dialog, DWLP_USER, l);
     SendMessageA(edit, EM_LIMITTEXT, Text().size() - 1, 0);
-    SetWindowTextA(edit, reinterpret_cast<const SaveAsRequest*>(l)->name.c_str());
+    SetWindowTextA(edit, reinterpret_cast<const SaveAsRequest*>(l)->proposed.c_str());
     askAgain();
     return FALSE;
   }
@@ -42,7 +43,7 @@ INT_PTR CALLBACK SaveAsProcedure(HWND dialog, UINT message, WPARAM w, LPARAM l) 
     for (char& character : text) character = character == ' ' ? '_' : character;
     SetWindowTextA(edit, text.data());
     if (const auto name = request->row->agreeOnName(text.data())) {
-      request->name = *name;
+      request->agreed = *name;
       EndDialog(dialog, 0);
     } else {
       askAgain();
@@ -50,7 +51,6 @@ INT_PTR CALLBACK SaveAsProcedure(HWND dialog, UINT message, WPARAM w, LPARAM l) 
     return TRUE;
   }
   if (LOWORD(w) == IDCANCEL) {
-    request->name.clear();
     EndDialog(dialog, 0);
     return TRUE;
   }
@@ -128,11 +128,11 @@ std::optional<std::string> pfPreviewWin32::choosePresetFile(const std::string& p
 
 std::string pfPreviewWin32::askPresetName(const std::string& proposed) {
   if (m_hInterface == nullptr) return {};
-  SaveAsRequest request{&presets_, proposed};
+  SaveAsRequest request{&presets_, proposed, {}};
   const INT_PTR result =
       DialogBoxParamA(moduleInstance(), MAKEINTRESOURCEA(ID_SAVE_AS_DIALOG), m_hInterface,
                       SaveAsProcedure, reinterpret_cast<LPARAM>(&request));
-  return result == -1 ? std::string() : request.name;
+  return result == -1 ? std::string() : request.agreed;
 }
 
 bool pfPreviewWin32::confirm(const char* text, const char* caption) {

@@ -1,0 +1,95 @@
+#include "tests/dialogs/system_dialogs.h"
+
+#include <algorithm>
+#include <ostream>
+
+#include "interface/dialog_ids.h"
+
+namespace radiashafts::test {
+namespace {
+
+// Of the system's chooser of files: an edit, or a list with one in it.
+constexpr int fileNameEdit = 0x480;
+constexpr int fileNameList = 0x47c;
+
+DWORD processOf(HWND window) {
+  DWORD process = 0;
+  GetWindowThreadProcessId(window, &process);
+  return process;
+}
+
+std::string textOf(HWND window) {
+  char text[512] = "";
+  SendMessageA(window, WM_GETTEXT, sizeof text, reinterpret_cast<LPARAM>(text));
+  return text;
+}
+
+HWND editOf(HWND control) {
+  HWND edit = control;
+  const auto take = [](HWND child, LPARAM found) {
+    char name[16] = "";
+    GetClassNameA(child, name, sizeof name);
+    if (std::string(name) != "Edit") return TRUE;
+    *reinterpret_cast<HWND*>(found) = child;
+    return FALSE;
+  };
+  EnumChildWindows(control, take, reinterpret_cast<LPARAM>(&edit));
+  return edit;
+}
+
+bool isGone(HWND window) {
+  return eventually([window] { return IsWindow(window) == FALSE; });
+}
+
+}  // namespace
+
+std::vector<std::string> textsIn(HWND dialog, const char* windowClass) {
+  std::vector<std::string> texts;
+  for (HWND child = nullptr;
+       (child = FindWindowExA(dialog, child, windowClass, nullptr)) != nullptr;) {
+    std::string text = textOf(child);
+    std::erase(text, '&');
+    if (IsWindowVisible(child) != FALSE && !text.empty()) texts.push_back(text);
+  }
+  return texts;
+}
+
+std::ostream& operator<<(std::ostream& stream, const Prompt& prompt) {
+  stream << '"' << prompt.text << '"';
+  for (const std::string& button : prompt.buttons) stream << " [" << button << ']';
+  return stream << (prompt.isOverPanel ? " over the dialog" : " by itself");
+}
+
+Prompt answer(const DialogDriver& dialogs, const std::string& caption, int button) {
+  const HWND box = awaitDialog(processOf(dialogs.panel()), caption);
+  if (box == nullptr) return {"no prompt", {}};
+  Prompt prompt;
+  for (const std::string& text : textsIn(box, "Static")) prompt.text += text;
+  prompt.buttons = textsIn(box, "Button");
+  prompt.isOverPanel = GetWindow(box, GW_OWNER) == dialogs.panel() &&
+                       IsWindowEnabled(dialogs.panel()) == FALSE && textOf(box) == caption;
+  DialogDriver::over(box).clickOn(button);
+  if (!isGone(box)) prompt.text += " that stays";
+  return prompt;
+}
+
+void openPresets(const DialogDriver& dialogs, const std::string& path) {
+  dialogs.clickOn(ID_OPEN_PRESETS);
+  const HWND box = awaitDialog(processOf(dialogs.panel()), "Open Presets File");
+  if (box == nullptr) return;
+  const HWND list = GetDlgItem(box, fileNameList);
+  const HWND edit = list == nullptr ? GetDlgItem(box, fileNameEdit) : editOf(list);
+  eventually([&] {
+    RECT area{};
+    GetWindowRect(edit, &area);
+    click({(area.left + area.right) / 2, (area.top + area.bottom) / 2});
+    return eventually([&] { return DialogDriver::over(box).focused() == edit; }, 500);
+  });
+  pressKey(VK_END);
+  pressKey(VK_HOME, true);
+  typeText(path);
+  eventually([&] { return textOf(edit) == path; });
+  pressKeyUntil(VK_RETURN, [box] { return IsWindow(box) == FALSE; });
+}
+
+}  // namespace radiashafts::test

@@ -1,0 +1,33 @@
+// What stands over the parameter dialog for a while: prompts and the chooser of files.
+#pragma once
+
+#include <windows.h>
+
+#include <string>
+#include <vector>
+
+#include "tests/dialogs/dialog_driver.h"
+
+namespace radiashafts::test {
+
+// The visible texts in a dialog's own controls of a class, in their order.
+std::vector<std::string> textsIn(HWND dialog, const char* windowClass);
+
+// A message box over the parameter dialog.
+struct Prompt {
+  std::string text;
+  std::vector<std::string> buttons;
+  bool isOverPanel = false;  // and holds it
+
+  bool operator==(const Prompt&) const = default;
+};
+std::ostream& operator<<(std::ostream& stream, const Prompt& prompt);
+
+// Waits for the box of that caption, reads it, and answers by a click on a button. The box is gone
+// afterwards.
+Prompt answer(const DialogDriver& dialogs, const std::string& caption, int button);
+
+// Presses "open..." and types the path into the system's dialog.
+void openPresets(const DialogDriver& dialogs, const std::string& path);
+
+}  // namespace radiashafts::test

@@ -14,7 +14,12 @@ namespace radiashafts::test {
 
 class DialogTest : public testing::Test {
  protected:
-  void SetUp() override { forgetSettings(); }
+  void SetUp() override {
+    // Wine's window system starts with its first window, and two threads that both have the first
+    // one may wait for each other for ever.
+    DestroyWindow(CreateWindowA("STATIC", "", 0, 0, 0, 0, 0, nullptr, nullptr, nullptr, nullptr));
+    forgetSettings();
+  }
   void TearDown() override {
     std::error_code heldOpen;  // by a program that is just ending
     std::filesystem::remove_all(workFolder(), heldOpen);

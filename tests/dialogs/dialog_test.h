@@ -14,13 +14,17 @@ namespace radiashafts::test {
 
 class DialogTest : public testing::Test {
  protected:
-  void SetUp() override { forgetSettings(); }
-  void TearDown() override {
+  void SetUp() override {
+    forgetSettings();
+    removeFiles();  // of a run that was ended from outside
+  }
+  void TearDown() override { removeFiles(); }
+
+  static void forgetSettings() { RegDeleteTreeA(HKEY_CURRENT_USER, "SOFTWARE\\Halvorsund"); }
+  static void removeFiles() {
     std::error_code heldOpen;  // by a program that is just ending
     std::filesystem::remove_all(workFolder(), heldOpen);
   }
-
-  static void forgetSettings() { RegDeleteTreeA(HKEY_CURRENT_USER, "SOFTWARE\\Halvorsund"); }
   static std::string path(const char* name) { return (workFolder() / name).string(); }
 };
 

@@ -19,13 +19,15 @@ class DialogTest : public testing::Test {
     // one may wait for each other for ever.
     DestroyWindow(CreateWindowA("STATIC", "", 0, 0, 0, 0, 0, nullptr, nullptr, nullptr, nullptr));
     forgetSettings();
+    removeFiles();  // of a run that was ended from outside
   }
-  void TearDown() override {
+  void TearDown() override { removeFiles(); }
+
+  static void forgetSettings() { RegDeleteTreeA(HKEY_CURRENT_USER, "SOFTWARE\\Halvorsund"); }
+  static void removeFiles() {
     std::error_code heldOpen;  // by a program that is just ending
     std::filesystem::remove_all(workFolder(), heldOpen);
   }
-
-  static void forgetSettings() { RegDeleteTreeA(HKEY_CURRENT_USER, "SOFTWARE\\Halvorsund"); }
   static std::string path(const char* name) { return (workFolder() / name).string(); }
 };
 

@@ -37,8 +37,8 @@ HWND editOf(HWND control) {
   return edit;
 }
 
-bool isGone(HWND window) {
-  return eventually([window] { return IsWindow(window) == FALSE; });
+bool isGone(HWND window, unsigned milliseconds) {
+  return eventually([window] { return IsWindow(window) == FALSE; }, milliseconds);
 }
 
 }  // namespace
@@ -60,22 +60,39 @@ std::ostream& operator<<(std::ostream& stream, const Prompt& prompt) {
   return stream << (prompt.isOverPanel ? " over the dialog" : " by itself");
 }
 
-Prompt answer(const DialogDriver& dialogs, const std::string& caption, int button) {
+HWND awaitBox(const DialogDriver& dialogs, const std::string& caption) {
   const HWND box = awaitDialog(processOf(dialogs.panel()), caption);
+  RECT last{};
+  int steady = 0;
+  eventually([&] {
+    RECT now{};
+    GetWindowRect(box, &now);
+    steady = EqualRect(&now, &last) != FALSE ? steady + 1 : 0;
+    last = now;
+    return steady >= 20;
+  });
+  return box;
+}
+
+Prompt answer(const DialogDriver& dialogs, const std::string& caption, int button) {
+  const HWND box = awaitBox(dialogs, caption);
   if (box == nullptr) return {"no prompt", {}};
   Prompt prompt;
   for (const std::string& text : textsIn(box, "Static")) prompt.text += text;
   prompt.buttons = textsIn(box, "Button");
   prompt.isOverPanel = GetWindow(box, GW_OWNER) == dialogs.panel() &&
                        IsWindowEnabled(dialogs.panel()) == FALSE && textOf(box) == caption;
-  DialogDriver::over(box).clickOn(button);
-  if (!isGone(box)) prompt.text += " that stays";
+  const bool gone = eventually([&] {
+    DialogDriver::over(box).clickOn(button);
+    return isGone(box, 1000);
+  });
+  if (!gone) prompt.text += " that stays";
   return prompt;
 }
 
 void openPresets(const DialogDriver& dialogs, const std::string& path) {
   dialogs.clickOn(ID_OPEN_PRESETS);
-  const HWND box = awaitDialog(processOf(dialogs.panel()), "Open Presets File");
+  const HWND box = awaitBox(dialogs, "Open Presets File");
   if (box == nullptr) return;
   const HWND list = GetDlgItem(box, fileNameList);
   const HWND edit = list == nullptr ? GetDlgItem(box, fileNameEdit) : editOf(list);

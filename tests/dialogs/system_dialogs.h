@@ -13,6 +13,9 @@ namespace radiashafts::test {
 // The visible texts in a dialog's own controls of a class, in their order.
 std::vector<std::string> textsIn(HWND dialog, const char* windowClass);
 
+// The dialog of that caption beside the two, once the window manager has done with it.
+HWND awaitBox(const DialogDriver& dialogs, const std::string& caption);
+
 // A message box over the parameter dialog.
 struct Prompt {
   std::string text;

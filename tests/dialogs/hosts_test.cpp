@@ -130,6 +130,58 @@ TEST_F(Hosts, ARunInsideARunIsRefused) {
   EXPECT_NE(output.bytes, picture.bytes);
 }
 
+// The host's window, which ends its program when it is closed.
+LRESULT CALLBACK ownerProcedure(HWND window, UINT message, WPARAM w, LPARAM l) {
+  if (message == WM_DESTROY) PostQuitMessage(7);
+  return DefWindowProcA(window, message, w, l);
+}
+
+HWND openOwner() {
+  WNDCLASSA windowClass{};
+  windowClass.lpfnWndProc = ownerProcedure;
+  windowClass.lpszClassName = "OwnerUnderTest";
+  RegisterClassA(&windowClass);
+  return CreateWindowA("OwnerUnderTest", "", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 0, 0, 300, 200,
+                       nullptr, nullptr, nullptr, nullptr);
+}
+
+TEST_F(Hosts, TheOwnerRestsUnderTheDialogsAndItsEndIsCancel) {
+  const standin::Picture picture = placesPicture(96, 64);
+  for (const bool ends : {false, true}) {
+    std::atomic<HWND> owner{nullptr};
+    standin::RunResult result;
+    bool awake = false;
+    int quitCode = -1;
+    std::thread runner([&] {
+      standin::HostTraits traits;
+      traits.playInfo = hostapi::playDisplay;
+      traits.ownerWindow = owner = openOwner();
+      standin::StandInHost host(picture, nullptr, traits);
+      standin::Picture output;
+      result = host.run(moduleEntry(), withoutRays(), output);
+      awake = IsWindowEnabled(owner) != FALSE;
+      MSG message;
+      if (PeekMessageA(&message, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE) != FALSE) {
+        quitCode = static_cast<int>(message.wParam);
+      }
+    });
+    {
+      const DialogDriver dialogs(GetCurrentProcessId());
+      EXPECT_TRUE(dialogs.isOpen());
+      EXPECT_EQ(IsWindowEnabled(owner), FALSE);
+      if (ends) {
+        PostMessageA(owner, WM_CLOSE, 0, 0);
+      } else {
+        dialogs.clickOn(IDCANCEL);
+      }
+    }
+    runner.join();
+    EXPECT_EQ(result.status, hostapi::userCanceledError);
+    EXPECT_EQ(awake, !ends);
+    EXPECT_EQ(quitCode, ends ? 7 : -1);
+  }
+}
+
 // The system's own counters answer nothing here: the counts are taken from the handles themselves.
 
 // In the table that every process can read.

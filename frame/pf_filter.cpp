@@ -11,19 +11,34 @@ namespace radiashafts {
 pfFilter::pfFilter(FilterIdentity identity)
     : HalvorsundHost(std::move(identity)), preview(MakePreview()) {}
 
+// The length of a selector, also of one that an exception of the heap's ends.
+class pfFilter::SelectorGuard {
+ public:
+  explicit SelectorGuard(pfFilter& filter) : filter_(filter) {
+    filter_.running = true;
+    filter_.AcquireSuites();
+  }
+  ~SelectorGuard() {
+    nRenderStartTick = 0;
+    filter_.ReleaseSuites();
+    filter_.running = false;
+  }
+  SelectorGuard(const SelectorGuard&) = delete;
+  SelectorGuard& operator=(const SelectorGuard&) = delete;
+
+ private:
+  pfFilter& filter_;
+};
+
 std::int16_t pfFilter::Dispatch(std::int8_t selector, void* block) {
   if (running) return hostapi::userCanceledError;
-  running = true;
   auto* const record = static_cast<hostapi::FilterRecord*>(block);
   basicSuite = selector == hostapi::selectorAbout
                    ? static_cast<hostapi::AboutRecord*>(block)->sSPBasic
                    : record->sSPBasic;
-  AcquireSuites();
+  const SelectorGuard guard(*this);
   currentRecord = record;
-  const std::int16_t result = RunSelector(selector, block);
-  ReleaseSuites();
-  running = false;
-  return result;
+  return RunSelector(selector, block);
 }
 
 std::int16_t pfFilter::RunSelector(std::int8_t selector, void* block) {
@@ -66,7 +81,7 @@ void pfFilter::ReleaseSuites() {
 
 std::int32_t pfFilter::Progress(std::int32_t done, std::int32_t total, std::int32_t threadIndex) {
   const std::lock_guard lock(memoryLock);
-  if (nRenderStartTick != 0) return PumpMessages();
+  if (nRenderStartTick != 0) return PumpMessages(threadIndex);
   return threadIndex == 0 ? ReportToHost(done, total) : NoErrorCode();
 }
 
@@ -76,9 +91,17 @@ std::int32_t pfFilter::ReportToHost(std::int32_t done, std::int32_t total) {
   return aborted ? hostapi::userCanceledError : NoErrorCode();
 }
 
-std::int32_t pfFilter::PumpMessages() {
+// Looking for messages costs more than a row of a preview: the host's thread looks every other
+// millisecond, and workers, which have no windows, never.
+std::int32_t pfFilter::PumpMessages(std::int32_t threadIndex) {
   constexpr std::uint32_t undisturbed = 201;  // milliseconds that every preview is left
-  if (!platform::pumpPendingMessages()) return -1;
+  constexpr std::chrono::milliseconds betweenLooks(2);
+  const auto now = std::chrono::steady_clock::now();
+  if (threadIndex == 0 && now - lastLook >= betweenLooks) {
+    const bool open = platform::pumpPendingMessages();
+    lastLook = std::chrono::steady_clock::now();
+    if (!open) return -1;
+  }
   const bool superseded =
       bRenderPending && bLivePreview && platform::tickCount() - nRenderStartTick >= undisturbed;
   return superseded ? hostapi::userCanceledError : NoErrorCode();

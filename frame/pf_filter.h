@@ -1,6 +1,7 @@
 // The filter as the host's interface wants it: selectors, the record, progress and memory.
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <memory>
 #include <mutex>
@@ -24,8 +25,8 @@ class pfFilter : public HalvorsundHost, public EditedFilter {
   std::int16_t Dispatch(std::int8_t selector, void* block);
 
   // In a final render, thread 0 reports to the host and polls its abort: -128. In a preview render
-  // every thread dispatches the waiting window messages; -1 when the interface was closed, -128
-  // when a newer render is wanted 201 ms or more into this one.
+  // it dispatches the waiting window messages, -1 when the interface was closed; on every thread
+  // -128 when a newer render is wanted 201 ms or more into this one.
   std::int32_t Progress(std::int32_t done, std::int32_t total, std::int32_t threadIndex) override;
   // From the host's Buffer Suite where it has the Handle Suite too, else from the heap.
   void* Allocate(std::uint32_t size) override;
@@ -49,6 +50,7 @@ class pfFilter : public HalvorsundHost, public EditedFilter {
   std::int16_t DoContinueSelector(hostapi::FilterRecord* record);
   std::int16_t DoFinishSelector(hostapi::FilterRecord* record);
 
+  class SelectorGuard;
   std::int16_t RunSelector(std::int8_t selector, void* block);
   std::int16_t RunFilter(hostapi::FilterRecord* record);
   // A Handle Suite may be left over from an earlier host call, so both are asked for.
@@ -56,13 +58,14 @@ class pfFilter : public HalvorsundHost, public EditedFilter {
   void AcquireSuites();
   void ReleaseSuites();
   std::int32_t ReportToHost(std::int32_t done, std::int32_t total);
-  std::int32_t PumpMessages();
+  std::int32_t PumpMessages(std::int32_t threadIndex);
 
   bool running = false;                         // a selector is
   hostapi::SPBasicSuite* basicSuite = nullptr;  // good for one selector, like the next two
   const hostapi::BufferSuite1* bufferSuite = nullptr;
   const hostapi::HandleSuite2* handleSuite = nullptr;
   hostapi::FilterRecord* currentRecord = nullptr;
+  std::chrono::steady_clock::time_point lastLook;  // for messages, in a preview render
   std::recursive_mutex memoryLock;  // a window procedure may come back while Progress pumps
 };
 

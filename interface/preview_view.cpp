@@ -162,7 +162,11 @@ void PreviewView::RenderUntilFinal() {
     bRenderPending = false;
     zoomAloneWantsRender_ = false;
     filter_->previewLevel = nDraftLevel;
-    if (nAppliedFactor < 0) break;
+    if (nAppliedFactor < 0) {
+      AssignScaleFactor(nFactor);  // the host may be able to now
+      if (nAppliedFactor < 0) break;
+      continue;
+    }
     const std::int16_t status = render();
     if (status == hostapi::userCanceledError) {
       ++nDraftLevel;

@@ -21,6 +21,7 @@ class Console {
   void close();
 
  private:
+  bool ownsConsole_ = false;
   std::atomic<std::uintptr_t> handle_{0};  // read by every thread that logs
 };
 

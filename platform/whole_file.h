@@ -39,7 +39,7 @@ struct ReplaceFailure {
 // Puts a file with the content in the path's place in one step, a new one where there is none.
 // Whatever fails, or wherever the process ends, the path holds its old bytes or the new ones, which
 // have reached the disk. The content is gathered beside it, under its name followed by "tmp"; who
-// finds another process at that has failed. Links are followed.
+// finds another process at that has failed. On Linux links are followed and rights kept.
 std::optional<ReplaceFailure> replaceWholeFile(const std::string& path, const std::string& content);
 
 // Where set, asked before each step; a step that it answers with true fails. For tests.

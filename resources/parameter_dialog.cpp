@@ -133,7 +133,7 @@ void alterColor(Layout& layout) {
   constexpr int swatch = 34;
   const ParameterFacts& low = factsOf("ColorLow");
   const ParameterFacts& high = factsOf("ColorHigh");
-  layout.label(low.labels[0], left, controlLeft - left);
+  layout.label(low.labels[0], left, controlLeft - gap - left);
   layout.control("", low.controls[0], "STATIC", "SS_LEFT | NOT WS_VISIBLE", controlLeft, layout.y,
                  swatch, editHeight);
   layout.label(high.labels[0], right - swatch - gap - 40, 40, "SS_RIGHT");

@@ -10,7 +10,7 @@
 #include "frame/pf_filter.h"
 #include "standin/descriptors.h"
 #include "standin/host_buffer_suite.h"
-#include "tests/support/error_box.h"
+#include "tests/support/closed_windows.h"
 #include "tests/support/module_under_test.h"
 #include "tests/support/test_pictures.h"
 
@@ -91,6 +91,7 @@ TEST(Entry, AnswersEverySelectorBetweenAcquireAndRelease) {
     EXPECT_EQ(host.calls.str(), around) << selector;
     EXPECT_EQ(host.record.maxSpace + host.record.bufferSpace, selector == 2 ? 0 : 2468);
   }
+  const ClosedWindows user;
   for (const int selector : {0, 256}) {  // the block is another one
     HandHost host;
     hostapi::AboutRecord about{};
@@ -108,13 +109,11 @@ TEST(StartSelector, EndsWithEmptyRectanglesWhateverHappens) {
       {"0 script asked reported painted", [](HandHost& h) { h.descriptors.playInfo = 2; }},
       {"1", [](HandHost& h) { h.record.advanceState = nullptr; }},
       {"1", [](HandHost& h) { h.record.progressProc = nullptr; }},
-      {"-128 script", [](HandHost& h) { h.descriptors.playInfo = 1; }},
-      {"-128", [](HandHost& h) { h.record.descriptorParameters = nullptr; }},
       {"-30 script asked", [](HandHost& h) { h.advanceResult = -30; }},
       {"-128 script asked reported", [](HandHost& h) { h.abort = true; }},
       {"0 script asked reported", [](HandHost& h) { h.record.imageSize.v = 0; }},
       {"0 script asked reported", [](HandHost& h) { h.record.imageMode = 4; }}};
-  ErrorBoxes boxes;
+  ClosedWindows boxes;
   for (const auto& [outcome, change] : cases) {
     HandHost host;
     change(host);
@@ -131,6 +130,21 @@ TEST(StartSelector, EndsWithEmptyRectanglesWhateverHappens) {
                                " which are not supported by this host.\n"
                                " you need a photoshop 3.0+ compatible host to run this filter."),
             std::string::npos);
+}
+
+// In the module without windows the interface is cancelled by itself.
+TEST(StartSelector, IsCancelledWithItsInterface) {
+  for (const bool scripted : {true, false}) {
+    const ClosedWindows user;
+    HandHost host;
+    host.descriptors.playInfo = 1;
+    if (!scripted) host.record.descriptorParameters = nullptr;
+    EXPECT_EQ(host.call(3, &host.record), -128);
+    EXPECT_EQ(standin::scriptOf(host.descriptors.descriptor).size(), scripted ? 27U : 0U);
+    std::ostringstream rectangles;
+    rectangles << host.record.inRect << ' ' << host.record.outRect << ' ' << host.record.maskRect;
+    EXPECT_EQ(rectangles.str(), "0,0,0,0 0,0,0,0 0,0,0,0");
+  }
 }
 
 TEST(StartSelector, KeepsItsValuesForTheNextRunWithinTheirLimits) {

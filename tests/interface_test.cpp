@@ -278,18 +278,18 @@ TEST(PreviewRenders, AChangeThatCutsOneShortIsFollowedByADraftAndThenByFullQuali
   }
 }
 
-TEST(PreviewRenders, StopWhereTheHostFailsUntilAFetchSucceeds) {
+TEST(PreviewRenders, StopWhereTheHostFailsAndAskAgainAtTheNextChange) {
   for (const bool draft : {false, true}) {
-    Session s(draft ? "xF" : ".");
-    EXPECT_EQ(s.play(), draft ? "S1 R0 S2 " : "S1 R0 ");
+    Session s(draft ? "xFF" : ".");
+    EXPECT_EQ(s.play(), draft ? "S1 R0 S2 S2 " : "S1 R0 ");
     if (!draft) {
-      s.filter.script = "F";
-      EXPECT_EQ(s.zoom(1), "S2 ");
+      s.filter.script = "FF";
+      EXPECT_EQ(s.zoom(1), "S2 S2 ");
     }
     EXPECT_FALSE(s.view.hasBitmap());
+    EXPECT_FALSE(s.view.needsRender());
     s.view.RequestRender();
-    EXPECT_EQ(s.play(), "");
-    EXPECT_EQ(s.zoom(1), draft ? "S3 R1 S2 R0 " : "S3 R0 ");
+    EXPECT_EQ(s.play(), draft ? "S2 R1 S1 R0 " : "S2 R0 ");
     EXPECT_TRUE(s.view.hasBitmap());
   }
 }

@@ -155,7 +155,7 @@ TEST(WindowsModule, ExportsItsEntryAloneAndNeedsOnlyTheSystem) {
   EXPECT_TRUE(moduleFile().isLibrary());
   EXPECT_EQ(moduleFile().exports(), std::set<std::string>{"ENTRYPOINT"});
   const std::set<std::string> ofTheSystem{"KERNEL32.dll", "msvcrt.dll",   "USER32.dll",
-                                          "GDI32.dll",    "ADVAPI32.dll", "COMDLG32.dll",
+                                          "GDI32.dll",    "ADVAPI32.dll", "comdlg32.dll",
                                           "COMCTL32.dll"};
   for (const std::string& library : moduleFile().importedLibraries()) {
     EXPECT_TRUE(ofTheSystem.contains(library)) << library;

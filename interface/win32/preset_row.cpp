@@ -16,6 +16,20 @@ namespace {
 
 using Text = std::array<char, 256>;
 
+// The process's working directory, which the file dialog changes, put back.
+class WorkingDirectory {
+ public:
+  WorkingDirectory() { GetCurrentDirectoryA(static_cast<DWORD>(path_.size()), path_.data()); }
+  ~WorkingDirectory() {
+    if (path_[0] != '\0') SetCurrentDirectoryA(path_.data());
+  }
+  WorkingDirectory(const WorkingDirectory&) = delete;
+  WorkingDirectory& operator=(const WorkingDirectory&) = delete;
+
+ private:
+  std::array<char, 1024> path_{};
+};
+
 struct SaveAsRequest {
   PresetRow* row;
   std::string proposed;
@@ -42,7 +56,11 @@ INT_PTR CALLBACK SaveAsProcedure(HWND dialog, UINT message, WPARAM w, LPARAM l) 
     GetWindowTextA(edit, text.data(), static_cast<int>(text.size()));
     for (char& character : text) character = character == ' ' ? '_' : character;
     SetWindowTextA(edit, text.data());
-    if (const auto name = request->row->agreeOnName(text.data())) {
+    EnableWindow(dialog, FALSE);  // a question that the row asks is the main dialog's
+    const auto name = request->row->agreeOnName(text.data());
+    EnableWindow(dialog, TRUE);
+    SetForegroundWindow(dialog);
+    if (name) {
       request->agreed = *name;
       EndDialog(dialog, 0);
     } else {
@@ -122,8 +140,13 @@ std::optional<std::string> pfPreviewWin32::choosePresetFile(const std::string& p
   request.lpstrTitle = "Open Presets File";
   request.lpstrDefExt = "cfg";
   request.Flags = OFN_HIDEREADONLY | OFN_EXPLORER | OFN_LONGNAMES | OFN_ENABLESIZING;
-  if (GetOpenFileNameA(&request) == FALSE) return std::nullopt;
-  return text.data();
+  const WorkingDirectory hosts;
+  bool chosen = GetOpenFileNameA(&request) != FALSE;
+  if (!chosen && CommDlgExtendedError() == FNERR_INVALIDFILENAME) {
+    text.fill('\0');  // no path to begin with
+    chosen = GetOpenFileNameA(&request) != FALSE;
+  }
+  return chosen ? std::optional<std::string>(text.data()) : std::nullopt;
 }
 
 std::string pfPreviewWin32::askPresetName(const std::string& proposed) {

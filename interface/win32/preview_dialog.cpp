@@ -83,7 +83,9 @@ INT_PTR pfPreviewWin32::onPreviewMessage(UINT message, WPARAM w, LPARAM l) {
 void pfPreviewWin32::onPreviewOpens() {
   ReadDebugSwitches();
   const PreviewWindow window = ReadPreviewWindow(screenMetrics());
-  SetWindowPos(m_hPreview, nullptr, window.x, window.y, window.width, window.height, SWP_NOZORDER);
+  // In two steps: on a monitor of another scaling the system resizes what is moved there.
+  SetWindowPos(m_hPreview, nullptr, window.x, window.y, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
+  SetWindowPos(m_hPreview, nullptr, 0, 0, window.width, window.height, SWP_NOMOVE | SWP_NOZORDER);
   onSize();  // also where that was its size before
   if (window.startsMaximized()) ShowWindow(m_hPreview, SW_MAXIMIZE);
 }

@@ -46,11 +46,12 @@ bool pfPreviewWin32::Show(EditedFilter* filter, hostapi::FilterRecord* record,
         static_cast<void*>(record), ") )");
   const LogIndent indent;
   const VisualStyle style;
-  closing_ = quitting_ = false;
+  closing_ = quitting_ = confirmed_ = gone_ = false;
   view_.open(filter, record);
   presets_.open(filter);
   bool confirmed = false;
   if (openDialogs(widgets)) {
+    restOwner();
     prepare();
     confirmed = runMessageLoop();
   }
@@ -103,31 +104,32 @@ void pfPreviewWin32::prepare() {
   view_.RequestRender();
 }
 
-// Ends with the quit message, whose parameter is the result. A render that was wanted before it is
-// done first. A quit message that is the host's own is Cancel, and given back to the host.
+// A render that was wanted before the quit message is done first. A quit message that is the host's
+// own is given back to it, and none of ours is left.
 bool pfPreviewWin32::runMessageLoop() {
   MSG message;
   BOOL got = TRUE;
-  while (got > 0 && (got = GetMessageA(&message, nullptr, 0, 0)) > 0) {
+  while (got > 0 && !gone_ && (got = GetMessageA(&message, nullptr, 0, 0)) > 0) {
     for (MSG next; got > 0;) {
       if (IsDialogMessageA(m_hInterface, &message) == FALSE) {
         TranslateMessage(&message);
         DispatchMessageA(&message);
       }
-      if (PeekMessageA(&next, nullptr, 0, 0, PM_NOREMOVE) == FALSE) break;
+      if (gone_ || PeekMessageA(&next, nullptr, 0, 0, PM_NOREMOVE) == FALSE) break;
       got = GetMessageA(&message, nullptr, 0, 0);
     }
-    if (view_.needsRender()) view_.RenderUntilFinal();
+    if (!gone_ && view_.needsRender()) view_.RenderUntilFinal();
   }
-  if (got < 0) return false;
-  if (!quitting_) PostQuitMessage(static_cast<int>(message.wParam));
-  return quitting_ && message.wParam != 0;
+  if (got == 0 && !quitting_) PostQuitMessage(static_cast<int>(message.wParam));
+  if (got > 0 && quitting_) PeekMessageA(&message, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE);
+  return confirmed_ && !gone_;
 }
 
 void pfPreviewWin32::closeDialogs() {
   closing_ = true;
   pointer_.letGo();
   editing_.close();
+  wakeOwner();  // before its dialogs go, or another program comes to the front
   if (m_hInterface != nullptr) DestroyWindow(m_hInterface);
   if (m_hPreview != nullptr) DestroyWindow(m_hPreview);
   m_hInterface = m_hPreview = nullptr;
@@ -137,12 +139,34 @@ void pfPreviewWin32::closeDialogs() {
 }
 
 void pfPreviewWin32::onDestroyed() {
-  if (!closing_) quit(false);
+  if (closing_) return;
+  gone_ = true;
+  PostThreadMessageA(GetCurrentThreadId(), WM_NULL, 0, 0);  // wakes the loop
 }
 
 void pfPreviewWin32::quit(bool confirmed) {
-  if (!quitting_) PostQuitMessage(confirmed ? 1 : 0);
+  if (quitting_) return;
   quitting_ = true;
+  confirmed_ = confirmed;
+  PostQuitMessage(confirmed ? 1 : 0);
+}
+
+// One of another process is left alone: it would rest for good if this process ended early.
+void pfPreviewWin32::restOwner() {
+  const HWND owner = ownerWindow(view_.record());
+  const HWND window = owner == nullptr ? nullptr : GetAncestor(owner, GA_ROOT);
+  DWORD process = 0;
+  if (window != nullptr) GetWindowThreadProcessId(window, &process);
+  if (process != GetCurrentProcessId() || IsWindowEnabled(window) == FALSE) return;
+  restingOwner_ = window;
+  EnableWindow(window, FALSE);
+}
+
+void pfPreviewWin32::wakeOwner() {
+  if (restingOwner_ != nullptr && IsWindow(restingOwner_) != FALSE) {
+    EnableWindow(restingOwner_, TRUE);
+  }
+  restingOwner_ = nullptr;
 }
 
 bool pfPreviewWin32::AlternativeColorSelection(hostapi::FilterRecord* record, double* red,
@@ -159,6 +183,7 @@ bool pfPreviewWin32::AlternativeColorSelection(hostapi::FilterRecord* record, do
   request.rgbResult = RGB(toByte(*red), toByte(*green), toByte(*blue));
   request.lpCustColors = customColors;
   request.Flags = CC_RGBINIT | CC_FULLOPEN | CC_ANYCOLOR;
+  EnableWindow(m_hInterface, TRUE);  // the chooser rests and wakes its owner itself
   const bool chosen = ChooseColorA(&request) != FALSE;
   if (chosen) {
     constexpr double scale = 0.00392156862745098;  // 1 / 255
@@ -242,7 +267,7 @@ std::optional<std::array<std::uint8_t, 3>> pfPreviewWin32::screenColor(Point poi
 void pfPreviewWin32::enableDialogs(bool enabled) {
   EnableWindow(m_hInterface, enabled ? TRUE : FALSE);
   EnableWindow(m_hPreview, enabled ? TRUE : FALSE);
-  if (enabled) SetActiveWindow(m_hInterface);
+  if (enabled) SetForegroundWindow(m_hInterface);
 }
 
 Box pfPreviewWin32::controlBox(int id) const {

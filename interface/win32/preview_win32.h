@@ -83,12 +83,19 @@ class pfPreviewWin32 final : public pfPreview, private PreviewWindows, private P
   // Ends the message loop; only the first call counts, so that no quit message is left for the
   // host.
   void quit(bool confirmed);
-  // A dialog that goes while the interface is open takes it along, as Cancel.
+  // A dialog that goes while the interface is open takes it along, as Cancel: its owner may have
+  // gone, and a quit message may be the host's own.
   void onDestroyed();
+  // The window that the host's user works in rests while the dialogs are open.
+  void restOwner();
+  void wakeOwner();
 
   HWND m_hInterface = nullptr;
   HWND m_hPreview = nullptr;
-  bool quitting_ = false;
+  HWND restingOwner_ = nullptr;
+  bool quitting_ = false;  // by our own quit message
+  bool confirmed_ = false;
+  bool gone_ = false;  // a dialog is, without our doing
   bool closing_ = false;
   bool releasing_ = false;  // the mouse, by our own will
   bool bShowHandle = true;

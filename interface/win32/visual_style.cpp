@@ -11,15 +11,16 @@ HINSTANCE moduleInstance() {
 }
 
 VisualStyle::VisualStyle() {
-  ACTCTXA request{};
+  ACTCTXW request{};
   request.cbSize = sizeof request;
   request.dwFlags = ACTCTX_FLAG_RESOURCE_NAME_VALID | ACTCTX_FLAG_HMODULE_VALID;
   request.hModule = moduleInstance();
-  request.lpResourceName = MAKEINTRESOURCEA(2);  // the manifest
-  char path[MAX_PATH];
-  const DWORD length = GetModuleFileNameA(moduleInstance(), path, sizeof path);
-  if (length > 0 && length < sizeof path) request.lpSource = path;
-  context_ = CreateActCtxA(&request);
+  request.lpResourceName = MAKEINTRESOURCEW(2);  // the manifest
+  wchar_t path[1024];
+  constexpr DWORD room = sizeof path / sizeof *path;
+  const DWORD length = GetModuleFileNameW(moduleInstance(), path, room);
+  if (length > 0 && length < room) request.lpSource = path;
+  context_ = CreateActCtxW(&request);
   active_ = context_ != INVALID_HANDLE_VALUE && ActivateActCtx(context_, &cookie_) != FALSE;
 
   INITCOMMONCONTROLSEX controls{sizeof controls, ICC_STANDARD_CLASSES | ICC_BAR_CLASSES};
@@ -27,7 +28,8 @@ VisualStyle::VisualStyle() {
 }
 
 VisualStyle::~VisualStyle() {
-  if (active_) DeactivateActCtx(0, cookie_);
+  // Also where a callback of the host has left a context of its own behind.
+  if (active_) DeactivateActCtx(DEACTIVATE_ACTCTX_FLAG_FORCE_EARLY_DEACTIVATION, cookie_);
   if (context_ != INVALID_HANDLE_VALUE) ReleaseActCtx(context_);
 }
 

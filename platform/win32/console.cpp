@@ -8,13 +8,23 @@ HANDLE asHandle(std::uintptr_t handle) {
   return reinterpret_cast<HANDLE>(handle);
 }
 
+// Closing the window of a console, or Ctrl-C in it, would end the host.
+void keepFromEndingTheProcess() {
+  SetConsoleCtrlHandler(nullptr, TRUE);
+  DeleteMenu(GetSystemMenu(GetConsoleWindow(), FALSE), SC_CLOSE, MF_BYCOMMAND);
+}
+
 }  // namespace
 
+// A host's own console is written to and stays the host's.
 void Console::open(const char* title, int columns, int lines) {
-  AllocConsole();
-  SetConsoleTitleA(title);
+  ownsConsole_ = AllocConsole() != FALSE;
   const HANDLE output = GetStdHandle(STD_OUTPUT_HANDLE);
-  SetConsoleScreenBufferSize(output, {static_cast<SHORT>(columns), static_cast<SHORT>(lines)});
+  if (ownsConsole_) {
+    keepFromEndingTheProcess();
+    SetConsoleTitleA(title);
+    SetConsoleScreenBufferSize(output, {static_cast<SHORT>(columns), static_cast<SHORT>(lines)});
+  }
   handle_ = reinterpret_cast<std::uintptr_t>(output);
 }
 
@@ -24,7 +34,7 @@ void Console::write(const std::string& text) {
 }
 
 void Console::close() {
-  if (handle_ != 0) FreeConsole();
+  if (handle_ != 0 && ownsConsole_) FreeConsole();
   handle_ = 0;
 }
 

@@ -3,17 +3,19 @@
 
 namespace radiashafts::platform {
 
+// A window that never has enough of its own messages holds a render up, and does not stop it.
 bool pumpPendingMessages() {
+  constexpr DWORD longest = 50;  // milliseconds
+  const DWORD start = GetTickCount();
   MSG message;
-  while (PeekMessageA(&message, nullptr, 0, 0, PM_NOREMOVE) != 0) {
-    const BOOL got = GetMessageA(&message, nullptr, 0, 0);
-    if (got == 0) {
+  while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE) != 0) {
+    if (message.message == WM_QUIT) {
       PostQuitMessage(static_cast<int>(message.wParam));
       return false;
     }
-    if (got == -1) continue;
     TranslateMessage(&message);
     DispatchMessageA(&message);
+    if (GetTickCount() - start > longest) break;
   }
   return true;
 }

@@ -105,11 +105,22 @@ bool TemporaryFile::flush() {
   return FlushFileBuffers(fileOf(handle_)) != 0 || failed();
 }
 
+// What looks at every new file of the machine may hold this one for a moment.
 bool TemporaryFile::putInPlace() {
   constexpr DWORD flags = MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH;
+  constexpr int attempts = 10;
+  constexpr DWORD pause = 50;  // milliseconds
   CloseHandle(fileOf(handle_));
   handle_ = -1;
-  if (MoveFileExA(path_.c_str(), place_.c_str(), flags) == 0) return failed();
+  for (int attempt = 1; MoveFileExA(path_.c_str(), place_.c_str(), flags) == 0; ++attempt) {
+    const DWORD error = GetLastError();
+    const bool held = error == ERROR_ACCESS_DENIED || error == ERROR_SHARING_VIOLATION;
+    if (!held || attempt == attempts) {
+      SetLastError(error);
+      return failed();
+    }
+    Sleep(pause);
+  }
   opened_ = false;
   return true;
 }

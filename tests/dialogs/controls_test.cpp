@@ -119,6 +119,15 @@ TEST_F(Controls, TypedValuesAndTheHostsColorsComeBack) {
     EXPECT_TRUE(eventually([&] { return dialogs.swatch(facts->controls[0]) == RGB(10, 20, 30); }))
         << facts->name;
   }
+  for (const ParameterFacts* facts : ofKind(ParameterKind::color)) {
+    RECT rect{};
+    GetWindowRect(dialogs.control(facts->controls[0]), &rect);
+    const POINT middle = dialogs.middleOf(facts->controls[0]);
+    for (const POINT edge : {POINT{rect.left, middle.y}, POINT{rect.right - 1, middle.y},
+                             POINT{middle.x, rect.top}, POINT{middle.x, rect.bottom - 1}}) {
+      EXPECT_EQ(screenPixel(edge), RGB(0, 0, 0)) << facts->name << "'s frame is covered";
+    }
+  }
   const Options options = confirm(host, dialogs);
   for (const ParameterFacts* facts : ofKind(ParameterKind::number)) {
     expectNumber(options, *facts, typed[facts->name]);

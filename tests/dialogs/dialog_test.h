@@ -15,6 +15,9 @@ namespace radiashafts::test {
 class DialogTest : public testing::Test {
  protected:
   void SetUp() override {
+    // Wine's window system starts with its first window, and two threads that both have the first
+    // one may wait for each other for ever.
+    DestroyWindow(CreateWindowA("STATIC", "", 0, 0, 0, 0, 0, nullptr, nullptr, nullptr, nullptr));
     forgetSettings();
     removeFiles();  // of a run that was ended from outside
   }

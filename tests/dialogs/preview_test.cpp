@@ -195,6 +195,7 @@ TEST_F(Preview, PanAndZoomKeepThePlaceInTheMiddle) {
   dialogs.hideHandle();
   const RECT frame = dialogs.frame();
   const POINT middle{(frame.left + frame.right) / 2, (frame.top + frame.bottom) / 2};
+  dialogs.clickOn(ID_FIXED_PREVIEW);      // drafts round the view to their own, coarser pixels
   ASSERT_TRUE(dialogs.zoomTo("33.33%"));  // all of it: its own middle is in the middle
   ASSERT_TRUE(dialogs.zoomTo("100%"));
   const auto isAt = [](POINT point, POINT place, int tolerance) {
@@ -205,7 +206,7 @@ TEST_F(Preview, PanAndZoomKeepThePlaceInTheMiddle) {
         },
         5000);
   };
-  ASSERT_TRUE(isAt(middle, {500 & 255, 450 & 255}, 2))
+  ASSERT_TRUE(isAt(middle, {500 & 255, 450 & 255}, 3))
       << placeAt(middle).x << ' ' << placeAt(middle).y;
 
   const POINT grabbed{middle.x + 40, middle.y - 20};

@@ -1,14 +1,15 @@
 #include <windows.h>
 
 #include <atomic>
+#include <cstring>
 #include <mutex>
 #include <thread>
 
-#include "tests/support/error_box.h"
+#include "tests/support/closed_windows.h"
 
 namespace radiashafts::test {
 
-struct ErrorBoxes::State {
+struct ClosedWindows::State {
   std::mutex mutex;
   std::string texts;
   std::atomic<bool> done{false};
@@ -16,8 +17,20 @@ struct ErrorBoxes::State {
     for (; !done; Sleep(20)) {
       const HWND box = FindWindowA("#32770", "Radiashafts");
       if (box != nullptr) read(box);
+      EnumWindows(cancelDialog, 0);
     }
   }};
+
+  static BOOL CALLBACK cancelDialog(HWND window, LPARAM) {
+    DWORD process = 0;
+    GetWindowThreadProcessId(window, &process);
+    char caption[32] = "";
+    GetWindowTextA(window, caption, sizeof caption);
+    const bool isDialog =
+        std::strncmp(caption, "Radiashafts  V", 14) == 0 || std::strcmp(caption, "About") == 0;
+    if (process == GetCurrentProcessId() && isDialog) PostMessageA(window, WM_CLOSE, 0, 0);
+    return TRUE;
+  }
 
   void read(HWND box) {
     const HWND label = GetDlgItem(box, 0xFFFF);  // the text of a message box
@@ -32,14 +45,14 @@ struct ErrorBoxes::State {
   }
 };
 
-ErrorBoxes::ErrorBoxes() : state_(std::make_unique<State>()) {}
+ClosedWindows::ClosedWindows() : state_(std::make_unique<State>()) {}
 
-ErrorBoxes::~ErrorBoxes() {
+ClosedWindows::~ClosedWindows() {
   state_->done = true;
   state_->watcher.join();
 }
 
-std::string ErrorBoxes::texts() {
+std::string ClosedWindows::texts() {
   const std::lock_guard lock(state_->mutex);
   return state_->texts;
 }

@@ -2,23 +2,23 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/support/error_box.h"
+#include "tests/support/closed_windows.h"
 
 namespace radiashafts::test {
 
-struct ErrorBoxes::State {
+struct ClosedWindows::State {
   bool capturing = true;
 };
 
-ErrorBoxes::ErrorBoxes() : state_(std::make_unique<State>()) {
+ClosedWindows::ClosedWindows() : state_(std::make_unique<State>()) {
   testing::internal::CaptureStderr();
 }
 
-ErrorBoxes::~ErrorBoxes() {
+ClosedWindows::~ClosedWindows() {
   if (state_->capturing) testing::internal::GetCapturedStderr();
 }
 
-std::string ErrorBoxes::texts() {
+std::string ClosedWindows::texts() {
   state_->capturing = false;
   return testing::internal::GetCapturedStderr();
 }

@@ -84,8 +84,7 @@ class Presets : public DialogTest {
 
   // The save as dialog, once its edit has all of the text selected.
   static DialogDriver askForName(const DialogDriver& dialogs) {
-    dialogs.clickOn(ID_SAVE_PRESET);
-    const DialogDriver box = DialogDriver::over(awaitBox(dialogs, "save as"));
+    const DialogDriver box = DialogDriver::over(awaitBox(dialogs, "save as", ID_SAVE_PRESET));
     EXPECT_TRUE(awaitSelectedName(box));
     return box;
   }
@@ -104,15 +103,17 @@ class Presets : public DialogTest {
     EXPECT_TRUE(eventually([&] { return box.text(ID_SETTING_NAME) == name; }));
   }
 
-  static bool closes(const DialogDriver& box) {
-    return eventually([&box] { return box.isClosed(); });
+  static bool closes(const DialogDriver& dialogs, const DialogDriver& box) {
+    const bool closed = eventually([&box] { return box.isClosed(); });
+    awaitPanel(dialogs);
+    return closed;
   }
 
   static void saveAs(const DialogDriver& dialogs, const std::string& name) {
     const DialogDriver box = askForName(dialogs);
     type(box, name);
     pressKey(VK_RETURN);
-    EXPECT_TRUE(closes(box));
+    EXPECT_TRUE(closes(dialogs, box));
   }
 
   // Whether the preview shows the picture that went in, rays or none.
@@ -148,7 +149,7 @@ TEST_F(Presets, LiveFromANewFileToTheLastDeletion) {
   saveScreenshot("save-as");
   type(box, "a b");
   box.clickOn(IDCANCEL);
-  EXPECT_TRUE(closes(box));
+  EXPECT_TRUE(closes(dialogs, box));
   EXPECT_EQ(read("new.cfg"), "no file");
   saveAs(dialogs, "in the morning");
   EXPECT_TRUE(shows(dialogs, "in_the_morning", "3.5"));
@@ -162,7 +163,7 @@ TEST_F(Presets, LiveFromANewFileToTheLastDeletion) {
   EXPECT_EQ(box.text(ID_SETTING_NAME), "in_the_morning");
   type(box, "Dark");
   pressKey(VK_RETURN);
-  EXPECT_TRUE(closes(box));
+  EXPECT_TRUE(closes(dialogs, box));
   EXPECT_TRUE(shows(dialogs, "Dark", "0"));
   EXPECT_EQ(names(dialogs), (Names{"Dark", "in_the_morning"}));
 
@@ -178,7 +179,7 @@ TEST_F(Presets, LiveFromANewFileToTheLastDeletion) {
   EXPECT_EQ(read("new.cfg"), before);
   box.clickOn(IDOK);
   EXPECT_EQ(answer(dialogs, "Overwrite Setting?", IDYES), overwritePrompt);
-  EXPECT_TRUE(closes(box));
+  EXPECT_TRUE(closes(dialogs, box));
   EXPECT_TRUE(shows(dialogs, "in_the_morning", "4"));
   EXPECT_EQ(names(dialogs), (Names{"Dark", "in_the_morning"}));
   EXPECT_EQ(read("new.cfg"),
@@ -201,18 +202,15 @@ TEST_F(Presets, LiveFromANewFileToTheLastDeletion) {
   EXPECT_TRUE(comesToShowRays(dialogs, false));
 
   // Deleting asks, and loads what came next in the list without a render.
-  dialogs.clickOn(ID_DELETE_PRESET);
-  EXPECT_EQ(answer(dialogs, "Delete Preset?", IDNO), deletePrompt);
+  EXPECT_EQ(answer(dialogs, "Delete Preset?", IDNO, ID_DELETE_PRESET), deletePrompt);
   EXPECT_TRUE(shows(dialogs, "Dark", "0"));
   EXPECT_EQ(names(dialogs).size(), 2U);
-  dialogs.clickOn(ID_DELETE_PRESET);
-  EXPECT_EQ(answer(dialogs, "Delete Preset?", IDYES), deletePrompt);
+  EXPECT_EQ(answer(dialogs, "Delete Preset?", IDYES, ID_DELETE_PRESET), deletePrompt);
   EXPECT_TRUE(shows(dialogs, "in_the_morning", "4"));
   EXPECT_EQ(names(dialogs), Names{"in_the_morning"});
   EXPECT_EQ(read("new.cfg"), header + "\r\n" + entry("in_the_morning", "4.000000"));
   EXPECT_FALSE(eventually([&] { return !showsNoRays(dialogs); }, 500));
-  dialogs.clickOn(ID_DELETE_PRESET);
-  EXPECT_EQ(answer(dialogs, "Delete Preset?", IDYES), deletePrompt);
+  EXPECT_EQ(answer(dialogs, "Delete Preset?", IDYES, ID_DELETE_PRESET), deletePrompt);
   EXPECT_TRUE(eventually([&] { return row(dialogs) == "1101"; })) << row(dialogs);
   EXPECT_TRUE(shows(dialogs, "", "4"));
   EXPECT_EQ(read("new.cfg"), header);
@@ -269,8 +267,8 @@ TEST_F(Presets, TheInterfacesEndIsNoYesToAnyPrompt) {
     dialogs.chooseEntry(ID_PRESETS, 0);
     EXPECT_TRUE(shows(dialogs, "Mine", "1"));
     dialogs.replaceText(intensityEdit, "3");
-    dialogs.clickOn(button);
-    ASSERT_NE(awaitBox(dialogs, button == ID_SAVE_PRESET ? "save as" : "Delete Preset?"), nullptr);
+    ASSERT_NE(awaitBox(dialogs, button == ID_SAVE_PRESET ? "save as" : "Delete Preset?", button),
+              nullptr);
     click(dialogs.onScreen({3, 3}));
     EXPECT_TRUE(eventually([&] { return GetForegroundWindow() == dialogs.preview(); }));
     EXPECT_TRUE(pressKeyUntil(VK_ESCAPE, [&] { return dialogs.isClosed(); }));

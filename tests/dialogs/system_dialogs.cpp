@@ -60,8 +60,18 @@ std::ostream& operator<<(std::ostream& stream, const Prompt& prompt) {
   return stream << (prompt.isOverPanel ? " over the dialog" : " by itself");
 }
 
-HWND awaitBox(const DialogDriver& dialogs, const std::string& caption) {
-  const HWND box = awaitDialog(processOf(dialogs.panel()), caption);
+HWND awaitBox(const DialogDriver& dialogs, const std::string& caption, int button) {
+  HWND box = nullptr;
+  const auto isThere = [&] {
+    box = FindWindowA("#32770", caption.c_str());
+    return box != nullptr && IsWindowVisible(box) != FALSE &&
+           processOf(box) == processOf(dialogs.panel());
+  };
+  const bool found = eventually([&] {
+    if (button != 0) dialogs.clickOn(button);
+    return eventually(isThere, 2000);
+  });
+  if (!found) return nullptr;
   RECT last{};
   int steady = 0;
   eventually([&] {
@@ -74,8 +84,12 @@ HWND awaitBox(const DialogDriver& dialogs, const std::string& caption) {
   return box;
 }
 
-Prompt answer(const DialogDriver& dialogs, const std::string& caption, int button) {
-  const HWND box = awaitBox(dialogs, caption);
+void awaitPanel(const DialogDriver& dialogs) {
+  eventually([&] { return GetForegroundWindow() == dialogs.panel(); }, 2000);
+}
+
+Prompt answer(const DialogDriver& dialogs, const std::string& caption, int button, int pressed) {
+  const HWND box = awaitBox(dialogs, caption, pressed);
   if (box == nullptr) return {"no prompt", {}};
   Prompt prompt;
   for (const std::string& text : textsIn(box, "Static")) prompt.text += text;
@@ -87,12 +101,12 @@ Prompt answer(const DialogDriver& dialogs, const std::string& caption, int butto
     return isGone(box, 1000);
   });
   if (!gone) prompt.text += " that stays";
+  awaitPanel(dialogs);
   return prompt;
 }
 
 void openPresets(const DialogDriver& dialogs, const std::string& path) {
-  dialogs.clickOn(ID_OPEN_PRESETS);
-  const HWND box = awaitBox(dialogs, "Open Presets File");
+  const HWND box = awaitBox(dialogs, "Open Presets File", ID_OPEN_PRESETS);
   if (box == nullptr) return;
   const HWND list = GetDlgItem(box, fileNameList);
   const HWND edit = list == nullptr ? GetDlgItem(box, fileNameEdit) : editOf(list);

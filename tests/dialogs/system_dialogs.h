@@ -13,8 +13,11 @@ namespace radiashafts::test {
 // The visible texts in a dialog's own controls of a class, in their order.
 std::vector<std::string> textsIn(HWND dialog, const char* windowClass);
 
-// The dialog of that caption beside the two, once the window manager has done with it.
-HWND awaitBox(const DialogDriver& dialogs, const std::string& caption);
+// The dialog of that caption beside the two, once the window manager has done with it. A button of
+// the parameter dialog is pressed for it: as a user does, again where a click came too early.
+HWND awaitBox(const DialogDriver& dialogs, const std::string& caption, int button = 0);
+// Until the parameter dialog has the keyboard again, where no other box follows.
+void awaitPanel(const DialogDriver& dialogs);
 
 // A message box over the parameter dialog.
 struct Prompt {
@@ -26,9 +29,9 @@ struct Prompt {
 };
 std::ostream& operator<<(std::ostream& stream, const Prompt& prompt);
 
-// Waits for the box of that caption, reads it, and answers by a click on a button. The box is gone
-// afterwards.
-Prompt answer(const DialogDriver& dialogs, const std::string& caption, int button);
+// Waits for the box of that caption, for which a button may have to be pressed, reads it, and
+// answers by a click on one of its own. The box is gone afterwards.
+Prompt answer(const DialogDriver& dialogs, const std::string& caption, int button, int pressed = 0);
 
 // Presses "open..." and types the path into the system's dialog.
 void openPresets(const DialogDriver& dialogs, const std::string& path);

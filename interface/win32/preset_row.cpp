@@ -58,6 +58,7 @@ INT_PTR CALLBACK SaveAsProcedure(HWND dialog, UINT message, WPARAM w, LPARAM l) 
     SetWindowTextA(edit, text.data());
     EnableWindow(dialog, FALSE);  // a question that the row asks is the main dialog's
     const auto name = request->row->agreeOnName(text.data());
+    EnableWindow(GetWindow(dialog, GW_OWNER), FALSE);  // the question's end may have enabled it
     EnableWindow(dialog, TRUE);
     SetForegroundWindow(dialog);
     if (name) {

@@ -174,6 +174,7 @@ TEST_F(Presets, LiveFromANewFileToTheLastDeletion) {
   type(box, "In The Morning");
   pressKey(VK_RETURN);
   EXPECT_EQ(answer(dialogs, "Overwrite Setting?", IDNO), overwritePrompt);
+  EXPECT_EQ(IsWindowEnabled(dialogs.panel()), FALSE);
   EXPECT_TRUE(awaitSelectedName(box));
   EXPECT_EQ(box.text(ID_SETTING_NAME), "In_The_Morning");
   EXPECT_EQ(read("new.cfg"), before);

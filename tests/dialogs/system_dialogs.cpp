@@ -85,7 +85,14 @@ HWND awaitBox(const DialogDriver& dialogs, const std::string& caption, int butto
 }
 
 void awaitPanel(const DialogDriver& dialogs) {
-  eventually([&] { return GetForegroundWindow() == dialogs.panel(); }, 2000);
+  if (IsWindowEnabled(dialogs.panel()) == FALSE) return;
+  eventually(
+      [&] {
+        if (GetForegroundWindow() != dialogs.panel()) SetForegroundWindow(dialogs.panel());
+        Sleep(20);
+        return GetForegroundWindow() == dialogs.panel();
+      },
+      2000);
 }
 
 Prompt answer(const DialogDriver& dialogs, const std::string& caption, int button, int pressed) {

@@ -16,7 +16,7 @@ std::vector<std::string> textsIn(HWND dialog, const char* windowClass);
 // The dialog of that caption beside the two, once the window manager has done with it. A button of
 // the parameter dialog is pressed for it: as a user does, again where a click came too early.
 HWND awaitBox(const DialogDriver& dialogs, const std::string& caption, int button = 0);
-// Until the parameter dialog has the keyboard again, where no other box follows.
+// Brings the parameter dialog to the front, where no other box holds it.
 void awaitPanel(const DialogDriver& dialogs);
 
 // A message box over the parameter dialog.

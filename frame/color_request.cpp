@@ -7,12 +7,11 @@
 #include "hostapi/color_services.h"
 #include "hostapi/constants.h"
 #include "image/color.h"
+#include "interface/chosen_color.h"
 #include "interface/preview_geometry.h"
 
 namespace radiashafts {
 namespace {
-
-constexpr double channelScale = 0.00392156862745098;  // 1 / 255
 
 std::int16_t component(double channel) {
   return static_cast<std::int16_t>(std::clamp(wholePixels(channel * 255.0), 0, 255));
@@ -25,12 +24,11 @@ bool pfFilter::RequestColor(hostapi::FilterRecord* record, double* red, double* 
   trace("pfFilter::RequestColor( pFilterRecord(0x", static_cast<void*>(record), "), fRed(", *red,
         "), fGreen(", *green, "), fBlue(", *blue, ") )");
   const LogIndent indent;
-  const bool grey =
-      record->imageMode == hostapi::modeGrayScale || record->imageMode == hostapi::modeGray16;
   hostapi::ColorServicesInfo info{};
   info.infoSize = sizeof info;
   info.selector = hostapi::colorServicesChooseColor;
-  info.sourceSpace = grey ? hostapi::colorSpaceGray : hostapi::colorSpaceRGB;
+  info.sourceSpace =
+      choosesGrey(record->imageMode) ? hostapi::colorSpaceGray : hostapi::colorSpaceRGB;
   info.resultSpace = hostapi::colorSpaceRGB;
   auto& components = info.colorComponents;
   components[0] = component(*red);
@@ -48,9 +46,9 @@ bool pfFilter::RequestColor(hostapi::FilterRecord* record, double* red, double* 
     trace("result space = ", info.resultSpace);
     chosen = code == 0;
     if (chosen) {
-      *red = components[0] * channelScale;
-      *green = components[1] * channelScale;
-      *blue = components[2] * channelScale;
+      *red = components[0] * channelOfByte;
+      *green = components[1] * channelOfByte;
+      *blue = components[2] * channelOfByte;
     }
   }
   // The interface's own chooser does not write into the components: on a greyscale picture it
@@ -59,7 +57,7 @@ bool pfFilter::RequestColor(hostapi::FilterRecord* record, double* red, double* 
     *red = *green = *blue =
         (components[0] * luminanceWeights[0] + components[2] * luminanceWeights[2] +
          components[1] * luminanceWeights[1]) *
-        channelScale;
+        channelOfByte;
   }
   trace("pfFilter::RequestColor( return(", chosen, ") fRed(", *red, "), fGreen(", *green,
         "), fBlue(", *blue, ") )");

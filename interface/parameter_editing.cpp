@@ -3,20 +3,11 @@
 #include <algorithm>
 #include <cmath>
 
-#include "hostapi/constants.h"
 #include "image/color.h"
+#include "interface/chosen_color.h"
 #include "interface/live_preview.h"
 
 namespace radiashafts {
-namespace {
-
-bool showsGrey(const hostapi::FilterRecord& record) {
-  return record.imageMode == hostapi::modeGrayScale || record.imageMode == hostapi::modeGray16;
-}
-
-constexpr double byteScale = 0.00392156862745098;  // 1 / 255
-
-}  // namespace
 
 void ParameterEditing::open(WidgetList* widgets, ControlPanel* panel) {
   widgets_ = widgets;
@@ -40,9 +31,7 @@ bool ParameterEditing::OnControlChange(int id, bool withUndo) {
   if (!widget->OnChange()) return false;
   view_.RequestRender();
   if (before != nullptr) {
-    UndoHistory& history = view_.filter().undoHistory;
-    history.Push(std::move(before));
-    ++history.nGroup;
+    view_.filter().undoHistory.PushStep(std::move(before));
     view_.UpdateUndoButtons();
   }
   return true;
@@ -77,9 +66,7 @@ void ParameterEditing::Reset() {
 }
 
 void ParameterEditing::record(pfParameter& parameter) {
-  UndoHistory& history = view_.filter().undoHistory;
-  history.Push(parameter.CreateUndo());
-  ++history.nGroup;
+  view_.filter().undoHistory.PushStep(parameter.CreateUndo());
   view_.UpdateUndoButtons();
 }
 
@@ -122,8 +109,8 @@ void ParameterEditing::OnSwatchRightUp(Point point) {
 }
 
 void ParameterEditing::pipetteTakes(const std::array<std::uint8_t, 3>& color) {
-  const bool renderNeeded =
-      pickedColor_->SetValue(color[0] * byteScale, color[1] * byteScale, color[2] * byteScale);
+  const bool renderNeeded = pickedColor_->SetValue(
+      color[0] * channelOfByte, color[1] * channelOfByte, color[2] * channelOfByte);
   if (renderNeeded) view_.RequestRender();
 }
 
@@ -149,7 +136,7 @@ std::vector<ParameterEditing::Swatch> ParameterEditing::swatches() {
     const auto* swatch = dynamic_cast<const pfParameterUIRGB*>(widget.get());
     if (swatch == nullptr || !swatch->visible) continue;
     const auto& [red, green, blue] = swatch->bound().value();
-    if (showsGrey(view_.record()) && !(red == green && green == blue)) {
+    if (choosesGrey(view_.record().imageMode) && !(red == green && green == blue)) {
       const double grey = luminance<3>(swatch->bound().value().data());
       // What is no number never compares equal: it would be painted again without end.
       if (std::isfinite(grey)) swatch->bound().SetValue(grey, grey, grey);

@@ -23,9 +23,7 @@ void PreviewPointer::OnLeftDown(Point point) {
   if (editing_.pipetteActive()) return;
   draggedOrigin_ = editing_.FindOriginParameter();
   if (draggedOrigin_ == nullptr) return;
-  UndoHistory& history = view_.filter().undoHistory;
-  history.Push(draggedOrigin_->CreateUndo());
-  ++history.nGroup;
+  view_.filter().undoHistory.PushStep(draggedOrigin_->CreateUndo());
   dragOriginTo(point);
 }
 

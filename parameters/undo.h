@@ -62,6 +62,11 @@ class UndoHistory {
   // Keeps the record when the history is enabled and the record is not null. A full ring forgets
   // its oldest group whole.
   void Push(std::unique_ptr<pfUndo> record);
+  // A record that is a step by itself.
+  void PushStep(std::unique_ptr<pfUndo> record) {
+    Push(std::move(record));
+    ++nGroup;
+  }
 
   bool Undo();  // whether any record was applied
   bool Redo();

@@ -5,6 +5,7 @@
 #include <commdlg.h>
 
 #include "diagnostics/debug_log.h"
+#include "interface/chosen_color.h"
 #include "interface/dialog_ids.h"
 #include "interface/live_preview.h"
 #include "interface/remembered_settings.h"
@@ -186,10 +187,9 @@ bool pfPreviewWin32::AlternativeColorSelection(hostapi::FilterRecord* record, do
   EnableWindow(m_hInterface, TRUE);  // the chooser rests and wakes its owner itself
   const bool chosen = ChooseColorA(&request) != FALSE;
   if (chosen) {
-    constexpr double scale = 0.00392156862745098;  // 1 / 255
-    *red = GetRValue(request.rgbResult) * scale;
-    *green = GetGValue(request.rgbResult) * scale;
-    *blue = GetBValue(request.rgbResult) * scale;
+    *red = GetRValue(request.rgbResult) * channelOfByte;
+    *green = GetGValue(request.rgbResult) * channelOfByte;
+    *blue = GetBValue(request.rgbResult) * channelOfByte;
   }
   trace("pfPreviewWin32::AlternativeColorSelection( return(", chosen, ") fRed(", *red, "), fGreen(",
         *green, "), fBlue(", *blue, ") )");

@@ -8,21 +8,30 @@
 namespace radiashafts::bench {
 namespace {
 
-constexpr int width = 6000;
-constexpr int height = 4000;
-
 // Waves of brightness, so that no two rows are alike and every channel moves.
 double waveOver(int x, int channel) {
-  return 0.25 * std::sin(x * 0.013 + channel);
+  return 0.22 * std::sin(x * 0.013 + channel);
 }
 
 double waveDown(int y, int channel) {
-  return 0.25 * std::cos(y * 0.017 - channel);
+  return 0.22 * std::cos(y * 0.017 - channel);
 }
+
+// Without grain the processor foresees every decision of a render, as it cannot in a photograph.
+class Grain {
+ public:
+  double next() {
+    state_ = state_ * 1664525 + 1013904223;
+    return (state_ >> 8) * 0x1p-24 * 0.04 - 0.02;
+  }
+
+ private:
+  std::uint32_t state_ = 1;
+};
 
 }  // namespace
 
-standin::Picture makePicture(int depth, int colorPlanes, bool alpha) {
+standin::Picture makePicture(int width, int height, int depth, int colorPlanes, bool alpha) {
   standin::Picture picture;
   picture.width = width;
   picture.height = height;
@@ -35,12 +44,14 @@ standin::Picture makePicture(int depth, int colorPlanes, bool alpha) {
   for (int x = 0; x < width; ++x) {
     for (int c = 0; c < picture.planes; ++c) row.push_back(0.5 + waveOver(x, c));
   }
+  Grain grain;
   std::size_t i = 0;
   for (int y = 0; y < height; ++y) {
     std::array<double, 4> down{};
     for (int c = 0; c < picture.planes; ++c) down[static_cast<std::size_t>(c)] = waveDown(y, c);
     for (std::size_t k = 0; k < row.size(); ++k, ++i) {
-      const double value = row[k] + down[k % static_cast<std::size_t>(picture.planes)];
+      const double value =
+          row[k] + down[k % static_cast<std::size_t>(picture.planes)] + grain.next();
       if (depth == 8) {
         picture.bytes[i] = static_cast<std::uint8_t>(value * 255.0);
       } else if (depth == 16) {

@@ -5,7 +5,7 @@
 
 namespace radiashafts::bench {
 
-// 6000 x 4000 pixels of brightness waves at 8, 16 or 32 bits a channel.
-standin::Picture makePicture(int depth, int colorPlanes, bool alpha);
+// Brightness waves with the grain of a photograph, at 8, 16 or 32 bits a channel.
+standin::Picture makePicture(int width, int height, int depth, int colorPlanes, bool alpha);
 
 }  // namespace radiashafts::bench

@@ -15,7 +15,7 @@ namespace radiashafts::bench {
 namespace {
 
 void printTimes(standin::EntryPoint entry, int depth, double soften, int renders) {
-  const standin::Picture input = makePicture(depth, 3, false);
+  const standin::Picture input = makePicture(6000, 4000, depth, 3, false);
   const standin::Script script{{hostapi::fourCharacterCode("SELS"), soften}};
   standin::Picture output = input;
   for (int i = 0; i < renders; ++i) {

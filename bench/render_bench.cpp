@@ -1,4 +1,4 @@
-// Times whole renders through the module's entry, at 6000 x 4000 pixels.
+// Times whole renders through the module's entry.
 
 #include <cstdlib>
 
@@ -19,9 +19,10 @@ standin::EntryPoint moduleEntry() {
 }
 
 // Arguments: depth, colour planes, alpha, mode (1 straight, 2 smooth), soften in hundredths.
-void BM_Render(benchmark::State& state) {
+void render(benchmark::State& state, int width, int height) {
   const auto argument = [&state](int i) { return static_cast<int>(state.range(i)); };
-  const standin::Picture input = bench::makePicture(argument(0), argument(1), argument(2) != 0);
+  const standin::Picture input =
+      bench::makePicture(width, height, argument(0), argument(1), argument(2) != 0);
   const standin::Script script{
       {hostapi::fourCharacterCode("MODE"), std::int32_t{argument(3)}},
       {hostapi::fourCharacterCode("SELS"), argument(4) / 100.0},
@@ -34,6 +35,15 @@ void BM_Render(benchmark::State& state) {
   rusage usage{};
   getrusage(RUSAGE_SELF, &usage);
   state.counters["peak_MB"] = static_cast<double>(usage.ru_maxrss) * 1024.0 / 1e6;
+}
+
+void BM_Render(benchmark::State& state) {
+  render(state, 6000, 4000);
+}
+
+// As large as the picture in a preview.
+void BM_SmallRender(benchmark::State& state) {
+  render(state, 1000, 667);
 }
 
 BENCHMARK(BM_Render)
@@ -50,6 +60,16 @@ BENCHMARK(BM_Render)
     ->Unit(benchmark::kMillisecond)
     ->UseRealTime()
     ->MinTime(2.0);
+
+BENCHMARK(BM_SmallRender)
+    ->ArgNames({"depth", "colors", "alpha", "mode", "soften"})
+    ->Args({8, 3, 0, 1, 0})
+    ->Args({8, 3, 0, 2, 0})
+    ->Args({16, 3, 0, 1, 0})
+    ->Args({32, 3, 0, 1, 0})
+    ->Args({8, 3, 1, 1, 0})
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
 
 }  // namespace
 }  // namespace radiashafts

@@ -9,6 +9,7 @@
 
 #include "image/color.h"
 #include "image/halvorsund_filter.h"
+#include "image/lanes.h"
 #include "image/pixel.h"
 #include "image/pixel_array.h"
 #include "image/power.h"
@@ -56,15 +57,20 @@ class AxisCurve {
   // Every value from 0 to 1 passes, and passes as 1: there is no need to know the value.
   bool isOpen() const { return lo_ == 0.0 && hi_ == fullTurn && !(exponent_ > 0.0); }
 
-  // 0 to 1; sets passed to false when the value lies outside the range.
-  double operator()(double v, bool& passed) const {
-    if (v < lo_) {
-      v += 1.0;  // a range that reaches past 1 takes the value one turn up
-      passed &= v < hi_;
-    } else {
-      passed &= v <= hi_;
-    }
-    if (!passed || !(exponent_ > 0.0)) return 1.0;
+  // 0 to 1; takes lanes whose value lies outside the range out of passed.
+  Lanes operator()(Lanes v, LaneMask& passed) const {
+    // A range that reaches past 1 takes values below it one turn up.
+    const LaneMask below = v < lo_;
+    v = choose(below, v + 1.0, v);
+    passed &= (v < hi_) | (~below & (v <= hi_));
+    if (!(exponent_ > 0.0)) return allLanes(1.0);
+    return eachLane([&](int lane) { return passed[lane] ? height(v[lane]) : 0.0; });
+  }
+
+ private:
+  static constexpr double fullTurn = 1.00001;
+
+  double height(double v) const {
     const double p = (v - lo_) * scale_;
     double y = 1.0;
     if (p < peak_) {
@@ -74,9 +80,6 @@ class AxisCurve {
     }
     return power(y, exponent_);
   }
-
- private:
-  static constexpr double fullTurn = 1.00001;
 
   double lo_, hi_, scale_, peak_, exponent_;
 };
@@ -93,33 +96,38 @@ class SelectionCurve {
         lightness_(selection.lightness, selection.lightnessOffset, !isFloat),
         lightnessAlone_(hue_.isOpen() && saturation_.isOpen()) {}
 
-  // The product of the axes' curves for the colour channels of one pixel as they stand in the
+  // The products of the axes' curves for the colour channels of pixels as they stand in the
   // picture; 0 for a pixel that is not selected.
-  double selectionValue(const double* color) const {
+  Lanes selectionValue(const Lanes* color) const {
     const Rgb rgb = asRgb<Pixel::colorChannels>(color, Pixel::toUnit);
-    bool passed = true;
+    LaneMask passed = ~LaneMask{};
+    Lanes value = allLanes(1.0);
     if (lightnessAlone_) {
-      const double largest = std::max(std::max(rgb.r, rgb.g), rgb.b);
-      const double smallest = std::min(std::min(rgb.r, rgb.g), rgb.b);
-      const double value = lightness_(liftedLightness((smallest + largest) * 0.5), passed);
-      return passed ? value : 0.0;
+      const Lanes largest = max(max(rgb.r, rgb.g), rgb.b);
+      const Lanes smallest = min(min(rgb.r, rgb.g), rgb.b);
+      value = lightness_(liftedLightness((smallest + largest) * 0.5), passed);
+    } else {
+      Hsl hsl = rgbToHsl(rgb);
+      Lanes hue = hsl.h * 0.16666666666666666;
+      if constexpr (isFloat) {
+        hue = clampToUnit(hue);
+        hsl.s = clampToUnit(hsl.s);
+      }
+      value = hue_(hue, passed);
+      value *= saturation_(hsl.s, passed);
+      value *= lightness_(liftedLightness(hsl.l), passed);
     }
-    Hsl hsl = rgbToHsl(rgb);
-    double hue = hsl.h * 0.16666666666666666;
-    if constexpr (isFloat) {
-      hue = std::clamp(hue, 0.0, 1.0);
-      hsl.s = std::clamp(hsl.s, 0.0, 1.0);
-    }
-    double value = hue_(hue, passed);
-    if (passed) value *= saturation_(hsl.s, passed);
-    if (passed) value *= lightness_(liftedLightness(hsl.l), passed);
-    return passed ? value : 0.0;
+    return choose(passed, value, Lanes{});
   }
 
  private:
-  static double liftedLightness(double lightness) {
-    if constexpr (isFloat) return lightness < 0.0 ? 0.0 : lightness;
+  static Lanes liftedLightness(Lanes lightness) {
+    if constexpr (isFloat) return choose(lightness < 0.0, Lanes{}, lightness);
     return lightness;
+  }
+
+  static Lanes clampToUnit(Lanes value) {
+    return choose(value < 0.0, Lanes{}, min(value, allLanes(1.0)));
   }
 
   AxisCurve hue_;
@@ -177,19 +185,28 @@ class HslRangeSelectionFilter final : public RowFilter {
     const std::int32_t sourceShiftX = target.frameX - selectionSource.frameX;
     const std::int32_t sourceRow = row - selectionSource.frameY + target.frameY;
     Working pixel{};
-    for (std::int32_t x = 0; x < target.width; ++x) {
-      double selected = 0.0;
-      if (selectionSource.contains(x + sourceShiftX, sourceRow)) {
-        const auto color = readSelectionColor(selectionSource.at(x + sourceShiftX, sourceRow));
-        selected = curve.selectionValue(color.data());
+    for (std::int32_t first = 0; first < target.width; first += laneCount) {
+      const std::int32_t count = std::min(laneCount, target.width - first);
+      LaneMask inside{};
+      std::array<Lanes, Colour::Pixel::colorChannels> color{};
+      for (std::int32_t lane = 0; lane < count; ++lane) {
+        const std::int32_t x = first + lane + sourceShiftX;
+        if (!selectionSource.contains(x, sourceRow)) continue;
+        inside[lane] = -1;
+        readSelectionColor(selectionSource.at(x, sourceRow), color, lane);
       }
-      if (firstImage.contains(x, row)) pixel = readPremultiplied(firstImage.at(x, row));
-      if (selection.selectionOnly) {
-        std::fill_n(pixel.begin(), SourcePixel::colorChannels, selected * SourcePixel::range);
-      } else {
-        for (double& channel : pixel) channel *= selected;
+      const Lanes selected = choose(inside, curve.selectionValue(color.data()), Lanes{});
+      for (std::int32_t lane = 0; lane < count; ++lane) {
+        const std::int32_t x = first + lane;
+        if (firstImage.contains(x, row)) pixel = readPremultiplied(firstImage.at(x, row));
+        if (selection.selectionOnly) {
+          std::fill_n(pixel.begin(), SourcePixel::colorChannels,
+                      selected[lane] * SourcePixel::range);
+        } else {
+          for (double& channel : pixel) channel *= selected[lane];
+        }
+        write(x, row, pixel);
       }
-      write(x, row, pixel);
     }
   }
 
@@ -205,23 +222,22 @@ class HslRangeSelectionFilter final : public RowFilter {
     return pixel;
   }
 
-  // Here the product with alpha is single precision and, for integers, truncated to the sample.
-  std::array<double, Colour::Pixel::colorChannels> readSelectionColor(
-      const typename Colour::Sample* sample) const {
+  // Into one lane. Here the product with alpha is single precision and, for integers, truncated to
+  // the sample.
+  void readSelectionColor(const typename Colour::Sample* sample,
+                          std::array<Lanes, Colour::Pixel::colorChannels>& color, int lane) const {
     using Pixel = typename Colour::Pixel;
-    std::array<double, Pixel::colorChannels> color;
-    for (int c = 0; c < Pixel::colorChannels; ++c) color[c] = sample[c];
+    for (int c = 0; c < Pixel::colorChannels; ++c) color[c][lane] = sample[c];
     if constexpr (Pixel::hasAlpha) {
       if (!selectionSource.premultiplied) {
         const float alpha =
             static_cast<float>(sample[Pixel::colorChannels]) / static_cast<float>(Pixel::range);
         for (int c = 0; c < Pixel::colorChannels; ++c) {
           const float product = static_cast<float>(sample[c]) * alpha;
-          color[c] = toSample<typename Colour::Sample>(product);
+          color[c][lane] = toSample<typename Colour::Sample>(product);
         }
       }
     }
-    return color;
   }
 
   void write(std::int32_t x, std::int32_t row, const Working& pixel) const {

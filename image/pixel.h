@@ -6,6 +6,8 @@
 #include <limits>
 #include <type_traits>
 
+#include "image/lanes.h"
+
 namespace radiashafts {
 
 // Layouts say which sample of an interleaved pixel is which channel. Alpha stands behind the
@@ -80,16 +82,25 @@ double clampToRange(double value) {
   return value > 0.0 ? std::min(value, Pixel::range) : 0.0;
 }
 
-// A colour as it is stored in the picture: integers are held in the range and truncated, floats are
-// held at 0 only and pass a NaN on.
+template <class Pixel>
+Lanes clampToRange(Lanes value) {
+  return choose(value > 0.0, min(value, allLanes(Pixel::range)), Lanes{});
+}
+
+// Colours held in what a picture stores: integers in the range, floats at 0 only; those pass a NaN
+// on. What comes back is ready for a cast to the sample.
+template <class Pixel>
+Lanes clampToStored(Lanes value) {
+  if constexpr (std::is_floating_point_v<typename Pixel::Sample>) {
+    return choose(value < 0.0, Lanes{}, value);
+  } else {
+    return clampToRange<Pixel>(value);
+  }
+}
+
 template <class Pixel>
 typename Pixel::Sample toClampedSample(double value) {
-  using Sample = typename Pixel::Sample;
-  if constexpr (std::is_floating_point_v<Sample>) {
-    return static_cast<Sample>(value < 0.0 ? 0.0 : value);
-  } else {
-    return static_cast<Sample>(clampToRange<Pixel>(value));
-  }
+  return static_cast<typename Pixel::Sample>(clampToStored<Pixel>(allLanes(value))[0]);
 }
 
 }  // namespace radiashafts

@@ -1,6 +1,7 @@
 // The whole effect: the chain of passes from the host's picture to the host's output.
 #pragma once
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 
@@ -10,6 +11,7 @@
 #include "filters/smooth_rays.h"
 #include "filters/straight_rays.h"
 #include "image/halvorsund_filter.h"
+#include "image/lanes.h"
 #include "image/sampling.h"
 #include "render/blend_pixel.h"
 #include "render/ray_shading.h"
@@ -136,45 +138,65 @@ class RadiashaftsEffect final : public RowFilter {
     return filter.run(2, passCount);
   }
 
+  // As many pixels at a time as there are lanes. At the end of a row the last pixel fills the lanes
+  // that are left over.
   void shadeRow(const RayShading<HostPixel>& shading, std::int32_t y) const {
     const double radius = values.falloffRadius <= 0.0 ? 1e-06 : values.falloffRadius;
     const double inverseRadius = 1.0 / radius;
     const double dy = (values.originY - y) * inverseRadius * values.viewScaleY;
-    for (std::int32_t x = 0; x < output.width; ++x) {
-      const double dx = (values.originX - x) * inverseRadius * values.viewScaleX;
-      double falloff = 1.0 - std::sqrt(dx * dx + dy * dy);
-      if (falloff <= 0.0) falloff = 0.0001;  // beyond the radius rays are faint and not gone
+    const std::int32_t last = output.width - 1;
+    for (std::int32_t first = 0; first <= last; first += laneCount) {
+      const auto column = [=](int lane) { return std::min(first + lane, last); };
+      const Lanes x = eachLane(column);
+      const Lanes dx = (values.originX - x) * inverseRadius * values.viewScaleX;
+      Lanes falloff = 1.0 - sqrt(dx * dx + dy * dy);
+      // Beyond the radius rays are faint and not gone.
+      falloff = choose(falloff <= 0.0, allLanes(0.0001), falloff);
 
       PixelValues<HostPixel> ray = sampleBilinear(rayImage_, x + shiftX_, y + shiftY_);
       shading.shade(ray, falloff);
-      PixelValues<HostPixel> base = readBase(source.at(x, y));
+      PixelValues<HostPixel> base;
+      for (int lane = 0; lane < laneCount; ++lane) {
+        const Sample* sample = source.at(column(lane), y);
+        for (int c = 0; c < HostPixel::channels; ++c) base[c][lane] = sample[c];
+      }
+      divideBaseAlphaOut(base);
       blendPixel<HostPixel>(base, ray, values.blendMode);
-      write(output.at(x, y), base);
+      prepareForOutput(base);
+      for (int lane = 0; lane < laneCount; ++lane) write(output.at(column(lane), y), base, lane);
     }
   }
 
-  PixelValues<HostPixel> readBase(const Sample* sample) const {
-    PixelValues<HostPixel> base;
-    for (int c = 0; c < HostPixel::channels; ++c) base[c] = sample[c];
+  void divideBaseAlphaOut(PixelValues<HostPixel>& base) const {
     if constexpr (HostPixel::hasAlpha) {
-      const double alpha = base[HostPixel::colorChannels];
-      if (source.premultiplied && alpha > 0.0) scaleColors(base, HostPixel::range / alpha);
+      if (!source.premultiplied) return;
+      const Lanes alpha = base[HostPixel::colorChannels];
+      scaleColors(base, choose(alpha > 0.0, HostPixel::range / alpha, allLanes(1.0)));
     }
-    return base;
   }
 
-  void write(Sample* sample, PixelValues<HostPixel> base) const {
+  void prepareForOutput(PixelValues<HostPixel>& base) const {
     if constexpr (HostPixel::hasAlpha) {
-      const double alpha = base[HostPixel::colorChannels];
-      if (output.premultiplied) scaleColors(base, alpha / HostPixel::range);
-      sample[HostPixel::colorChannels] = toSample<Sample>(alpha);
+      if (output.premultiplied) {
+        scaleColors(base, base[HostPixel::colorChannels] / HostPixel::range);
+      }
     }
     for (int k = 0; k < HostPixel::colorChannels; ++k) {
-      sample[k] = toClampedSample<HostPixel>(base[k]);
+      base[k] = clampToStored<HostPixel>(base[k]);
     }
   }
 
-  static void scaleColors(PixelValues<HostPixel>& pixel, double factor) {
+  static void write(Sample* sample, const PixelValues<HostPixel>& pixel, int lane) {
+    for (int k = 0; k < HostPixel::colorChannels; ++k) {
+      sample[k] = static_cast<Sample>(pixel[k][lane]);
+    }
+    if constexpr (HostPixel::hasAlpha) {
+      const int alpha = HostPixel::colorChannels;
+      sample[alpha] = toSample<Sample>(pixel[alpha][lane]);
+    }
+  }
+
+  static void scaleColors(PixelValues<HostPixel>& pixel, Lanes factor) {
     for (int k = 0; k < HostPixel::colorChannels; ++k) pixel[k] *= factor;
   }
 

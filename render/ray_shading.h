@@ -2,12 +2,11 @@
 // colour adjustment.
 #pragma once
 
-#include <algorithm>
 #include <array>
-#include <cmath>
 #include <type_traits>
 
 #include "image/color.h"
+#include "image/lanes.h"
 #include "image/pixel.h"
 #include "image/power.h"
 #include "render/adjust_hsl.h"
@@ -55,10 +54,10 @@ class RayShading {
         adjustment_(values.hue, values.saturation, values.lightness),
         gammaTable_(gammaTable) {}
 
-  // Shades the sample in place. It comes multiplied by its alpha and leaves with alpha divided out.
-  void shade(PixelValues<Pixel>& ray, double falloff) const {
-    const double strength = intensity_ * falloff;
-    for (double& channel : ray) channel *= strength;
+  // Shades samples in place. They come multiplied by their alpha and leave with alpha divided out.
+  void shade(PixelValues<Pixel>& ray, Lanes falloff) const {
+    const Lanes strength = intensity_ * falloff;
+    for (Lanes& channel : ray) channel *= strength;
     tint(ray, balancedBrightness(ray));
     if constexpr (hasAlpha) ray[colors] = clampToRange<Pixel>(ray[colors]);
     for (int k = 0; k < colors; ++k) ray[k] = toned(ray[k]);
@@ -76,8 +75,8 @@ class RayShading {
 
   // 0 for black to 1 for full. The colours are multiplied by alpha already, so alpha counts twice:
   // a weight that is wanted.
-  double balancedBrightness(const PixelValues<Pixel>& ray) const {
-    double t = luminance<colors>(ray.data());
+  Lanes balancedBrightness(const PixelValues<Pixel>& ray) const {
+    Lanes t = luminance<colors>(ray.data());
     if constexpr (hasAlpha) t = t * ray[colors] * Pixel::toUnit;
     t *= Pixel::toUnit;
     return colorBalance_ >= 0.0 ? (1.0 - colorBalance_) * t + colorBalance_
@@ -85,46 +84,44 @@ class RayShading {
   }
 
   // Dark rays take the low color, rays at full the high one.
-  void tint(PixelValues<Pixel>& ray, double t) const {
+  void tint(PixelValues<Pixel>& ray, Lanes t) const {
     for (int k = 0; k < colors; ++k) {
-      if (t < 0.5) {
-        ray[k] *= colorLow_[k];
-      } else if (t > 1.0) {
-        ray[k] *= colorHigh_[k];
-      } else {
-        ray[k] *= (colorHigh_[k] - colorLow_[k]) * ((t - 0.5) * 2.0) + colorLow_[k];
-      }
+      const double low = colorLow_[k];
+      const double high = colorHigh_[k];
+      const Lanes between = (high - low) * ((t - 0.5) * 2.0) + low;
+      ray[k] *= choose(t < 0.5, allLanes(low), choose(t > 1.0, allLanes(high), between));
     }
   }
 
   // Contrast is a gain without a pivot: it lifts black by contrast times the middle.
-  double toned(double value) const {
+  Lanes toned(Lanes value) const {
     constexpr double middle = Pixel::range * 0.5;
-    const double lifted = contrast_ * (value + middle) + value;
+    const Lanes lifted = contrast_ * (value + middle) + value;
     if constexpr (isFloat) {
-      return power(lifted, inverseGamma_);
+      return eachLane([&](int lane) { return power(lifted[lane], inverseGamma_); });
     } else {
-      return gammaTable_[GammaTable<Pixel>::indexOf(clampToRange<Pixel>(lifted))];
+      const Lanes held = clampToRange<Pixel>(lifted);
+      return eachLane(
+          [&](int lane) { return gammaTable_[GammaTable<Pixel>::indexOf(held[lane])]; });
     }
   }
 
   // Raises alpha just far enough to hold the colour, then divides it out.
   static void divideAlphaOut(PixelValues<Pixel>& ray) {
-    double& alpha = ray[colors];
-    double largest = colors == 3 ? ray[0] : std::max(ray[0], 0.0);
-    for (int k = 1; k < colors; ++k) largest = std::max(largest, ray[k]);
-    if (alpha < largest) alpha = std::min(largest, Pixel::range);
-    if (alpha > 0.0) {
-      for (int k = 0; k < colors; ++k) ray[k] = ray[k] * Pixel::range / alpha;
+    Lanes& alpha = ray[colors];
+    const Lanes largest = largestColor<Pixel>(ray);
+    alpha = choose(alpha < largest, min(largest, allLanes(Pixel::range)), alpha);
+    for (int k = 0; k < colors; ++k) {
+      ray[k] = choose(alpha > 0.0, ray[k] * Pixel::range / alpha, ray[k]);
     }
     alpha = clampToRange<Pixel>(alpha);
   }
 
   void adjustColor(PixelValues<Pixel>& ray) const {
-    std::array<double, 3> unit{};
+    std::array<Lanes, 3> unit{};
     for (int k = 0; k < colors; ++k) unit[k] = ray[k] / Pixel::range;
     const Rgb adjusted = adjustment_({unit[0], unit[1], unit[2]});
-    const std::array<double, 3> channels{adjusted.r, adjusted.g, adjusted.b};
+    const std::array<Lanes, 3> channels{adjusted.r, adjusted.g, adjusted.b};
     for (int k = 0; k < colors; ++k) ray[k] = channels[k] * Pixel::range;
   }
 

@@ -79,13 +79,17 @@ TEST(Samples, AreHeldInRangeAndTruncated) {
   EXPECT_EQ(toInt32(NAN), 0);
 }
 
+Hsl hslOf(double r, double g, double b) {
+  return rgbToHsl({allLanes(r), allLanes(g), allLanes(b)});
+}
+
 TEST(Color, RedWinsATieAndEqualChannelsHaveNoHue) {
-  EXPECT_EQ(rgbToHsl({1.0, 1.0, 0.0}).h, 1.0);
-  EXPECT_EQ(rgbToHsl({1.0, 0.0, 1.0}).h, 5.0);
-  EXPECT_EQ(rgbToHsl({0.0, 1.0, 1.0}).h, 3.0);
-  EXPECT_EQ(rgbToHsl({0.3, 0.3, 0.3}).s, 0.0);
-  const Rgb narrowed = hslToRgb({0.0, 0.0, 0.3});
-  EXPECT_EQ(narrowed.g, static_cast<double>(0.3F));
+  EXPECT_EQ(hslOf(1.0, 1.0, 0.0).h[0], 1.0);
+  EXPECT_EQ(hslOf(1.0, 0.0, 1.0).h[0], 5.0);
+  EXPECT_EQ(hslOf(0.0, 1.0, 1.0).h[0], 3.0);
+  EXPECT_EQ(hslOf(0.3, 0.3, 0.3).s[0], 0.0);
+  const Rgb rounded = hslToRgb({Lanes{}, Lanes{}, allLanes(0.3)});
+  EXPECT_EQ(rounded.g[0], static_cast<double>(0.3F));
 }
 
 }  // namespace

@@ -1,0 +1,68 @@
+// Several doubles in step, one a lane: neighbouring pixels, or the channels of one.
+#pragma once
+
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+
+namespace radiashafts {
+
+// As wide as every processor of the platforms can take. Every operation is the scalar one in each
+// lane, to the last bit. Code on lanes decides by choosing between two results that it has both
+// worked out: what the colours of a photograph ask of branches no processor foresees.
+inline constexpr int laneCount = 2;
+
+using Lanes [[gnu::vector_size(laneCount * sizeof(double))]] = double;
+using SingleLanes [[gnu::vector_size(laneCount * sizeof(float))]] = float;
+using LaneMask [[gnu::vector_size(laneCount * sizeof(std::int64_t))]] = std::int64_t;  // 0 or -1
+
+// The same value in every lane.
+inline Lanes allLanes(double value) {
+  return Lanes{} + value;
+}
+
+// What function makes of each lane's index.
+template <class Function>
+Lanes eachLane(const Function& function) {
+  Lanes result;
+  for (int lane = 0; lane < laneCount; ++lane) result[lane] = function(lane);
+  return result;
+}
+
+inline Lanes choose(LaneMask mask, Lanes whereSet, Lanes elsewhere) {
+  return mask ? whereSet : elsewhere;
+}
+
+// Like their namesakes in the standard library: where a NaN takes part the first argument stays.
+inline Lanes min(Lanes a, Lanes b) {
+  return b < a ? b : a;
+}
+
+inline Lanes max(Lanes a, Lanes b) {
+  return a < b ? b : a;
+}
+
+inline Lanes abs(Lanes value) {
+  constexpr std::int64_t allButSign = 0x7fff'ffff'ffff'ffff;
+  return reinterpret_cast<Lanes>(reinterpret_cast<LaneMask>(value) & allButSign);
+}
+
+inline Lanes sqrt(Lanes value) {
+  return eachLane([=](int lane) { return std::sqrt(value[lane]); });
+}
+
+// Conversions are of whole vectors: the compiler's own vectors of scalar ones lose the rounding.
+inline SingleLanes toSingle(Lanes value) {
+  return __builtin_convertvector(value, SingleLanes);
+}
+
+inline Lanes toDouble(SingleLanes value) {
+  return __builtin_convertvector(value, Lanes);
+}
+
+// Rounded to single precision and back.
+inline Lanes narrowed(Lanes value) {
+  return toDouble(toSingle(value));
+}
+
+}  // namespace radiashafts

@@ -6,6 +6,7 @@
 #include <atomic>
 #include <cstdint>
 #include <cstdlib>
+#include <cstring>
 #include <span>
 #include <type_traits>
 
@@ -13,6 +14,7 @@
 #include "filters/ordered_chunks.h"
 #include "filters/ray_decay.h"
 #include "image/halvorsund_filter.h"
+#include "image/lanes.h"
 #include "image/pixel.h"
 #include "image/pixel_array.h"
 
@@ -75,14 +77,13 @@ class RadiashaftsStraightFilter final : public HalvorsundFilter {
     bool operator==(const Direction&) const = default;
   };
 
-  struct Sums {
-    std::array<double, channels> color{};
-    double weight = 0.0;
-  };
+  // The channels of one pixel with its weight behind them.
+  static constexpr int groups = (AccumulationPixel::samples + laneCount - 1) / laneCount;
+  using PixelLanes = std::array<Lanes, groups>;
 
   struct Ray {
     Border border;
-    Sums sums;  // of the steps walked so far
+    double sums[groups * laneCount];  // of the steps walked so far; hosts do not align for lanes
   };
 
   // The bar steps back when the walk begins: the clear has its own position.
@@ -130,7 +131,8 @@ class RadiashaftsStraightFilter final : public HalvorsundFilter {
     const std::span rays(static_cast<Ray*>(buffer.data()), static_cast<std::size_t>(count));
     auto next = rays.begin();
     for (int side = 0; side < 4; ++side) {
-      for (std::int32_t i = 1; i <= sideRays(side); ++i) *next++ = {borderOf(side, i), {}};
+      for (std::int32_t i = 1; i <= sideRays(side); ++i)
+        *next++ = {borderOf(side, i), {}};
     }
 
     const double decayFactor = decayFactorFor(raySteps(image.width, image.height, length * length));
@@ -182,48 +184,73 @@ class RadiashaftsStraightFilter final : public HalvorsundFilter {
     return OrderedChunks(chunks, blocks).run(*host, work, finish);
   }
 
-  // A product in 32 bits, which wraps for origins very far outside. Those rays are wanted as they
-  // come out.
-  static std::int32_t product(std::int32_t a, std::int32_t b) {
-    return static_cast<std::int32_t>(static_cast<std::uint32_t>(a) * static_cast<std::uint32_t>(b));
-  }
+  // Where the steps of a ray cross the walking axis: between which two pixels, and how far from the
+  // first to the second.
+  struct Crossings {
+    std::array<std::int32_t, stepsInBlock> first;  // -1 for a position outside the image
+    std::array<double, stepsInBlock> shareOfSecond;
+  };
 
-  // Part of one ray: from position on along the walking axis, count steps. A position outside the
-  // image across the axis, or one that is not a number, deposits nothing but still decays.
+  // Distance times rise is a product in 32 bits, which wraps for origins very far outside. Those
+  // rays are wanted as they come out.
   template <bool byColumns>
-  void walkSteps(Ray& ray, std::int32_t position, std::int32_t count, std::int32_t sign,
-                 double decayFactor) const {
-    const Border border = ray.border;
+  void findCrossings(Border border, std::int32_t position, std::int32_t count, std::int32_t sign,
+                     Crossings& crossings) const {
     const std::int32_t dx = border.x - ox_;
     const std::int32_t dy = border.y - oy_;
     // The column walk measures from the origin, the row walk from the border pixel.
     const double run = byColumns ? dx : dy;
     const double base = byColumns ? oy_ : border.x;
-    const std::int32_t rise = byColumns ? dy : dx;
-    const std::int32_t crossExtent = byColumns ? image.height : image.width;
+    const auto rise = static_cast<std::uint32_t>(byColumns ? dy : dx);
+    const double crossExtent = byColumns ? image.height : image.width;
+
+    auto distance = static_cast<std::uint32_t>(position - (byColumns ? ox_ : border.y));
+    for (std::int32_t n = 0; n < count; ++n, distance += static_cast<std::uint32_t>(sign)) {
+      const auto climbed = static_cast<std::int32_t>(distance * rise);
+      const double t = climbed / run + base;  // not a number for a ray of no length
+      const bool inside = t >= 0.0 && t < crossExtent;
+      const double held = inside ? t : 0.0;
+      const auto whole = static_cast<std::int32_t>(held);
+      crossings.first[n] = inside ? whole : -1;
+      crossings.shareOfSecond[n] = held - whole;
+    }
+  }
+
+  // Part of one ray: from position on along the walking axis, count steps. A position outside the
+  // image across the axis deposits nothing but still decays.
+  template <bool byColumns>
+  void walkSteps(Ray& ray, std::int32_t position, std::int32_t count, std::int32_t sign,
+                 double decayFactor) const {
+    Crossings crossings;
+    findCrossings<byColumns>(ray.border, position, count, sign, crossings);
+    const std::int32_t crossLimit = (byColumns ? image.height : image.width) - 1;
     const std::ptrdiff_t crossStride = byColumns ? image.rowStride : Pixel::bytes;
     const std::ptrdiff_t sumCrossStride =
         byColumns ? accumulationImage_.rowStride : AccumulationPixel::bytes;
 
-    Sums sums = ray.sums;
+    PixelLanes sums;
+    std::memcpy(&sums, ray.sums, sizeof sums);
     for (std::int32_t n = 0; n < count; ++n, position += sign) {
-      for (double& sum : sums.color) sum *= decayFactor;
-      sums.weight *= decayFactor;
+      for (Lanes& sum : sums) sum *= decayFactor;
 
-      const std::int32_t climbed = product(position - (byColumns ? ox_ : border.y), rise);
-      const double t = climbed / run + base;
-      if (!(t >= 0.0 && t < crossExtent)) continue;
-
-      const auto whole = static_cast<std::int32_t>(t);
-      const bool atLimit = whole == crossExtent - 1;
-      const float* first = byColumns ? image.at(position, whole) : image.at(whole, position);
-      float* firstSum = byColumns ? accumulationImage_.at(position, whole)
-                                  : accumulationImage_.at(whole, position);
+      const std::int32_t crossing = crossings.first[n];
+      if (crossing < 0) continue;
+      const bool atLimit = crossing == crossLimit;
+      const float* first = byColumns ? image.at(position, crossing) : image.at(crossing, position);
+      float* firstSum = byColumns ? accumulationImage_.at(position, crossing)
+                                  : accumulationImage_.at(crossing, position);
       const float* second = advance(first, atLimit ? 0 : crossStride);
       float* secondSum = advance(firstSum, atLimit ? 0 : sumCrossStride);
-      depositSample(first, second, firstSum, secondSum, t - whole, sums);
+
+      // The sample is read by linear interpolation between the two pixels, and the sum is given to
+      // the same two with the same shares.
+      const double u = crossings.shareOfSecond[n];
+      addSample(first, 1.0 - u, sums);
+      addSample(second, u, sums);
+      addShare(firstSum, 1.0 - u, sums);
+      addShare(secondSum, u, sums);
     }
-    ray.sums = sums;
+    std::memcpy(ray.sums, &sums, sizeof sums);
   }
 
   template <class Sample>
@@ -232,27 +259,40 @@ class RadiashaftsStraightFilter final : public HalvorsundFilter {
     return reinterpret_cast<Sample*>(reinterpret_cast<Byte*>(sample) + bytes);
   }
 
-  // The sample is read by linear interpolation between the two pixels, u of the way to the second,
-  // and the sum is given to the same two with the same shares.
-  static void depositSample(const float* first, const float* second, float* firstSum,
-                            float* secondSum, double u, Sums& sums) {
-    const double a = 1.0 - u;
-    for (int c = 0; c < channels; ++c) {
-      sums.color[c] += first[c] * a;
-      sums.color[c] += second[c] * u;
+  // A sample's weight is 1, and its share of it is rounded to single precision.
+  static void addSample(const float* sample, double share, PixelLanes& sums) {
+    const Lanes channelShare = allLanes(share);
+    const Lanes weightShare = narrowed(channelShare);
+    for (int group = 0; group < groups; ++group) {
+      SingleLanes samples{};
+      for (int lane = 0; lane < laneCount; ++lane) {
+        const int c = group * laneCount + lane;
+        if (c <= channels) samples[lane] = c < channels ? sample[c] : 1.0F;
+      }
+      sums[group] += toDouble(samples) * choose(isWeight(group), weightShare, channelShare);
     }
-    sums.weight += static_cast<float>(a);
-    sums.weight += static_cast<float>(u);
-    addShare(firstSum, a, sums);
-    addShare(secondSum, u, sums);
   }
 
-  // Channels are added in double precision, the weight in single.
-  static void addShare(float* sum, double share, const Sums& sums) {
-    for (int c = 0; c < channels; ++c) {
-      sum[c] = static_cast<float>(share * sums.color[c] + sum[c]);
+  // Channels are added in double precision, the weight in single: rounded before the sum, which may
+  // then be one of doubles.
+  static void addShare(float* sum, double share, const PixelLanes& sums) {
+    for (int group = 0; group < groups; ++group) {
+      float* const sumOfGroup = sum + group * laneCount;
+      const std::size_t bytes =
+          std::min(laneCount, AccumulationPixel::samples - group * laneCount) * sizeof(float);
+      const Lanes product = share * sums[group];
+      SingleLanes total{};
+      std::memcpy(&total, sumOfGroup, bytes);
+      total = toSingle(toDouble(total) + choose(isWeight(group), narrowed(product), product));
+      std::memcpy(sumOfGroup, &total, bytes);
     }
-    sum[channels] = static_cast<float>(share * sums.weight) + sum[channels];
+  }
+
+  // The one lane that holds the weight.
+  static LaneMask isWeight(int group) {
+    LaneMask mask{};
+    if (group == channels / laneCount) mask[channels % laneCount] = -1;
+    return mask;
   }
 
   std::int32_t resolve() {

@@ -16,17 +16,17 @@ using Lanes [[gnu::vector_size(laneCount * sizeof(double))]] = double;
 using SingleLanes [[gnu::vector_size(laneCount * sizeof(float))]] = float;
 using LaneMask [[gnu::vector_size(laneCount * sizeof(std::int64_t))]] = std::int64_t;  // 0 or -1
 
-// The same value in every lane.
-inline Lanes allLanes(double value) {
-  return Lanes{} + value;
-}
-
 // What function makes of each lane's index.
 template <class Function>
 Lanes eachLane(const Function& function) {
   Lanes result;
   for (int lane = 0; lane < laneCount; ++lane) result[lane] = function(lane);
   return result;
+}
+
+// The same value in every lane.
+inline Lanes allLanes(double value) {
+  return eachLane([=](int) { return value; });
 }
 
 inline Lanes choose(LaneMask mask, Lanes whereSet, Lanes elsewhere) {

@@ -1,16 +1,18 @@
 // Shifts a float image by a fraction of a pixel, in place.
 #pragma once
 
+#include <algorithm>
+#include <array>
 #include <cstdint>
 
 #include "image/halvorsund_filter.h"
-#include "image/lanes.h"
 #include "image/pixel_array.h"
 #include "image/sampling.h"
 
 namespace radiashafts {
 
-// Each pixel is read from (x + offsetX, y + offsetY), less than one pixel outside the image.
+// Each pixel is read from (x + offsetX, y + offsetY). Offsets are less than 1 in size and have
+// exact sums with coordinates, such as a half.
 template <class Image>
 class MoveSubPixelImageFilter final : public HalvorsundFilter {
  public:
@@ -35,30 +37,24 @@ class MoveSubPixelImageFilter final : public HalvorsundFilter {
   }
 
  private:
-  // Pixels go in lanes where none of them reads another, and those at the walk's end one by one.
+  static constexpr std::int32_t stretch = 128;  // pixels read before any of them is written
+
+  // Stretches follow the walk; the pixel at its end goes alone.
   void moveRow(std::int32_t y) const {
-    const std::int32_t step = offsetX < 0.0 ? -1 : 1;
-    const std::int32_t start = offsetX < 0.0 ? image.width - 1 : 0;
-    std::int32_t i = 0;
-    for (; i + laneCount < image.width; i += laneCount) {
-      const auto column = [=](int lane) { return start + (i + lane) * step; };
-      move(y, column, laneCount);
+    const std::int32_t others = image.width - 1;
+    for (std::int32_t moved = 0; moved < others; moved += stretch) {
+      const std::int32_t count = std::min(stretch, others - moved);
+      moveStretch(y, offsetX < 0.0 ? image.width - moved - count : moved, count);
     }
-    for (; i < image.width; ++i) {
-      const auto column = [=](int) { return start + i * step; };
-      move(y, column, 1);
-    }
+    moveStretch(y, offsetX < 0.0 ? 0 : others, 1);
   }
 
-  template <class Column>
-  void move(std::int32_t y, const Column& column, int count) const {
-    const auto moved = sampleBilinear(image, eachLane(column) + offsetX, y + offsetY);
-    for (int lane = 0; lane < count; ++lane) {
-      float* pixel = image.at(column(lane), y);
-      for (int c = 0; c < Image::Pixel::channels; ++c) {
-        pixel[c] = static_cast<float>(moved[c][lane]);
-      }
-    }
+  void moveStretch(std::int32_t y, std::int32_t first, std::int32_t count) const {
+    constexpr int channels = Image::Pixel::channels;
+    std::array<double, static_cast<std::size_t>(stretch) * channels> moved;
+    sampleBilinear(image, {y, offsetX, offsetY}, first, count, moved.data());
+    float* const samples = image.at(first, y);
+    for (int i = 0; i < count * channels; ++i) samples[i] = static_cast<float>(moved[i]);
   }
 };
 

@@ -166,6 +166,9 @@ class HslRangeSelectionFilter final : public RowFilter {
   using TargetSample = typename Target::Sample;
   using Working = std::array<double, SourcePixel::channels>;
 
+  static constexpr int selectionColors = Colour::Pixel::colorChannels;
+  static constexpr std::int32_t blockPixels = 64;  // whole lanes
+
   void copyRow(std::int32_t row) const {
     for (std::int32_t x = 0; x < target.width; ++x) {
       Working pixel{};
@@ -185,25 +188,31 @@ class HslRangeSelectionFilter final : public RowFilter {
     const std::int32_t sourceShiftX = target.frameX - selectionSource.frameX;
     const std::int32_t sourceRow = row - selectionSource.frameY + target.frameY;
     Working pixel{};
-    for (std::int32_t first = 0; first < target.width; first += laneCount) {
-      const std::int32_t count = std::min(laneCount, target.width - first);
-      LaneMask inside{};
-      std::array<Lanes, Colour::Pixel::colorChannels> color{};
-      for (std::int32_t lane = 0; lane < count; ++lane) {
-        const std::int32_t x = first + lane + sourceShiftX;
+    for (std::int32_t first = 0; first < target.width; first += blockPixels) {
+      const std::int32_t count = std::min(blockPixels, target.width - first);
+      std::array<double, blockPixels> selected{};
+      std::array<double, blockPixels * selectionColors> colors{};
+      for (std::int32_t i = 0; i < count; ++i) {
+        const std::int32_t x = first + i + sourceShiftX;
         if (!selectionSource.contains(x, sourceRow)) continue;
-        inside[lane] = -1;
-        readSelectionColor(selectionSource.at(x, sourceRow), color, lane);
+        selected[i] = 1.0;
+        readSelectionColor(selectionSource.at(x, sourceRow), &colors[i * selectionColors]);
       }
-      const Lanes selected = choose(inside, curve.selectionValue(color.data()), Lanes{});
-      for (std::int32_t lane = 0; lane < count; ++lane) {
-        const std::int32_t x = first + lane;
+      for (std::int32_t i = 0; i < count; i += laneCount) {
+        std::array<Lanes, selectionColors> color;
+        for (int c = 0; c < selectionColors; ++c) {
+          color[c] = eachLane([&](int lane) { return colors[(i + lane) * selectionColors + c]; });
+        }
+        const Lanes value = curve.selectionValue(color.data());
+        for (int lane = 0; lane < laneCount; ++lane) selected[i + lane] *= value[lane];
+      }
+      for (std::int32_t i = 0; i < count; ++i) {
+        const std::int32_t x = first + i;
         if (firstImage.contains(x, row)) pixel = readPremultiplied(firstImage.at(x, row));
         if (selection.selectionOnly) {
-          std::fill_n(pixel.begin(), SourcePixel::colorChannels,
-                      selected[lane] * SourcePixel::range);
+          std::fill_n(pixel.begin(), SourcePixel::colorChannels, selected[i] * SourcePixel::range);
         } else {
-          for (double& channel : pixel) channel *= selected[lane];
+          for (double& channel : pixel) channel *= selected[i];
         }
         write(x, row, pixel);
       }
@@ -222,19 +231,17 @@ class HslRangeSelectionFilter final : public RowFilter {
     return pixel;
   }
 
-  // Into one lane. Here the product with alpha is single precision and, for integers, truncated to
-  // the sample.
-  void readSelectionColor(const typename Colour::Sample* sample,
-                          std::array<Lanes, Colour::Pixel::colorChannels>& color, int lane) const {
+  // Here the product with alpha is single precision and, for integers, truncated to the sample.
+  void readSelectionColor(const typename Colour::Sample* sample, double* color) const {
     using Pixel = typename Colour::Pixel;
-    for (int c = 0; c < Pixel::colorChannels; ++c) color[c][lane] = sample[c];
+    for (int c = 0; c < selectionColors; ++c) color[c] = sample[c];
     if constexpr (Pixel::hasAlpha) {
       if (!selectionSource.premultiplied) {
         const float alpha =
-            static_cast<float>(sample[Pixel::colorChannels]) / static_cast<float>(Pixel::range);
-        for (int c = 0; c < Pixel::colorChannels; ++c) {
+            static_cast<float>(sample[selectionColors]) / static_cast<float>(Pixel::range);
+        for (int c = 0; c < selectionColors; ++c) {
           const float product = static_cast<float>(sample[c]) * alpha;
-          color[c][lane] = toSample<typename Colour::Sample>(product);
+          color[c] = toSample<typename Colour::Sample>(product);
         }
       }
     }

@@ -131,8 +131,7 @@ class RadiashaftsStraightFilter final : public HalvorsundFilter {
     const std::span rays(static_cast<Ray*>(buffer.data()), static_cast<std::size_t>(count));
     auto next = rays.begin();
     for (int side = 0; side < 4; ++side) {
-      for (std::int32_t i = 1; i <= sideRays(side); ++i)
-        *next++ = {borderOf(side, i), {}};
+      for (std::int32_t i = 1; i <= sideRays(side); ++i) *next++ = {borderOf(side, i), {}};
     }
 
     const double decayFactor = decayFactorFor(raySteps(image.width, image.height, length * length));
@@ -184,12 +183,20 @@ class RadiashaftsStraightFilter final : public HalvorsundFilter {
     return OrderedChunks(chunks, blocks).run(*host, work, finish);
   }
 
-  // Where the steps of a ray cross the walking axis: between which two pixels, and how far from the
-  // first to the second.
+  // Where the steps of a ray cross the lines of pixels that lie across the walk: between which two
+  // pixels of a line, and how far from the first to the second.
   struct Crossings {
-    std::array<std::int32_t, stepsInBlock> first;  // -1 for a position outside the image
+    std::array<std::int32_t, stepsInBlock> first;  // number of the pixel in the image
+    std::array<std::int32_t, stepsInBlock> second;
     std::array<double, stepsInBlock> shareOfSecond;
   };
+  static constexpr std::int32_t outside = -1;
+
+  // Asks the memory for all that the ray is about to touch: no processor foresees slanted walks.
+  void fetchAhead(std::int32_t pixel) const {
+    __builtin_prefetch(pixelAt(pixel));
+    __builtin_prefetch(sumAt(pixel), 1);
+  }
 
   // Distance times rise is a product in 32 bits, which wraps for origins very far outside. Those
   // rays are wanted as they come out.
@@ -202,17 +209,25 @@ class RadiashaftsStraightFilter final : public HalvorsundFilter {
     const double run = byColumns ? dx : dy;
     const double base = byColumns ? oy_ : border.x;
     const auto rise = static_cast<std::uint32_t>(byColumns ? dy : dx);
-    const double crossExtent = byColumns ? image.height : image.width;
+    const std::int32_t extent = byColumns ? image.height : image.width;
+    const std::int32_t along = byColumns ? 1 : image.width;
+    const std::int32_t across = byColumns ? image.width : 1;
 
     auto distance = static_cast<std::uint32_t>(position - (byColumns ? ox_ : border.y));
-    for (std::int32_t n = 0; n < count; ++n, distance += static_cast<std::uint32_t>(sign)) {
+    for (std::int32_t n = 0; n < count; ++n) {
       const auto climbed = static_cast<std::int32_t>(distance * rise);
-      const double t = climbed / run + base;  // not a number for a ray of no length
-      const bool inside = t >= 0.0 && t < crossExtent;
-      const double held = inside ? t : 0.0;
-      const auto whole = static_cast<std::int32_t>(held);
-      crossings.first[n] = inside ? whole : -1;
-      crossings.shareOfSecond[n] = held - whole;
+      distance += static_cast<std::uint32_t>(sign);
+      crossings.first[n] = outside;
+      const double t = climbed / run + base;
+      if (!(t >= 0.0 && t < extent)) continue;  // also what is not a number: a ray of no length
+      const auto whole = static_cast<std::int32_t>(t);
+      const std::int32_t first = (position + n * sign) * along + whole * across;
+      const std::int32_t second = whole == extent - 1 ? first : first + across;
+      crossings.first[n] = first;
+      crossings.second[n] = second;
+      crossings.shareOfSecond[n] = t - whole;
+      fetchAhead(first);
+      fetchAhead(second);
     }
   }
 
@@ -223,40 +238,31 @@ class RadiashaftsStraightFilter final : public HalvorsundFilter {
                  double decayFactor) const {
     Crossings crossings;
     findCrossings<byColumns>(ray.border, position, count, sign, crossings);
-    const std::int32_t crossLimit = (byColumns ? image.height : image.width) - 1;
-    const std::ptrdiff_t crossStride = byColumns ? image.rowStride : Pixel::bytes;
-    const std::ptrdiff_t sumCrossStride =
-        byColumns ? accumulationImage_.rowStride : AccumulationPixel::bytes;
-
     PixelLanes sums;
     std::memcpy(&sums, ray.sums, sizeof sums);
-    for (std::int32_t n = 0; n < count; ++n, position += sign) {
+    for (std::int32_t n = 0; n < count; ++n) {
       for (Lanes& sum : sums) sum *= decayFactor;
-
-      const std::int32_t crossing = crossings.first[n];
-      if (crossing < 0) continue;
-      const bool atLimit = crossing == crossLimit;
-      const float* first = byColumns ? image.at(position, crossing) : image.at(crossing, position);
-      float* firstSum = byColumns ? accumulationImage_.at(position, crossing)
-                                  : accumulationImage_.at(crossing, position);
-      const float* second = advance(first, atLimit ? 0 : crossStride);
-      float* secondSum = advance(firstSum, atLimit ? 0 : sumCrossStride);
-
+      const std::int32_t first = crossings.first[n];
+      if (first == outside) continue;
+      const std::int32_t second = crossings.second[n];
       // The sample is read by linear interpolation between the two pixels, and the sum is given to
       // the same two with the same shares.
       const double u = crossings.shareOfSecond[n];
-      addSample(first, 1.0 - u, sums);
-      addSample(second, u, sums);
-      addShare(firstSum, 1.0 - u, sums);
-      addShare(secondSum, u, sums);
+      addSample(pixelAt(first), 1.0 - u, sums);
+      addSample(pixelAt(second), u, sums);
+      addShare(sumAt(first), 1.0 - u, sums);
+      addShare(sumAt(second), u, sums);
     }
     std::memcpy(ray.sums, &sums, sizeof sums);
   }
 
-  template <class Sample>
-  static Sample* advance(Sample* sample, std::ptrdiff_t bytes) {
-    using Byte = std::conditional_t<std::is_const_v<Sample>, const std::uint8_t, std::uint8_t>;
-    return reinterpret_cast<Sample*>(reinterpret_cast<Byte*>(sample) + bytes);
+  // Both images are tight.
+  const float* pixelAt(std::int32_t number) const {
+    return image.at(0, 0) + static_cast<std::ptrdiff_t>(number) * Pixel::samples;
+  }
+  float* sumAt(std::int32_t number) const {
+    return accumulationImage_.at(0, 0) +
+           static_cast<std::ptrdiff_t>(number) * AccumulationPixel::samples;
   }
 
   // A sample's weight is 1, and its share of it is rounded to single precision.

@@ -5,46 +5,54 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "image/lanes.h"
-
 namespace radiashafts {
 
-// All channels of a tight float image at fractional positions in one row, in double precision. A
-// position is truncated toward zero and not clamped: the caller keeps it inside, or less than one
-// pixel left of or above the image, where the fraction comes out negative and the value is
-// extrapolated. A tap past the right or bottom edge repeats the edge pixel.
+// Where a row is read: shift is less than 1 in size, and its sum with any coordinate is exact, such
+// as a half.
+struct SampleRow {
+  std::int32_t y;
+  double shiftX;
+  double shiftY;
+};
+
+// All channels of count pixels of a tight float image from column first on, each read by bilinear
+// interpolation at (x + shiftX, y + shiftY), in double precision. A position is truncated toward
+// zero: less than one pixel left of or above the image the fraction comes out negative and the
+// value is extrapolated. A tap past the right or bottom edge repeats the edge pixel.
 template <class Image>
-[[gnu::always_inline]] inline std::array<Lanes, Image::Pixel::channels> sampleBilinear(
-    const Image& image, Lanes x, double y) {
+void sampleBilinear(const Image& image, SampleRow row, std::int32_t first, std::int32_t count,
+                    double* result) {
   constexpr int channels = Image::Pixel::channels;
+  const double y = row.y + row.shiftY;
   const auto iy = static_cast<std::int32_t>(y);
   const double fy = y - iy;
-  const std::ptrdiff_t below =
-      iy == image.height - 1 ? 0 : image.rowStride / static_cast<std::ptrdiff_t>(sizeof(float));
+  const std::int32_t lowerY = iy == image.height - 1 ? iy : iy + 1;
 
-  std::array<const float*, laneCount> upperLeft, upperRight, lowerLeft, lowerRight;
-  Lanes fx;
-  for (int lane = 0; lane < laneCount; ++lane) {
-    const auto ix = static_cast<std::int32_t>(x[lane]);
-    fx[lane] = x[lane] - ix;
-    upperLeft[lane] = image.at(ix, iy);
-    upperRight[lane] = upperLeft[lane] + (ix == image.width - 1 ? 0 : channels);
-    lowerLeft[lane] = upperLeft[lane] + below;
-    lowerRight[lane] = upperRight[lane] + below;
-  }
-  const auto tap = [](const std::array<const float*, laneCount>& pixel, int channel) {
-    SingleLanes samples;
-    for (int lane = 0; lane < laneCount; ++lane) samples[lane] = pixel[lane][channel];
-    return toDouble(samples);
+  // Pixels that have their place between two columns in common.
+  const auto sampleStretch = [&](std::int32_t x, std::int32_t pixels) {
+    const auto ix = static_cast<std::int32_t>(x + row.shiftX);
+    const double fx = x + row.shiftX - ix;
+    const std::ptrdiff_t right = ix == image.width - 1 ? 0 : channels;
+    const float* const upper = image.at(ix, iy);
+    const float* const lower = image.at(ix, lowerY);
+    const double upperLeft = (1.0 - fx) * (1.0 - fy);
+    const double upperRight = fx * (1.0 - fy);
+    const double lowerRight = fx * fy;
+    const double lowerLeft = (1.0 - fx) * fy;
+    for (std::ptrdiff_t i = 0; i < static_cast<std::ptrdiff_t>(pixels) * channels; ++i) {
+      result[i] = upper[i] * upperLeft + upper[i + right] * upperRight +
+                  lower[i + right] * lowerRight + lower[i] * lowerLeft;
+    }
+    result += static_cast<std::ptrdiff_t>(pixels) * channels;
   };
 
-  const Lanes weights[4] = {(1.0 - fx) * (1.0 - fy), fx * (1.0 - fy), fx * fy, (1.0 - fx) * fy};
-  std::array<Lanes, channels> result;
-  for (int c = 0; c < channels; ++c) {
-    result[c] = tap(upperLeft, c) * weights[0] + tap(upperRight, c) * weights[1] +
-                tap(lowerRight, c) * weights[2] + tap(lowerLeft, c) * weights[3];
-  }
-  return result;
+  // The first column of a negative shift and the last of another one are read in their own way.
+  const std::int32_t edge = row.shiftX < 0.0 ? 0 : image.width - 1;
+  const std::int32_t end = first + count;
+  if (edge < first || edge >= end) return sampleStretch(first, count);
+  if (first < edge) sampleStretch(first, edge - first);
+  sampleStretch(edge, 1);
+  if (edge + 1 < end) sampleStretch(edge + 1, end - edge - 1);
 }
 
 }  // namespace radiashafts

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdint>
 
@@ -138,61 +139,91 @@ class RadiashaftsEffect final : public RowFilter {
     return filter.run(2, passCount);
   }
 
-  // As many pixels at a time as there are lanes. At the end of a row the last pixel fills the lanes
-  // that are left over.
+  static constexpr std::int32_t blockPixels = 64;  // whole lanes
+  static constexpr int channels = HostPixel::channels;
+
+  // Pixels of a row as doubles, interleaved. What is not filled is 0, so that lanes behind the last
+  // pixel of a row have something to work on.
+  struct Block {
+    std::array<double, static_cast<std::size_t>(blockPixels) * channels> values{};
+
+    PixelValues<HostPixel> load(std::int32_t first) const {
+      PixelValues<HostPixel> pixels;
+      for (int c = 0; c < channels; ++c) {
+        pixels[c] = eachLane([&](int lane) { return values[(first + lane) * channels + c]; });
+      }
+      return pixels;
+    }
+    void store(std::int32_t first, const PixelValues<HostPixel>& pixels) {
+      for (int lane = 0; lane < laneCount; ++lane) {
+        for (int c = 0; c < channels; ++c) values[(first + lane) * channels + c] = pixels[c][lane];
+      }
+    }
+  };
+
   void shadeRow(const RayShading<HostPixel>& shading, std::int32_t y) const {
     const double radius = values.falloffRadius <= 0.0 ? 1e-06 : values.falloffRadius;
     const double inverseRadius = 1.0 / radius;
     const double dy = (values.originY - y) * inverseRadius * values.viewScaleY;
-    const std::int32_t last = output.width - 1;
-    for (std::int32_t first = 0; first <= last; first += laneCount) {
-      const auto column = [=](int lane) { return std::min(first + lane, last); };
-      const Lanes x = eachLane(column);
-      const Lanes dx = (values.originX - x) * inverseRadius * values.viewScaleX;
-      Lanes falloff = 1.0 - sqrt(dx * dx + dy * dy);
-      // Beyond the radius rays are faint and not gone.
-      falloff = choose(falloff <= 0.0, allLanes(0.0001), falloff);
+    for (std::int32_t first = 0; first < output.width; first += blockPixels) {
+      const std::int32_t count = std::min(blockPixels, output.width - first);
+      Block rays;
+      Block base;
+      sampleBilinear(rayImage_, {y, shiftX_, shiftY_}, first, count, rays.values.data());
+      readBase(first, y, count, base);
+      for (std::int32_t i = 0; i < count; i += laneCount) {
+        const Lanes x = eachLane([=](int lane) { return first + i + lane; });
+        const Lanes dx = (values.originX - x) * inverseRadius * values.viewScaleX;
+        Lanes falloff = 1.0 - sqrt(dx * dx + dy * dy);
+        // Beyond the radius rays are faint and not gone.
+        falloff = choose(falloff <= 0.0, allLanes(0.0001), falloff);
 
-      PixelValues<HostPixel> ray = sampleBilinear(rayImage_, x + shiftX_, y + shiftY_);
-      shading.shade(ray, falloff);
-      PixelValues<HostPixel> base;
-      for (int lane = 0; lane < laneCount; ++lane) {
-        const Sample* sample = source.at(column(lane), y);
-        for (int c = 0; c < HostPixel::channels; ++c) base[c][lane] = sample[c];
+        PixelValues<HostPixel> ray = rays.load(i);
+        shading.shade(ray, falloff);
+        PixelValues<HostPixel> pixels = base.load(i);
+        divideAlphaOut(pixels);
+        blendPixel<HostPixel>(pixels, ray, values.blendMode);
+        prepareForOutput(pixels);
+        base.store(i, pixels);
       }
-      divideBaseAlphaOut(base);
-      blendPixel<HostPixel>(base, ray, values.blendMode);
-      prepareForOutput(base);
-      for (int lane = 0; lane < laneCount; ++lane) write(output.at(column(lane), y), base, lane);
+      write(first, y, count, base);
     }
   }
 
-  void divideBaseAlphaOut(PixelValues<HostPixel>& base) const {
+  void readBase(std::int32_t first, std::int32_t y, std::int32_t count, Block& base) const {
+    for (std::int32_t i = 0; i < count; ++i) {
+      const Sample* sample = source.at(first + i, y);
+      for (int c = 0; c < channels; ++c) base.values[i * channels + c] = sample[c];
+    }
+  }
+
+  void divideAlphaOut(PixelValues<HostPixel>& pixels) const {
     if constexpr (HostPixel::hasAlpha) {
       if (!source.premultiplied) return;
-      const Lanes alpha = base[HostPixel::colorChannels];
-      scaleColors(base, choose(alpha > 0.0, HostPixel::range / alpha, allLanes(1.0)));
+      const Lanes alpha = pixels[HostPixel::colorChannels];
+      scaleColors(pixels, choose(alpha > 0.0, HostPixel::range / alpha, allLanes(1.0)));
     }
   }
 
-  void prepareForOutput(PixelValues<HostPixel>& base) const {
+  void prepareForOutput(PixelValues<HostPixel>& pixels) const {
     if constexpr (HostPixel::hasAlpha) {
       if (output.premultiplied) {
-        scaleColors(base, base[HostPixel::colorChannels] / HostPixel::range);
+        scaleColors(pixels, pixels[HostPixel::colorChannels] / HostPixel::range);
       }
     }
     for (int k = 0; k < HostPixel::colorChannels; ++k) {
-      base[k] = clampToStored<HostPixel>(base[k]);
+      pixels[k] = clampToStored<HostPixel>(pixels[k]);
     }
   }
 
-  static void write(Sample* sample, const PixelValues<HostPixel>& pixel, int lane) {
-    for (int k = 0; k < HostPixel::colorChannels; ++k) {
-      sample[k] = static_cast<Sample>(pixel[k][lane]);
-    }
-    if constexpr (HostPixel::hasAlpha) {
-      const int alpha = HostPixel::colorChannels;
-      sample[alpha] = toSample<Sample>(pixel[alpha][lane]);
+  void write(std::int32_t first, std::int32_t y, std::int32_t count, const Block& pixels) const {
+    for (std::int32_t i = 0; i < count; ++i) {
+      const double* const pixel = &pixels.values[i * channels];
+      Sample* const sample = output.at(first + i, y);
+      for (int k = 0; k < HostPixel::colorChannels; ++k) sample[k] = static_cast<Sample>(pixel[k]);
+      if constexpr (HostPixel::hasAlpha) {
+        sample[channels - 1] = toSample<Sample>(pixel[channels - 1]);
+      }
     }
   }
 

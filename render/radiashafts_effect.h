@@ -139,91 +139,92 @@ class RadiashaftsEffect final : public RowFilter {
     return filter.run(2, passCount);
   }
 
-  static constexpr std::int32_t blockPixels = 64;  // whole lanes
+  static constexpr std::int32_t blockPixels = 64;
   static constexpr int channels = HostPixel::channels;
 
-  // Pixels of a row as doubles, interleaved. What is not filled is 0, so that lanes behind the last
-  // pixel of a row have something to work on.
-  struct Block {
-    std::array<double, static_cast<std::size_t>(blockPixels) * channels> values{};
+  // Neighbouring pixels of a row, as many to an element as there are lanes. What is not filled is
+  // 0, so that lanes behind the last pixel of a row have something to work on.
+  using Block = std::array<PixelValues<HostPixel>, blockPixels / laneCount>;
 
-    PixelValues<HostPixel> load(std::int32_t first) const {
-      PixelValues<HostPixel> pixels;
-      for (int c = 0; c < channels; ++c) {
-        pixels[c] = eachLane([&](int lane) { return values[(first + lane) * channels + c]; });
-      }
-      return pixels;
-    }
-    void store(std::int32_t first, const PixelValues<HostPixel>& pixels) {
-      for (int lane = 0; lane < laneCount; ++lane) {
-        for (int c = 0; c < channels; ++c) values[(first + lane) * channels + c] = pixels[c][lane];
-      }
-    }
-  };
-
+  // Step after step over a block, not pixel after pixel: a pixel's steps wait for one another, and
+  // those of its neighbours fill the time.
   void shadeRow(const RayShading<HostPixel>& shading, std::int32_t y) const {
-    const double radius = values.falloffRadius <= 0.0 ? 1e-06 : values.falloffRadius;
-    const double inverseRadius = 1.0 / radius;
-    const double dy = (values.originY - y) * inverseRadius * values.viewScaleY;
     for (std::int32_t first = 0; first < output.width; first += blockPixels) {
       const std::int32_t count = std::min(blockPixels, output.width - first);
-      Block rays;
-      Block base;
-      sampleBilinear(rayImage_, {y, shiftX_, shiftY_}, first, count, rays.values.data());
-      readBase(first, y, count, base);
-      for (std::int32_t i = 0; i < count; i += laneCount) {
-        const Lanes x = eachLane([=](int lane) { return first + i + lane; });
-        const Lanes dx = (values.originX - x) * inverseRadius * values.viewScaleX;
-        Lanes falloff = 1.0 - sqrt(dx * dx + dy * dy);
-        // Beyond the radius rays are faint and not gone.
-        falloff = choose(falloff <= 0.0, allLanes(0.0001), falloff);
-
-        PixelValues<HostPixel> ray = rays.load(i);
-        shading.shade(ray, falloff);
-        PixelValues<HostPixel> pixels = base.load(i);
-        divideAlphaOut(pixels);
-        blendPixel<HostPixel>(pixels, ray, values.blendMode);
-        prepareForOutput(pixels);
-        base.store(i, pixels);
-      }
-      write(first, y, count, base);
+      Block rays = sampleRays(first, y, count);
+      Block pixels = readPixels(first, y, count);
+      const auto each = [&](const auto& step) {
+        for (std::int32_t i = 0; i * laneCount < count; ++i) step(i);
+      };
+      each([&](std::int32_t i) { shading.light(rays[i], falloffAt(first + i * laneCount, y)); });
+      each([&](std::int32_t i) { shading.tone(rays[i]); });
+      each([&](std::int32_t i) { shading.adjustColor(rays[i]); });
+      each([&](std::int32_t i) { blend(pixels[i], rays[i]); });
+      writePixels(first, y, count, pixels);
     }
   }
 
-  void readBase(std::int32_t first, std::int32_t y, std::int32_t count, Block& base) const {
+  Block sampleRays(std::int32_t first, std::int32_t y, std::int32_t count) const {
+    std::array<double, static_cast<std::size_t>(blockPixels) * channels> samples;
+    sampleBilinear(rayImage_, {y, shiftX_, shiftY_}, first, count, samples.data());
+    Block rays{};
+    for (std::int32_t i = 0; i < count; ++i) {
+      for (int c = 0; c < channels; ++c) channelOf(rays, i, c) = samples[i * channels + c];
+    }
+    return rays;
+  }
+
+  Block readPixels(std::int32_t first, std::int32_t y, std::int32_t count) const {
+    Block pixels{};
     for (std::int32_t i = 0; i < count; ++i) {
       const Sample* sample = source.at(first + i, y);
-      for (int c = 0; c < channels; ++c) base.values[i * channels + c] = sample[c];
+      for (int c = 0; c < channels; ++c) channelOf(pixels, i, c) = sample[c];
     }
+    return pixels;
   }
 
-  void divideAlphaOut(PixelValues<HostPixel>& pixels) const {
-    if constexpr (HostPixel::hasAlpha) {
-      if (!source.premultiplied) return;
-      const Lanes alpha = pixels[HostPixel::colorChannels];
-      scaleColors(pixels, choose(alpha > 0.0, HostPixel::range / alpha, allLanes(1.0)));
-    }
-  }
-
-  void prepareForOutput(PixelValues<HostPixel>& pixels) const {
-    if constexpr (HostPixel::hasAlpha) {
-      if (output.premultiplied) {
-        scaleColors(pixels, pixels[HostPixel::colorChannels] / HostPixel::range);
+  // Alpha is stored without being held in the range.
+  void writePixels(std::int32_t first, std::int32_t y, std::int32_t count, Block& pixels) const {
+    for (std::int32_t i = 0; i < count; ++i) {
+      Sample* const sample = output.at(first + i, y);
+      for (int k = 0; k < HostPixel::colorChannels; ++k) {
+        sample[k] = static_cast<Sample>(channelOf(pixels, i, k));
       }
+      if constexpr (HostPixel::hasAlpha) {
+        sample[channels - 1] = toSample<Sample>(channelOf(pixels, i, channels - 1));
+      }
+    }
+  }
+
+  static double& channelOf(Block& block, std::int32_t pixel, int channel) {
+    return reinterpret_cast<double*>(&block[pixel / laneCount][channel])[pixel % laneCount];
+  }
+
+  Lanes falloffAt(std::int32_t first, std::int32_t y) const {
+    const double radius = values.falloffRadius <= 0.0 ? 1e-06 : values.falloffRadius;
+    const double inverseRadius = 1.0 / radius;
+    const Lanes x = eachLane([=](int lane) { return first + lane; });
+    const Lanes dx = (values.originX - x) * inverseRadius * values.viewScaleX;
+    const double dy = (values.originY - y) * inverseRadius * values.viewScaleY;
+    const Lanes falloff = 1.0 - sqrt(dx * dx + dy * dy);
+    // Beyond the radius rays are faint and not gone.
+    return choose(falloff <= 0.0, allLanes(0.0001), falloff);
+  }
+
+  void blend(PixelValues<HostPixel>& pixels, const PixelValues<HostPixel>& rays) const {
+    if constexpr (HostPixel::hasAlpha) {
+      const Lanes alpha = pixels[HostPixel::colorChannels];
+      if (source.premultiplied) {
+        scaleColors(pixels, choose(alpha > 0.0, HostPixel::range / alpha, allLanes(1.0)));
+      }
+    }
+    blendPixel<HostPixel>(pixels, rays, values.blendMode);
+    if constexpr (HostPixel::hasAlpha) {
+      const Lanes alpha = pixels[HostPixel::colorChannels];
+      if (output.premultiplied) scaleColors(pixels, alpha / HostPixel::range);
     }
     for (int k = 0; k < HostPixel::colorChannels; ++k) {
       pixels[k] = clampToStored<HostPixel>(pixels[k]);
-    }
-  }
-
-  void write(std::int32_t first, std::int32_t y, std::int32_t count, const Block& pixels) const {
-    for (std::int32_t i = 0; i < count; ++i) {
-      const double* const pixel = &pixels.values[i * channels];
-      Sample* const sample = output.at(first + i, y);
-      for (int k = 0; k < HostPixel::colorChannels; ++k) sample[k] = static_cast<Sample>(pixel[k]);
-      if constexpr (HostPixel::hasAlpha) {
-        sample[channels - 1] = toSample<Sample>(pixel[channels - 1]);
-      }
     }
   }
 

@@ -54,18 +54,29 @@ class RayShading {
         adjustment_(values.hue, values.saturation, values.lightness),
         gammaTable_(gammaTable) {}
 
-  // Shades samples in place. They come multiplied by their alpha and leave with alpha divided out.
-  void shade(PixelValues<Pixel>& ray, Lanes falloff) const {
+  // The three steps of the shading work in place, in this order. Samples come multiplied by their
+  // alpha and leave with alpha divided out.
+  void light(PixelValues<Pixel>& ray, Lanes falloff) const {
     const Lanes strength = intensity_ * falloff;
     for (Lanes& channel : ray) channel *= strength;
     tint(ray, balancedBrightness(ray));
     if constexpr (hasAlpha) ray[colors] = clampToRange<Pixel>(ray[colors]);
+  }
+
+  void tone(PixelValues<Pixel>& ray) const {
     for (int k = 0; k < colors; ++k) ray[k] = toned(ray[k]);
     if constexpr (hasAlpha) divideAlphaOut(ray);
     if constexpr (!isFloat) {
       for (int k = 0; k < colors; ++k) ray[k] = clampToRange<Pixel>(ray[k]);
     }
-    adjustColor(ray);
+  }
+
+  void adjustColor(PixelValues<Pixel>& ray) const {
+    std::array<Lanes, 3> unit{};
+    for (int k = 0; k < colors; ++k) unit[k] = ray[k] / Pixel::range;
+    const Rgb adjusted = adjustment_({unit[0], unit[1], unit[2]});
+    const std::array<Lanes, 3> channels{adjusted.r, adjusted.g, adjusted.b};
+    for (int k = 0; k < colors; ++k) ray[k] = channels[k] * Pixel::range;
   }
 
  private:
@@ -115,14 +126,6 @@ class RayShading {
       ray[k] = choose(alpha > 0.0, ray[k] * Pixel::range / alpha, ray[k]);
     }
     alpha = clampToRange<Pixel>(alpha);
-  }
-
-  void adjustColor(PixelValues<Pixel>& ray) const {
-    std::array<Lanes, 3> unit{};
-    for (int k = 0; k < colors; ++k) unit[k] = ray[k] / Pixel::range;
-    const Rgb adjusted = adjustment_({unit[0], unit[1], unit[2]});
-    const std::array<Lanes, 3> channels{adjusted.r, adjusted.g, adjusted.b};
-    for (int k = 0; k < colors; ++k) ray[k] = channels[k] * Pixel::range;
   }
 
   double intensity_;

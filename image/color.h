@@ -57,14 +57,13 @@ inline Hsl rgbToHsl(Rgb c) {
           choose(grey, Lanes{}, saturation), lightness};
 }
 
+// A channel's way from p up to q and back as its hue goes from 0 to 4 of 6.
 inline Lanes hueToChannel(Lanes p, Lanes q, Lanes hue) {
-  const Lanes h = choose(hue < 0.0, hue + 6.0, choose(hue > 6.0, hue - 6.0, hue));
-  const Lanes rising = (q - p) * h + p;
-  const Lanes falling = (q - p) * (4.0 - h) + p;
-  return choose(h < 1.0, rising, choose(h < 3.0, q, choose(h < 4.0, falling, p)));
+  const Lanes part = max(Lanes{}, min(hue, 4.0 - hue));
+  return choose((hue >= 1.0) & (hue < 3.0), q, (q - p) * part + p);
 }
 
-// Each channel is rounded to single precision; results depend on it.
+// Hue is from 0 to 6. Each channel is rounded to single precision; results depend on it.
 inline Rgb hslToRgb(Hsl c) {
   const Lanes q = choose(c.l > 0.5, (c.l + c.s) - c.l * c.s, (c.s + 1.0) * c.l);
   const Lanes p = 2.0 * c.l - q;
@@ -72,7 +71,10 @@ inline Rgb hslToRgb(Hsl c) {
   const auto channel = [&](Lanes hue) {
     return narrowed(choose(grey, c.l, hueToChannel(p, q, hue)));
   };
-  return {channel(c.h + 2.0), channel(c.h), channel(c.h - 2.0)};
+  const Lanes redHue = c.h + 2.0;
+  const Lanes blueHue = c.h - 2.0;
+  return {channel(choose(redHue > 6.0, redHue - 6.0, redHue)), channel(c.h),
+          channel(choose(blueHue < 0.0, blueHue + 6.0, blueHue))};
 }
 
 }  // namespace radiashafts

@@ -96,11 +96,11 @@ class RayShading {
 
   // Dark rays take the low color, rays at full the high one.
   void tint(PixelValues<Pixel>& ray, Lanes t) const {
+    const Lanes part = max((t - 0.5) * 2.0, Lanes{});
     for (int k = 0; k < colors; ++k) {
       const double low = colorLow_[k];
       const double high = colorHigh_[k];
-      const Lanes between = (high - low) * ((t - 0.5) * 2.0) + low;
-      ray[k] *= choose(t < 0.5, allLanes(low), choose(t > 1.0, allLanes(high), between));
+      ray[k] *= choose(t > 1.0, allLanes(high), (high - low) * part + low);
     }
   }
 

@@ -5,9 +5,10 @@
 #include <cstdint>
 
 #include "image/halvorsund_filter.h"
+#include "image/instruction_set.h"
 #include "image/pixel_array.h"
 
-namespace radiashafts {
+namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET {
 
 template <class Image>
 class ClearImageFilter final : public RowFilter {
@@ -27,4 +28,4 @@ class ClearImageFilter final : public RowFilter {
   }
 };
 
-}  // namespace radiashafts
+}  // namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET

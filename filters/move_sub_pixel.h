@@ -6,10 +6,11 @@
 #include <cstdint>
 
 #include "image/halvorsund_filter.h"
+#include "image/instruction_set.h"
 #include "image/pixel_array.h"
 #include "image/sampling.h"
 
-namespace radiashafts {
+namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET {
 
 // Each pixel is read from (x + offsetX, y + offsetY). Offsets are less than 1 in size and have
 // exact sums with coordinates, such as a half.
@@ -58,4 +59,4 @@ class MoveSubPixelImageFilter final : public HalvorsundFilter {
   }
 };
 
-}  // namespace radiashafts
+}  // namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET

@@ -4,10 +4,11 @@
 #include <cstdint>
 
 #include "image/halvorsund_filter.h"
+#include "image/instruction_set.h"
 #include "image/pixel.h"
 #include "image/pixel_array.h"
 
-namespace radiashafts {
+namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET {
 
 // The mask is read at the image's own (x, y), so it is at least as large.
 template <class Image, class Mask>
@@ -35,4 +36,4 @@ class MultImageFilter final : public RowFilter {
   }
 };
 
-}  // namespace radiashafts
+}  // namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET

@@ -8,10 +8,11 @@
 #include <mutex>
 #include <new>
 
+#include "image/instruction_set.h"
 #include "platform/monitor.h"
 #include "services/halvorsund_host.h"
 
-namespace radiashafts {
+namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET {
 
 // The work is a grid: chunks by blocks. A chunk runs its blocks in order on one thread, and starts
 // a block only after the chunk before has finished that block. So two chunks that write to the same
@@ -94,4 +95,4 @@ class OrderedChunks {
   std::int32_t status_ = 0;
 };
 
-}  // namespace radiashafts
+}  // namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET

@@ -9,12 +9,13 @@
 
 #include "image/color.h"
 #include "image/halvorsund_filter.h"
+#include "image/instruction_set.h"
 #include "image/lanes.h"
 #include "image/pixel.h"
 #include "image/pixel_array.h"
 #include "image/power.h"
 
-namespace radiashafts {
+namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET {
 
 // One axis, in the scale 0 to 1. climax moves the curve's apex from the start of the range (-1) to
 // its end (+1); soften is the exponent of the curve, 0 for a hard edge.
@@ -253,4 +254,4 @@ class HslRangeSelectionFilter final : public RowFilter {
   }
 };
 
-}  // namespace radiashafts
+}  // namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET

@@ -6,10 +6,11 @@
 
 #include "filters/ray_decay.h"
 #include "image/halvorsund_filter.h"
+#include "image/instruction_set.h"
 #include "image/pixel.h"
 #include "image/pixel_array.h"
 
-namespace radiashafts {
+namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET {
 
 // Each pixel becomes the mean of itself and the pixel one step nearer to the origin, which counts
 // for all the weight it has gathered, times decayFactor. The nearer pixel is already updated, so
@@ -195,4 +196,4 @@ class RadiashaftsSmoothFilter final : public HalvorsundFilter {
   float* weightPlane_ = nullptr;
 };
 
-}  // namespace radiashafts
+}  // namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET

@@ -14,11 +14,12 @@
 #include "filters/ordered_chunks.h"
 #include "filters/ray_decay.h"
 #include "image/halvorsund_filter.h"
+#include "image/instruction_set.h"
 #include "image/lanes.h"
 #include "image/pixel.h"
 #include "image/pixel_array.h"
 
-namespace radiashafts {
+namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET {
 
 // Each ray walks outward with a running sum of what it has passed, which decays at every step, and
 // deposits sum and weight in an accumulation image. The last step divides sums by weights: every
@@ -345,4 +346,4 @@ class RadiashaftsStraightFilter final : public HalvorsundFilter {
   std::atomic<std::int32_t> progressCounter_{0};
 };
 
-}  // namespace radiashafts
+}  // namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET

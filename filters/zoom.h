@@ -8,10 +8,11 @@
 #include <cstdint>
 
 #include "image/halvorsund_filter.h"
+#include "image/instruction_set.h"
 #include "image/pixel.h"
 #include "image/pixel_array.h"
 
-namespace radiashafts {
+namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET {
 
 // What lies outside the source. Any other number stands for zero.
 enum Extension : std::int32_t {
@@ -211,4 +212,4 @@ class ZoomFilter final : public RowFilter {
   AreaTable areaTable_;
 };
 
-}  // namespace radiashafts
+}  // namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET

@@ -4,9 +4,10 @@
 #include <cstdint>
 #include <limits>
 
+#include "image/instruction_set.h"
 #include "services/halvorsund_host.h"
 
-namespace radiashafts {
+namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET {
 
 // A filter is built on the caller's stack, filled field by field, run once and dropped. It does not
 // own the host or any image.
@@ -88,4 +89,4 @@ class HostBuffer {
   void* data_ = nullptr;
 };
 
-}  // namespace radiashafts
+}  // namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET

@@ -5,12 +5,14 @@
 #include <cstdint>
 #include <cstring>
 
-namespace radiashafts {
+#include "image/instruction_set.h"
 
-// As wide as every processor of the platforms can take. Every operation is the scalar one in each
-// lane, to the last bit. Code on lanes decides by choosing between two results that it has both
-// worked out: what the colours of a photograph ask of branches no processor foresees.
-inline constexpr int laneCount = 2;
+namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET {
+
+// As wide as the instructions. Every operation is the scalar one in each lane, to the last bit.
+// Code on lanes decides by choosing between two results that it has both worked out: what the
+// colours of a photograph ask of branches no processor foresees.
+inline constexpr int laneCount = instructionSet == InstructionSet::avx2 ? 4 : 2;
 
 using Lanes [[gnu::vector_size(laneCount * sizeof(double))]] = double;
 using SingleLanes [[gnu::vector_size(laneCount * sizeof(float))]] = float;
@@ -65,4 +67,4 @@ inline Lanes narrowed(Lanes value) {
   return toDouble(toSingle(value));
 }
 
-}  // namespace radiashafts
+}  // namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET

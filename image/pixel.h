@@ -6,9 +6,10 @@
 #include <limits>
 #include <type_traits>
 
+#include "image/instruction_set.h"
 #include "image/lanes.h"
 
-namespace radiashafts {
+namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET {
 
 // Layouts say which sample of an interleaved pixel is which channel. Alpha stands behind the
 // colours; an index of -1 says that there is none.
@@ -103,4 +104,4 @@ typename Pixel::Sample toClampedSample(double value) {
   return static_cast<typename Pixel::Sample>(clampToStored<Pixel>(allLanes(value))[0]);
 }
 
-}  // namespace radiashafts
+}  // namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET

@@ -4,7 +4,9 @@
 #include <cstddef>
 #include <cstdint>
 
-namespace radiashafts {
+#include "image/instruction_set.h"
+
+namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET {
 
 // Strided is 1 where the distance between pixels is read from the view (the host's buffers, whose
 // pixels may hold more planes than the pixel type uses) and 0 where it is the pixel's own size.
@@ -53,4 +55,4 @@ Image tightView(std::int32_t width, std::int32_t height, void* buffer) {
   return view;
 }
 
-}  // namespace radiashafts
+}  // namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET

@@ -2,10 +2,11 @@
 #pragma once
 
 #include "image/color.h"
+#include "image/instruction_set.h"
 #include "image/lanes.h"
 #include "image/power.h"
 
-namespace radiashafts {
+namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET {
 
 // An adjustment by three amounts from -1 to 1: hue up to half a turn either way, saturation,
 // lightness. It changes colours at neutral amounts too, in their last bits.
@@ -52,4 +53,4 @@ class HslAdjustment {
   double fullBoost_;
 };
 
-}  // namespace radiashafts
+}  // namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET

@@ -4,11 +4,12 @@
 #include <array>
 
 #include "image/color.h"
+#include "image/instruction_set.h"
 #include "image/lanes.h"
 #include "image/pixel.h"
 #include "parameters/blend_mode.h"
 
-namespace radiashafts {
+namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET {
 
 // Channels of pixels as doubles in the render's range, alpha last where the layout has it.
 template <class Pixel>
@@ -236,4 +237,4 @@ void blendPixel(PixelValues<Pixel>& base, const PixelValues<Pixel>& ray, BlendMo
   PixelBlend<Pixel>::blend(base, ray, mode);
 }
 
-}  // namespace radiashafts
+}  // namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET

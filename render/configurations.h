@@ -4,10 +4,11 @@
 #include <cstdint>
 #include <type_traits>
 
+#include "image/instruction_set.h"
 #include "image/pixel.h"
 #include "image/pixel_array.h"
 
-namespace radiashafts {
+namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET {
 
 inline constexpr int configurationCount = 18;
 
@@ -47,4 +48,4 @@ struct Configuration {
   using WorkingImage = PixelArray<PixelRGB<Layout, float, hasAlpha, 0, range>, 0, 0>;
 };
 
-}  // namespace radiashafts
+}  // namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET

@@ -12,13 +12,14 @@
 #include "filters/smooth_rays.h"
 #include "filters/straight_rays.h"
 #include "image/halvorsund_filter.h"
+#include "image/instruction_set.h"
 #include "image/lanes.h"
 #include "image/sampling.h"
 #include "render/blend_pixel.h"
 #include "render/ray_shading.h"
 #include "render/render_values.h"
 
-namespace radiashafts {
+namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET {
 
 // Image is the host's picture, Working the float image of the same layout and range, Mask the
 // host's mask.
@@ -240,4 +241,4 @@ class RadiashaftsEffect final : public RowFilter {
   double shiftY_ = 0.0;
 };
 
-}  // namespace radiashafts
+}  // namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET

@@ -6,6 +6,7 @@
 #include <type_traits>
 
 #include "image/color.h"
+#include "image/instruction_set.h"
 #include "image/lanes.h"
 #include "image/pixel.h"
 #include "image/power.h"
@@ -13,7 +14,7 @@
 #include "render/blend_pixel.h"
 #include "render/render_values.h"
 
-namespace radiashafts {
+namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET {
 
 // The gamma curve of the integer pipelines, 32768 entries whatever the depth, in the render's
 // range.
@@ -138,4 +139,4 @@ class RayShading {
   const float* gammaTable_;
 };
 
-}  // namespace radiashafts
+}  // namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET

@@ -1,5 +1,6 @@
 // The one text of all configurations; included by the generated source files alone.
 
+#include "render/configurations.h"
 #include "render/radiashafts_effect.h"
 #include "render/render_template.h"
 
@@ -18,7 +19,7 @@ Image hostView(const HostBuffers& buffers, void* data, std::int32_t rowBytes,
   return view;
 }
 
-template <int Number>
+template <int Number, InstructionSet set>
 std::int32_t RenderTemplate(HalvorsundHost& host, const HostBuffers& buffers,
                             const RenderValues& values) {
   using Types = Configuration<Number>;

@@ -2,10 +2,13 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdlib>
+#include <cstring>
 #include <utility>
 
 #include "diagnostics/debug_log.h"
 #include "hostapi/constants.h"
+#include "platform/processors.h"
 #include "render/configurations.h"
 #include "render/record_values.h"
 #include "render/render_template.h"
@@ -16,13 +19,25 @@ namespace {
 
 using RenderFunction = std::int32_t (*)(HalvorsundHost&, const HostBuffers&, const RenderValues&);
 
-template <int... Index>
+template <InstructionSet set, int... Index>
 constexpr std::array<RenderFunction, sizeof...(Index)> makeRenderTable(
     std::integer_sequence<int, Index...>) {
-  return {&RenderTemplate<Index + 1>...};
+  return {&RenderTemplate<Index + 1, set>...};
 }
 
-constexpr auto renderTable = makeRenderTable(std::make_integer_sequence<int, configurationCount>());
+constexpr auto configurationIndexes = std::make_integer_sequence<int, configurationCount>();
+constexpr auto sse2RenderTable = makeRenderTable<InstructionSet::sse2>(configurationIndexes);
+constexpr auto avx2RenderTable = makeRenderTable<InstructionSet::avx2>(configurationIndexes);
+
+// The fastest that the processor has. An environment that says "sse2" holds it at that, so that the
+// two can be compared.
+const auto& renderTable() {
+  static const bool fast = [] {
+    const char* wanted = std::getenv("RADIASHAFTS_INSTRUCTION_SET");
+    return platform::hasAvx2() && (wanted == nullptr || std::strcmp(wanted, "sse2") != 0);
+  }();
+  return fast ? avx2RenderTable : sse2RenderTable;
+}
 
 int sampleDepth(std::int64_t depth) {
   switch (depth) {
@@ -91,7 +106,7 @@ std::int16_t selectRenderTemplate(HalvorsundHost& host, const EffectParameters& 
       .scaleY = static_cast<double>(scaleY + previewLevel),
   };
   const int number = configurationNumber(layout.depth, layout.hasAlpha, layout.colorPlanes);
-  const RenderFunction render = renderTable[static_cast<std::size_t>(number - 1)];
+  const RenderFunction render = renderTable()[static_cast<std::size_t>(number - 1)];
   return static_cast<std::int16_t>(render(host, buffers, renderValuesOf(parameters, view)));
 }
 

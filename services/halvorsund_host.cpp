@@ -39,4 +39,12 @@ std::int32_t HalvorsundHost::RunIterations(std::int32_t iterations, IterationCal
   return ThreadPool::Instance().iterate(iterations, callback);
 }
 
+std::int32_t HalvorsundHost::NoErrorCode() const {
+  return 0;
+}
+
+std::int32_t HalvorsundHost::OutOfMemoryCode() const {
+  return 1;
+}
+
 }  // namespace radiashafts

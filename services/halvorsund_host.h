@@ -43,8 +43,8 @@ class HalvorsundHost {
   // be made nothing runs and the result is NoErrorCode.
   virtual std::int32_t RunIterations(std::int32_t iterations, IterationCallback callback);
 
-  virtual std::int32_t NoErrorCode() const { return 0; }
-  virtual std::int32_t OutOfMemoryCode() const { return 1; }
+  virtual std::int32_t NoErrorCode() const;
+  virtual std::int32_t OutOfMemoryCode() const;
 
   const FilterIdentity& identity() const { return identity_; }
 

@@ -1,11 +1,10 @@
 // Parallel work whose effects must come out as if chunk after chunk had run on one thread.
 #pragma once
 
-#include <algorithm>
+#include <atomic>
 #include <cstdint>
 #include <limits>
 #include <memory>
-#include <mutex>
 #include <new>
 
 #include "image/instruction_set.h"
@@ -25,7 +24,7 @@ class OrderedChunks {
   OrderedChunks(std::int32_t chunks, std::int32_t blocks)
       : chunks_(chunks),
         blocks_(blocks),
-        finishedBlocks_(new (std::nothrow) std::int32_t[static_cast<std::size_t>(chunks)]{}) {}
+        finishedBlocks_(new (std::nothrow) Counter[static_cast<std::size_t>(chunks)]{}) {}
 
   // Calls work(chunk, block) for the whole grid and finish(chunk, threadIndex) once a chunk has all
   // its blocks. finish returns a status; one other than success, on any thread, ends all the work.
@@ -46,10 +45,12 @@ class OrderedChunks {
       return c.grid.runChunk(c.host, c.work, c.finish, chunk, threadIndex);
     };
     const std::int32_t status = host.RunIterations(chunks_, {&call, runChunk});
-    return status != host.NoErrorCode() ? status : status_;
+    return status != host.NoErrorCode() ? status : status_.load();
   }
 
  private:
+  using Counter = std::atomic<std::int32_t>;
+
   static constexpr std::int32_t allBlocks = std::numeric_limits<std::int32_t>::max();
 
   template <class Work, class Finish>
@@ -67,32 +68,29 @@ class OrderedChunks {
 
   // Waits until the chunk before has left the block. False when the work was stopped.
   bool mayEnter(HalvorsundHost& host, std::int32_t chunk, std::int32_t block) {
-    const std::lock_guard lock(monitor_);
-    while (status_ == host.NoErrorCode() && chunk > 0 && finishedBlocks_[chunk - 1] <= block) {
-      monitor_.waitForChange();
-    }
+    monitor_.await([&] {
+      return chunk == 0 || finishedBlocks_[chunk - 1] > block || status_ != host.NoErrorCode();
+    });
     return status_ == host.NoErrorCode();
   }
 
   void publish(std::int32_t chunk, std::int32_t finishedBlocks) {
-    const std::lock_guard lock(monitor_);
     finishedBlocks_[chunk] = finishedBlocks;
-    monitor_.announceChange();
+    monitor_.announce();
   }
 
   // Lets everybody who waits go: a thread that met a status takes no more chunks, so there are
   // chunks that will never be done.
   void stop(std::int32_t status) {
-    const std::lock_guard lock(monitor_);
     status_ = status;
-    monitor_.announceChange();
+    monitor_.announce();
   }
 
   std::int32_t chunks_;
   std::int32_t blocks_;
   platform::Monitor monitor_;
-  std::unique_ptr<std::int32_t[]> finishedBlocks_;  // of each chunk
-  std::int32_t status_ = 0;
+  std::unique_ptr<Counter[]> finishedBlocks_;  // of each chunk
+  Counter status_ = 0;
 };
 
 }  // namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET

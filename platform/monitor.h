@@ -1,6 +1,8 @@
 #pragma once
 
+#include <chrono>
 #include <memory>
+#include <mutex>
 
 namespace radiashafts::platform {
 
@@ -20,7 +22,30 @@ class Monitor {
   void waitForChange();
   void announceChange();
 
+  // Returns once the condition holds, which others make true before they announce a change. Without
+  // the lock held. Looks for some milliseconds before it waits: a thread that sleeps is not back on
+  // a processor before the system has got round to it, and then often on the waker's own.
+  template <class Condition>
+  void await(const Condition& condition) {
+    constexpr std::chrono::milliseconds patience(4);
+    for (const auto start = std::chrono::steady_clock::now();
+         std::chrono::steady_clock::now() - start < patience;) {
+      if (condition()) return;
+      letOthersRun();
+    }
+    const std::lock_guard guard(*this);
+    while (!condition()) waitForChange();
+  }
+
+  // Announces a change that was made without the lock.
+  void announce() {
+    const std::lock_guard guard(*this);
+    announceChange();
+  }
+
  private:
+  static void letOthersRun();
+
   struct State;
   std::unique_ptr<State> state_;
 };

@@ -13,6 +13,7 @@
 #include "render/record_values.h"
 #include "render/render_template.h"
 #include "render/render_values.h"
+#include "services/thread_pool.h"
 
 namespace radiashafts {
 namespace {
@@ -107,6 +108,7 @@ std::int16_t selectRenderTemplate(HalvorsundHost& host, const EffectParameters& 
   };
   const int number = configurationNumber(layout.depth, layout.hasAlpha, layout.colorPlanes);
   const RenderFunction render = renderTable()[static_cast<std::size_t>(number - 1)];
+  const ThreadPool::Attendance attendance(ThreadPool::Instance());
   return static_cast<std::int16_t>(render(host, buffers, renderValuesOf(parameters, view)));
 }
 

@@ -37,10 +37,60 @@ bool ThreadPool::init(std::int32_t count) {
   return true;
 }
 
-void ThreadPool::WorkerShare(void* argument) {
+void ThreadPool::AttendWorker(void* argument) {
   WorkerSlot& slot = *static_cast<WorkerSlot*>(argument);
-  trace("thread ", slot.index, " started");
-  slot.pool->iterateShare(slot);
+  slot.pool->attend(slot);
+}
+
+void ThreadPool::attend(WorkerSlot& slot) {
+  while (true) {
+    monitor_.await([&] { return call_ != slot.served || dismissed_; });
+    const std::uint32_t latest = call_;
+    if (latest == slot.served) return;
+    if (enterCall()) {
+      slot.served = call_;  // stays while the worker is in it
+      trace("thread ", slot.index, " started");
+      iterateShare(slot);
+      leaveCall();
+    } else {
+      slot.served = latest;
+    }
+  }
+}
+
+bool ThreadPool::enterCall() {
+  std::int32_t workers = workersInCall_;
+  while (workers >= 0) {
+    if (workersInCall_.compare_exchange_weak(workers, workers + 1)) return true;
+  }
+  return false;
+}
+
+void ThreadPool::leaveCall() {
+  ++workersDone_;
+  --workersInCall_;
+  monitor_.announce();
+}
+
+void ThreadPool::callWorkers() {
+  workersDone_ = 0;
+  workersInCall_ = 0;
+  ++call_;
+  if (workersAttend_) return monitor_.announce();
+  for (std::int32_t i = 1; i < threadCount_; ++i) {
+    slots_[i].served = call_ - 1;
+    slots_[i].worker.run(AttendWorker, &slots_[i]);
+  }
+  workersAttend_ = true;
+}
+
+void ThreadPool::dismissWorkers() {
+  if (!workersAttend_) return;
+  dismissed_ = true;
+  monitor_.announce();
+  for (std::int32_t i = 1; i < threadCount_; ++i) slots_[i].worker.wait();
+  dismissed_ = false;
+  workersAttend_ = false;
 }
 
 void ThreadPool::iterateShare(WorkerSlot& slot) {
@@ -54,6 +104,7 @@ std::int32_t ThreadPool::iterate(std::int32_t iterations, IterationCallback call
   trace("ThreadPool::iterate (iterations(", iterations, "))");
   const LogIndent indent;
 
+  const Attendance attendance(*this);
   nextIndex_ = 0;
   for (std::int32_t i = 0; i < threadCount_; ++i) {
     WorkerSlot& slot = slots_[i];
@@ -63,12 +114,14 @@ std::int32_t ThreadPool::iterate(std::int32_t iterations, IterationCallback call
     slot.result = 0;
     slot.pool = this;
   }
-  for (std::int32_t i = 1; i < threadCount_; ++i) slots_[i].worker.run(WorkerShare, &slots_[i]);
+  callWorkers();
   iterateShare(slots_[0]);
   for (std::int32_t i = 1; i < threadCount_; ++i) {
     trace("waiting for thread ", i, " to finish calculations");
-    slots_[i].worker.wait();
   }
+  monitor_.await([&] { return nextIndex_ >= iterations || workersDone_ == threadCount_ - 1; });
+  workersInCall_ -= closed;
+  monitor_.await([this] { return workersInCall_ == -closed; });
   trace("all threads finished");
   return slots_[0].result;
 }

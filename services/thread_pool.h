@@ -5,6 +5,7 @@
 #include <atomic>
 #include <cstdint>
 
+#include "platform/monitor.h"
 #include "platform/worker.h"
 
 namespace radiashafts {
@@ -39,6 +40,22 @@ class ThreadPool {
   // thread's share alone. Calls may not overlap.
   std::int32_t iterate(std::int32_t iterations, IterationCallback callback);
 
+  // While one stands the workers stay at hand between calls: a system takes its time to put a
+  // thread that sleeps on a processor again, up to some milliseconds, and a render calls a dozen
+  // times. After the last one is gone no worker is in the module's code.
+  class Attendance {
+   public:
+    explicit Attendance(ThreadPool& pool) : pool_(pool) { ++pool_.attendances_; }
+    ~Attendance() {
+      if (--pool_.attendances_ == 0) pool_.dismissWorkers();
+    }
+    Attendance(const Attendance&) = delete;
+    Attendance& operator=(const Attendance&) = delete;
+
+   private:
+    ThreadPool& pool_;
+  };
+
   // Ends the workers that were made. A pool that served a call is not used after it.
   void free();
 
@@ -51,14 +68,30 @@ class ThreadPool {
     IterationCallback callback;
     std::int32_t result = 0;
     ThreadPool* pool = nullptr;
-    platform::Worker worker;  // none in slot 0
+    std::uint32_t served = 0;  // number of the last call that the worker took part in
+    platform::Worker worker;   // none in slot 0
   };
 
-  static void WorkerShare(void* slot);
+  static void AttendWorker(void* slot);
+  void attend(WorkerSlot& slot);
+  bool enterCall();
+  void leaveCall();
+  void callWorkers();
+  void dismissWorkers();
   void iterateShare(WorkerSlot& slot);
 
   std::int32_t threadCount_ = 0;
+  std::int32_t attendances_ = 0;
+  bool workersAttend_ = false;
   std::atomic<std::int32_t> nextIndex_{0};
+  std::atomic<std::uint32_t> call_{0};  // number of the latest call
+  // Workers at work in the call, less closed once no iteration is left to take: nobody waits for a
+  // worker that comes too late.
+  static constexpr std::int32_t closed = 1000;
+  std::atomic<std::int32_t> workersInCall_{-closed};
+  std::atomic<std::int32_t> workersDone_{0};
+  std::atomic<bool> dismissed_{false};
+  platform::Monitor monitor_;  // of the four above
   std::array<WorkerSlot, maximumSlots> slots_;
 };
 

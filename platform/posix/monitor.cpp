@@ -3,6 +3,8 @@
 #include <condition_variable>
 #include <mutex>
 
+#include <sched.h>
+
 namespace radiashafts::platform {
 
 struct Monitor::State {
@@ -29,6 +31,10 @@ void Monitor::waitForChange() {
 
 void Monitor::announceChange() {
   state_->changed.notify_all();
+}
+
+void Monitor::letOthersRun() {
+  sched_yield();
 }
 
 }  // namespace radiashafts::platform

@@ -27,4 +27,8 @@ void Monitor::announceChange() {
   WakeAllConditionVariable(&state_->changed);
 }
 
+void Monitor::letOthersRun() {
+  SwitchToThread();
+}
+
 }  // namespace radiashafts::platform

@@ -1,5 +1,7 @@
 #include "frame/pf_filter.h"
 
+#include <algorithm>
+
 #include "diagnostics/debug_log.h"
 #include "hostapi/constants.h"
 #include "interface/live_preview.h"
@@ -20,6 +22,7 @@ class pfFilter::SelectorGuard {
   }
   ~SelectorGuard() {
     nRenderStartTick = 0;
+    filter_.ReleaseKeptBlocks();
     filter_.ReleaseSuites();
     filter_.running = false;
   }
@@ -107,18 +110,55 @@ std::int32_t pfFilter::PumpMessages(std::int32_t threadIndex) {
   return superseded ? hostapi::userCanceledError : NoErrorCode();
 }
 
+// A block of the very size, or a new one; then the view has changed, and what was kept is of no
+// use.
 void* pfFilter::Allocate(std::uint32_t size) {
   const std::lock_guard lock(memoryLock);
+  const bool inPreview = nRenderStartTick != 0;
+  for (KeptBlock& block : keptBlocks) {
+    if (!inPreview || block.pointer == nullptr || block.inUse || block.size != size) continue;
+    block.inUse = true;
+    return block.pointer;
+  }
+  ReleaseKeptBlocks();
+  void* const pointer = AllocateFromHost(size);
+  const auto empty = std::find_if(keptBlocks.begin(), keptBlocks.end(),
+                                  [](const KeptBlock& block) { return block.pointer == nullptr; });
+  if (inPreview && empty != keptBlocks.end()) *empty = {pointer, size, true};
+  return pointer;
+}
+
+void pfFilter::Free(void* pointer) {
+  const std::lock_guard lock(memoryLock);
+  if (pointer == nullptr) return;
+  const auto kept = std::find_if(keptBlocks.begin(), keptBlocks.end(),
+                                 [&](const KeptBlock& block) { return block.pointer == pointer; });
+  if (kept != keptBlocks.end()) {
+    kept->inUse = false;
+    if (nRenderStartTick != 0) return;
+    *kept = {};
+  }
+  FreeToHost(pointer);
+}
+
+void pfFilter::ReleaseKeptBlocks() {
+  for (KeptBlock& block : keptBlocks) {
+    if (block.pointer == nullptr || block.inUse) continue;
+    FreeToHost(block.pointer);
+    block = {};
+  }
+}
+
+void* pfFilter::AllocateFromHost(std::uint32_t size) {
   if (!usesHostMemory()) return HalvorsundHost::Allocate(size);
   std::uint32_t requested = size;
   return bufferSuite->New(&requested, size);
 }
 
-void pfFilter::Free(void* pointer) {
-  const std::lock_guard lock(memoryLock);
+void pfFilter::FreeToHost(void* pointer) {
   if (!usesHostMemory()) {
     HalvorsundHost::Free(pointer);
-  } else if (pointer != nullptr) {
+  } else {
     bufferSuite->Dispose(&pointer);
   }
 }

@@ -1,6 +1,7 @@
 // The filter as the host's interface wants it: selectors, the record, progress and memory.
 #pragma once
 
+#include <array>
 #include <chrono>
 #include <cstdint>
 #include <memory>
@@ -28,7 +29,8 @@ class pfFilter : public HalvorsundHost, public EditedFilter {
   // it dispatches the waiting window messages, -1 when the interface was closed; on every thread
   // -128 when a newer render is wanted 201 ms or more into this one.
   std::int32_t Progress(std::int32_t done, std::int32_t total, std::int32_t threadIndex) override;
-  // From the host's Buffer Suite where it has the Handle Suite too, else from the heap.
+  // From the host's Buffer Suite where it has the Handle Suite too, else from the heap. Between the
+  // renders of a preview, which are all alike, freed blocks stay with the filter.
   void* Allocate(std::uint32_t size) override;
   void Free(void* pointer) override;
   std::int32_t OutOfMemoryCode() const override { return hostapi::memoryFullError; }
@@ -60,12 +62,23 @@ class pfFilter : public HalvorsundHost, public EditedFilter {
   std::int32_t ReportToHost(std::int32_t done, std::int32_t total);
   std::int32_t PumpMessages(std::int32_t threadIndex);
 
+  void* AllocateFromHost(std::uint32_t size);
+  void FreeToHost(void* pointer);
+  void ReleaseKeptBlocks();
+
+  struct KeptBlock {
+    void* pointer = nullptr;
+    std::uint32_t size = 0;
+    bool inUse = false;
+  };
+
   bool running = false;                         // a selector is
   hostapi::SPBasicSuite* basicSuite = nullptr;  // good for one selector, like the next two
   const hostapi::BufferSuite1* bufferSuite = nullptr;
   const hostapi::HandleSuite2* handleSuite = nullptr;
   hostapi::FilterRecord* currentRecord = nullptr;
   std::chrono::steady_clock::time_point lastLook;  // for messages, in a preview render
+  std::array<KeptBlock, 8> keptBlocks;             // more than a render asks for
   std::recursive_mutex memoryLock;  // a window procedure may come back while Progress pumps
 };
 

@@ -18,9 +18,11 @@ void PreviewView::open(EditedFilter* filter, hostapi::FilterRecord* record) {
   nDraftLevel = 0;
   geometry_ = {};
   settled_.reset();
+  workers_.emplace(ThreadPool::Instance());
 }
 
 void PreviewView::close() {
+  workers_.reset();
   nRenderStartTick = 0;
   releaseBitmap();
   filter_ = nullptr;

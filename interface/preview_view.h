@@ -10,6 +10,7 @@
 #include "interface/preview_geometry.h"
 #include "interface/preview_windows.h"
 #include "interface/view_scale.h"
+#include "services/thread_pool.h"
 
 namespace radiashafts {
 
@@ -78,6 +79,7 @@ class PreviewView {
     PreviewGeometry geometry;
   };
   std::optional<SettledView> settled_;
+  std::optional<ThreadPool::Attendance> workers_;  // renders follow one another closely
   std::uint8_t* bitmap_ = nullptr;  // memory of the host
   std::int32_t nBitmapWidth = 0;
   std::int32_t nBitmapHeight = 0;

@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "frame/pf_filter.h"
+#include "interface/live_preview.h"
 #include "standin/descriptors.h"
 #include "standin/host_buffer_suite.h"
 #include "tests/support/closed_windows.h"
@@ -199,6 +200,31 @@ TEST(SetupFilterRecord, AsksForTheWholePictureReducedByTheFactor) {
   EXPECT_EQ(asked(1, 90, 50, 1), "0,0,90,50 0,0,90,50 0,0,90,50 0,0,90,50 rate 11 auto 0" + rest);
   EXPECT_EQ(asked(3, 100, 50, 2), "0,0,33,16 0,0,33,16 0,0,33,16 0,0,100,50 rate 33 auto 1" + rest);
   EXPECT_EQ(asked(2, 7, 1, 1), "0,0,3,0 0,0,3,0 0,0,3,0 0,0,7,1 rate 22 auto 0" + rest);
+}
+
+TEST(Services, KeepFreedBlocksBetweenPreviewsOfOneSizeAndNoLonger) {
+  HandHost host(3);
+  const int before = standin::memoryState().live;
+  const auto live = [&] { return standin::memoryState().live - before; };
+  ProbeFilter filter;
+  filter.render = [&] {
+    nRenderStartTick = 1;
+    void* const large = filter.Allocate(1000);
+    void* const small = filter.Allocate(100);
+    filter.Free(large);
+    EXPECT_EQ(live(), 2);
+    EXPECT_EQ(filter.Allocate(1000), large);
+    filter.Free(large);
+    void* const other = filter.Allocate(2000);  // another view
+    EXPECT_EQ(live(), 2);
+    filter.Free(small);
+    nRenderStartTick = 0;
+    filter.Free(other);
+    EXPECT_EQ(live(), 1);
+    return std::int16_t{-5};
+  };
+  EXPECT_EQ(filter.Dispatch(3, &host.record), -5);
+  EXPECT_EQ(live(), 0);
 }
 
 TEST(Services, UseTheHostsMemoryWithBothSuitesAndReportOnThreadZeroAlone) {

@@ -1,6 +1,7 @@
 #include "interface/preview_pixels.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <type_traits>
 
@@ -77,22 +78,23 @@ class Backdrop {
   int imageWidth_, imageHeight_, width_, height_;
 };
 
-// The three values of a pixel in the bitmap's byte order. Of two channels the second comes first
-// and the third value is black, whoever draws.
+// Which planes give a pixel's three values, in the bitmap's byte order; -1 is black. Of two
+// channels the second comes first and the third value is black, whoever draws.
+std::array<int, 3> planesInOrder(int colors, BitmapOrder order) {
+  if (colors == 1) return {0, 0, 0};
+  if (colors == 2) return {1, 0, -1};
+  return order == BitmapOrder::forHost ? std::array{0, 1, 2} : std::array{2, 1, 0};
+}
+
 template <class Sample>
-void loadColors(const Sample* pixel, int colors, BitmapOrder order, double (&values)[3]) {
-  if (colors == 1) {
-    values[0] = values[1] = values[2] = color(pixel[0]);
-  } else if (colors == 2) {
-    values[0] = color(pixel[1]);
-    values[1] = color(pixel[0]);
-    values[2] = 0.0;
-  } else {
-    const bool forHost = order == BitmapOrder::forHost;
-    values[0] = color(pixel[forHost ? 0 : 2]);
-    values[1] = color(pixel[1]);
-    values[2] = color(pixel[forHost ? 2 : 0]);
-  }
+std::uint8_t shown(Sample sample) {
+  if constexpr (std::is_same_v<Sample, std::uint8_t>) return sample;
+  return toByte(color(sample));
+}
+
+template <class Sample>
+std::uint8_t shownOver(double behind, double opacity, Sample sample) {
+  return toByte((color(sample) - behind) * opacity + behind);
 }
 
 template <class Sample>
@@ -101,6 +103,7 @@ void drawPixels(const hostapi::FilterRecord& record, const Layout& layout, Bitma
   const int width = record.outRect.right - record.outRect.left;
   const int height = record.outRect.bottom - record.outRect.top;
   const Backdrop backdrop(record, width, height);
+  const std::array<int, 3> planes = planesInOrder(layout.colors, order);
   const auto rowOfBitmap = static_cast<std::ptrdiff_t>(bitmapWidth) * 3;
   for (int y = 0; y < height; ++y) {
     const auto* pixel =
@@ -108,14 +111,14 @@ void drawPixels(const hostapi::FilterRecord& record, const Layout& layout, Bitma
                                         static_cast<std::ptrdiff_t>(y) * record.outRowBytes);
     std::uint8_t* to = bitmap + (order == BitmapOrder::forHost ? y : height - 1 - y) * rowOfBitmap;
     for (int x = 0; x < width; ++x, pixel += record.planes) {
-      double values[3];
-      loadColors(pixel, layout.colors, order, values);
+      const auto sampleOf = [&](int plane) { return plane < 0 ? Sample{} : pixel[plane]; };
       if (layout.hasAlpha) {
         const double opacity = alpha(pixel[layout.alphaPlane]);
         const double behind = backdrop.at(x, y);
-        for (double& value : values) value = (value - behind) * opacity + behind;
+        for (const int plane : planes) *to++ = shownOver(behind, opacity, sampleOf(plane));
+      } else {
+        for (const int plane : planes) *to++ = shown(sampleOf(plane));
       }
-      for (const double value : values) *to++ = toByte(value);
     }
   }
 }

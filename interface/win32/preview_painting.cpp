@@ -54,42 +54,41 @@ void drawHandle(HDC context, Point centre) {
   SelectObject(context, previous);
 }
 
-// A drawing surface of the frame's size, so that nothing flickers on the screen.
-class BackBuffer {
- public:
-  BackBuffer(HDC screen, Extent size)
-      : screen_(screen),
-        size_(size),
-        context_(CreateCompatibleDC(screen)),
-        bitmap_(CreateCompatibleBitmap(screen, size.width, size.height)),
-        previous_(SelectObject(context_, bitmap_)) {}
-  ~BackBuffer() {
-    SelectObject(context_, previous_);
-    DeleteObject(bitmap_);
-    DeleteDC(context_);
-  }
-  BackBuffer(const BackBuffer&) = delete;
-  BackBuffer& operator=(const BackBuffer&) = delete;
-
-  bool isUsable() const { return context_ != nullptr && bitmap_ != nullptr; }
-  HDC context() const { return context_; }
-  void show() const { BitBlt(screen_, 0, 0, size_.width, size_.height, context_, 0, 0, SRCCOPY); }
-
- private:
-  HDC screen_;
-  Extent size_;
-  HDC context_;
-  HBITMAP bitmap_;
-  HGDIOBJ previous_;
-};
-
 }  // namespace
+
+BackBuffer::BackBuffer(HDC screen, Extent size)
+    : size_(size),
+      context_(CreateCompatibleDC(screen)),
+      bitmap_(CreateCompatibleBitmap(screen, size.width, size.height)),
+      previous_(SelectObject(context_, bitmap_)) {}
+
+BackBuffer::~BackBuffer() {
+  SelectObject(context_, previous_);
+  DeleteObject(bitmap_);
+  DeleteDC(context_);
+}
+
+void BackBuffer::show(HDC screen) const {
+  BitBlt(screen, 0, 0, size_.width, size_.height, context_, 0, 0, SRCCOPY);
+}
+
+const BackBuffer& PreviewPainting::bufferFor(HDC screen, Extent size) {
+  const bool fits = buffer_ && buffer_->size().width == size.width &&
+                    buffer_->size().height == size.height && buffer_->isUsable();
+  if (!fits) buffer_.emplace(screen, size);
+  return *buffer_;
+}
+
+void PreviewPainting::release() {
+  forgetBitmap();
+  buffer_.reset();
+}
 
 void PreviewPainting::paint(HDC screen, PreviewView& view,
                             const std::optional<std::array<double, 2>>& light) {
   view.limitPan();
   const PreviewGeometry& geometry = view.geometry();
-  const BackBuffer buffer(screen, geometry.frame);
+  const BackBuffer& buffer = bufferFor(screen, geometry.frame);
   const HDC context = buffer.isUsable() ? buffer.context() : screen;
 
   const Box to = geometry.destination();
@@ -118,7 +117,7 @@ void PreviewPainting::paint(HDC screen, PreviewView& view,
   }
   DeleteObject(brush);
   if (light) drawHandle(context, geometry.handle((*light)[0], (*light)[1]));
-  if (buffer.isUsable()) buffer.show();
+  if (buffer.isUsable()) buffer.show(screen);
 }
 
 const void* PreviewPainting::bitsOf(const PreviewView& view, const BITMAPINFO& info) {

@@ -134,7 +134,7 @@ void pfPreviewWin32::closeDialogs() {
   if (m_hInterface != nullptr) DestroyWindow(m_hInterface);
   if (m_hPreview != nullptr) DestroyWindow(m_hPreview);
   m_hInterface = m_hPreview = nullptr;
-  painting_.forgetBitmap();
+  painting_.release();
   if (pickerCursor_ != nullptr) DestroyCursor(pickerCursor_);
   pickerCursor_ = nullptr;
 }
@@ -229,7 +229,7 @@ void pfPreviewWin32::enableControl(int id, bool enabled) {
   if (!enabled && control != nullptr && GetFocus() == control) {
     SendMessageA(m_hInterface, WM_NEXTDLGCTL, 0, FALSE);
   }
-  EnableWindow(control, enabled ? TRUE : FALSE);
+  if (enabled != (IsWindowEnabled(control) != FALSE)) EnableWindow(control, enabled ? TRUE : FALSE);
 }
 
 void pfPreviewWin32::captureMouse() {

@@ -80,7 +80,7 @@ class PreviewView {
   };
   std::optional<SettledView> settled_;
   std::optional<ThreadPool::Attendance> workers_;  // renders follow one another closely
-  std::uint8_t* bitmap_ = nullptr;  // memory of the host
+  std::uint8_t* bitmap_ = nullptr;                 // memory of the host
   std::int32_t nBitmapWidth = 0;
   std::int32_t nBitmapHeight = 0;
   bool bBitmapValid = false;

@@ -11,7 +11,7 @@
 #include <type_traits>
 
 #include "filters/clear.h"
-#include "filters/ordered_chunks.h"
+#include "filters/pipeline.h"
 #include "filters/ray_decay.h"
 #include "image/halvorsund_filter.h"
 #include "image/instruction_set.h"
@@ -65,7 +65,8 @@ class RadiashaftsStraightFilter final : public HalvorsundFilter {
   static constexpr int channels = Pixel::channels;
 
   static constexpr std::int32_t raysInChunk = 64;
-  static constexpr std::int32_t stepsInBlock = 128;
+  static constexpr std::int32_t stepsInBlock = 32;
+  static constexpr std::int32_t pixelsAhead = 6;
 
   struct Border {
     std::int32_t x, y;
@@ -81,6 +82,7 @@ class RadiashaftsStraightFilter final : public HalvorsundFilter {
   // The channels of one pixel with its weight behind them.
   static constexpr int groups = (AccumulationPixel::samples + laneCount - 1) / laneCount;
   using PixelLanes = std::array<Lanes, groups>;
+  using WrappingLanes [[gnu::vector_size(sizeof(WholeLanes))]] = std::uint32_t;
 
   struct Ray {
     Border border;
@@ -160,44 +162,38 @@ class RadiashaftsStraightFilter final : public HalvorsundFilter {
     const std::int32_t chunks = (count + raysInChunk - 1) / raysInChunk;
     const std::int32_t blocks = (longest + stepsInBlock - 1) / stepsInBlock;
 
-    const auto raysOf = [&](std::int32_t chunk) {
-      const std::int32_t from = chunk * raysInChunk;
-      return group.subspan(static_cast<std::size_t>(from),
-                           static_cast<std::size_t>(std::min(raysInChunk, count - from)));
-    };
-    const auto work = [&](std::int32_t chunk, std::int32_t block) {
+    const auto work = [&](std::int32_t block, std::int32_t chunk, std::int32_t threadIndex) {
       const std::int32_t firstStep = block * stepsInBlock;
-      for (Ray& ray : raysOf(chunk)) {
+      const std::int32_t firstRay = chunk * raysInChunk;
+      const std::int32_t rays = std::min(raysInChunk, count - firstRay);
+      for (Ray& ray :
+           group.subspan(static_cast<std::size_t>(firstRay), static_cast<std::size_t>(rays))) {
         const std::int32_t last = byColumns ? ray.border.x : ray.border.y;
         const std::int32_t steps = std::abs(last - start) + 1;
         const std::int32_t stepsHere = std::min(stepsInBlock, steps - firstStep);
-        walkSteps<byColumns>(ray, start + sign * firstStep, stepsHere, sign, decayFactor);
+        if (stepsHere > 0)
+          walkSteps<byColumns>(ray, start + sign * firstStep, stepsHere, sign, decayFactor);
       }
-    };
-    const auto finish = [&](std::int32_t chunk, std::int32_t threadIndex) {
-      for (std::size_t ray = raysOf(chunk).size(); ray > 0; --ray) {
+      // A block's part of the rays.
+      for (std::int32_t ray = rays * block / blocks; ray < rays * (block + 1) / blocks; ++ray) {
         const std::int32_t status = report(threadIndex);
         if (status != host->NoErrorCode()) return status;
       }
       return host->NoErrorCode();
     };
-    return OrderedChunks(chunks, blocks).run(*host, work, finish);
+    return Pipeline(blocks, chunks).run(*host, work);
   }
 
   // Where the steps of a ray cross the lines of pixels that lie across the walk: between which two
-  // pixels of a line, and how far from the first to the second.
+  // pixels of a line, and how far from the first to the second. Several steps to an element.
   struct Crossings {
-    std::array<std::int32_t, stepsInBlock> first;  // number of the pixel in the image
-    std::array<std::int32_t, stepsInBlock> second;
-    std::array<double, stepsInBlock> shareOfSecond;
+    static constexpr std::int32_t elements = stepsInBlock / laneCount;
+    std::array<WholeLanes, elements> first;  // number of the pixel in the image
+    std::array<WholeLanes, elements> second;
+    std::array<Lanes, elements> shareOfFirst;
+    std::array<Lanes, elements> shareOfSecond;
   };
   static constexpr std::int32_t outside = -1;
-
-  // Asks the memory for all that the ray is about to touch: no processor foresees slanted walks.
-  void fetchAhead(std::int32_t pixel) const {
-    __builtin_prefetch(pixelAt(pixel));
-    __builtin_prefetch(sumAt(pixel), 1);
-  }
 
   // Distance times rise is a product in 32 bits, which wraps for origins very far outside. Those
   // rays are wanted as they come out.
@@ -207,28 +203,28 @@ class RadiashaftsStraightFilter final : public HalvorsundFilter {
     const std::int32_t dx = border.x - ox_;
     const std::int32_t dy = border.y - oy_;
     // The column walk measures from the origin, the row walk from the border pixel.
-    const double run = byColumns ? dx : dy;
-    const double base = byColumns ? oy_ : border.x;
+    const Lanes run = allLanes(byColumns ? dx : dy);
+    const Lanes base = allLanes(byColumns ? oy_ : border.x);
     const auto rise = static_cast<std::uint32_t>(byColumns ? dy : dx);
+    const std::int32_t distance = position - (byColumns ? ox_ : border.y);
     const std::int32_t extent = byColumns ? image.height : image.width;
     const std::int32_t along = byColumns ? 1 : image.width;
     const std::int32_t across = byColumns ? image.width : 1;
 
-    auto distance = static_cast<std::uint32_t>(position - (byColumns ? ox_ : border.y));
-    for (std::int32_t n = 0; n < count; ++n) {
-      const auto climbed = static_cast<std::int32_t>(distance * rise);
-      distance += static_cast<std::uint32_t>(sign);
-      crossings.first[n] = outside;
-      const double t = climbed / run + base;
-      if (!(t >= 0.0 && t < extent)) continue;  // also what is not a number: a ray of no length
-      const auto whole = static_cast<std::int32_t>(t);
-      const std::int32_t first = (position + n * sign) * along + whole * across;
-      const std::int32_t second = whole == extent - 1 ? first : first + across;
-      crossings.first[n] = first;
-      crossings.second[n] = second;
-      crossings.shareOfSecond[n] = t - whole;
-      fetchAhead(first);
-      fetchAhead(second);
+    WholeLanes step;
+    for (int lane = 0; lane < laneCount; ++lane) step[lane] = lane * sign;
+    for (std::int32_t i = 0; i * laneCount < count; ++i, step += laneCount * sign) {
+      const auto climbed =
+          reinterpret_cast<WholeLanes>(reinterpret_cast<WrappingLanes>(distance + step) * rise);
+      const Lanes t = toDouble(climbed) / run + base;
+      // False also for what is not a number: a ray of no length.
+      const LaneMask inside = (t >= 0.0) & (t < extent);
+      const WholeLanes whole = toWhole(choose(inside, t, Lanes{}));
+      const WholeLanes pixel = (position + step) * along + whole * across;
+      crossings.first[i] = __builtin_convertvector(inside, WholeLanes) ? pixel : outside;
+      crossings.second[i] = whole == extent - 1 ? pixel : pixel + across;
+      crossings.shareOfSecond[i] = t - toDouble(whole);
+      crossings.shareOfFirst[i] = 1.0 - crossings.shareOfSecond[i];
     }
   }
 
@@ -242,19 +238,30 @@ class RadiashaftsStraightFilter final : public HalvorsundFilter {
     PixelLanes sums;
     std::memcpy(&sums, ray.sums, sizeof sums);
     for (std::int32_t n = 0; n < count; ++n) {
+      const std::int32_t i = n / laneCount;
+      const int lane = n % laneCount;
       for (Lanes& sum : sums) sum *= decayFactor;
-      const std::int32_t first = crossings.first[n];
+      const std::int32_t first = crossings.first[i][lane];
       if (first == outside) continue;
-      const std::int32_t second = crossings.second[n];
+      const std::int32_t second = crossings.second[i][lane];
+      fetch(first + pixelsAhead * (byColumns ? sign * image.width : -sign));
       // The sample is read by linear interpolation between the two pixels, and the sum is given to
       // the same two with the same shares.
-      const double u = crossings.shareOfSecond[n];
-      addSample(pixelAt(first), 1.0 - u, sums);
-      addSample(pixelAt(second), u, sums);
-      addShare(sumAt(first), 1.0 - u, sums);
-      addShare(sumAt(second), u, sums);
+      const Lanes shareOfFirst = allLanes(crossings.shareOfFirst[i][lane]);
+      const Lanes shareOfSecond = allLanes(crossings.shareOfSecond[i][lane]);
+      addSample(pixelAt(first), shareOfFirst, sums);
+      addSample(pixelAt(second), shareOfSecond, sums);
+      addShare(sumAt(first), shareOfFirst, sums);
+      addShare(sumAt(second), shareOfSecond, sums);
     }
     std::memcpy(ray.sums, &sums, sizeof sums);
+  }
+
+  // Asks the memory for what rays to come will touch: no processor foresees their slanted walks.
+  // The rays turn clockwise.
+  void fetch(std::int32_t pixel) const {
+    __builtin_prefetch(pixelAt(pixel));
+    __builtin_prefetch(sumAt(pixel), 1);
   }
 
   // Both images are tight.
@@ -267,22 +274,20 @@ class RadiashaftsStraightFilter final : public HalvorsundFilter {
   }
 
   // A sample's weight is 1, and its share of it is rounded to single precision.
-  static void addSample(const float* sample, double share, PixelLanes& sums) {
-    const Lanes channelShare = allLanes(share);
-    const Lanes weightShare = narrowed(channelShare);
+  static void addSample(const float* sample, Lanes share, PixelLanes& sums) {
     for (int group = 0; group < groups; ++group) {
       SingleLanes samples{};
       for (int lane = 0; lane < laneCount; ++lane) {
-        const int c = group * laneCount + lane;
-        if (c <= channels) samples[lane] = c < channels ? sample[c] : 1.0F;
+        const int channel = group * laneCount + lane;
+        if (channel < channels) samples[lane] = sample[channel];
       }
-      sums[group] += toDouble(samples) * choose(isWeight(group), weightShare, channelShare);
+      const LaneMask isWeight = weightIn<LaneMask>(group);
+      sums[group] += choose(isWeight, narrowed(share), toDouble(samples) * share);
     }
   }
 
-  // Channels are added in double precision, the weight in single: rounded before the sum, which may
-  // then be one of doubles.
-  static void addShare(float* sum, double share, const PixelLanes& sums) {
+  // Channels are added in double precision, the weight in single.
+  static void addShare(float* sum, Lanes share, const PixelLanes& sums) {
     for (int group = 0; group < groups; ++group) {
       float* const sumOfGroup = sum + group * laneCount;
       const std::size_t bytes =
@@ -290,14 +295,16 @@ class RadiashaftsStraightFilter final : public HalvorsundFilter {
       const Lanes product = share * sums[group];
       SingleLanes total{};
       std::memcpy(&total, sumOfGroup, bytes);
-      total = toSingle(toDouble(total) + choose(isWeight(group), narrowed(product), product));
+      total = weightIn<WholeLanes>(group) ? total + toSingle(product)
+                                          : toSingle(toDouble(total) + product);
       std::memcpy(sumOfGroup, &total, bytes);
     }
   }
 
-  // The one lane that holds the weight.
-  static LaneMask isWeight(int group) {
-    LaneMask mask{};
+  // Set in the one lane that holds the weight.
+  template <class Mask>
+  static Mask weightIn(int group) {
+    Mask mask{};
     if (group == channels / laneCount) mask[channels % laneCount] = -1;
     return mask;
   }

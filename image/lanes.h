@@ -5,6 +5,10 @@
 #include <cstdint>
 #include <cstring>
 
+#ifdef __AVX__
+#include <immintrin.h>
+#endif
+
 #include "image/instruction_set.h"
 
 namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET {
@@ -16,6 +20,7 @@ inline constexpr int laneCount = instructionSet == InstructionSet::avx2 ? 4 : 2;
 
 using Lanes [[gnu::vector_size(laneCount * sizeof(double))]] = double;
 using SingleLanes [[gnu::vector_size(laneCount * sizeof(float))]] = float;
+using WholeLanes [[gnu::vector_size(laneCount * sizeof(std::int32_t))]] = std::int32_t;
 using LaneMask [[gnu::vector_size(laneCount * sizeof(std::int64_t))]] = std::int64_t;  // 0 or -1
 
 // What function makes of each lane's index.
@@ -53,14 +58,41 @@ inline Lanes sqrt(Lanes value) {
   return eachLane([=](int lane) { return std::sqrt(value[lane]); });
 }
 
-// Conversions are of whole vectors: the compiler's own vectors of scalar ones lose the rounding.
+// Conversions are of whole vectors: the compiler's own vectors of scalar ones lose the rounding,
+// and four lanes it takes apart to convert two at a time. Whole numbers are truncated toward zero.
+#ifdef __AVX__
+inline SingleLanes toSingle(Lanes value) {
+  return _mm256_cvtpd_ps(value);
+}
+
+inline WholeLanes toWhole(Lanes value) {
+  return reinterpret_cast<WholeLanes>(_mm256_cvttpd_epi32(value));
+}
+
+inline Lanes toDouble(SingleLanes value) {
+  return _mm256_cvtps_pd(value);
+}
+
+inline Lanes toDouble(WholeLanes value) {
+  return _mm256_cvtepi32_pd(reinterpret_cast<__m128i>(value));
+}
+#else
 inline SingleLanes toSingle(Lanes value) {
   return __builtin_convertvector(value, SingleLanes);
+}
+
+inline WholeLanes toWhole(Lanes value) {
+  return __builtin_convertvector(value, WholeLanes);
 }
 
 inline Lanes toDouble(SingleLanes value) {
   return __builtin_convertvector(value, Lanes);
 }
+
+inline Lanes toDouble(WholeLanes value) {
+  return __builtin_convertvector(value, Lanes);
+}
+#endif
 
 // Rounded to single precision and back.
 inline Lanes narrowed(Lanes value) {

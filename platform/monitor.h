@@ -23,10 +23,15 @@ class Monitor {
   void announceChange();
 
   // Returns once the condition holds, which others make true before they announce a change. Without
-  // the lock held. Looks for some milliseconds before it waits: a thread that sleeps is not back on
-  // a processor before the system has got round to it, and then often on the waker's own.
+  // the lock held. Looks closely for a moment, which most waits are over in, and then for some
+  // milliseconds before it waits: a thread that sleeps is not back on a processor before the system
+  // has got round to it.
   template <class Condition>
   void await(const Condition& condition) {
+    for (int look = 0; look < 200; ++look) {
+      if (condition()) return;
+      __builtin_ia32_pause();
+    }
     constexpr std::chrono::milliseconds patience(4);
     for (const auto start = std::chrono::steady_clock::now();
          std::chrono::steady_clock::now() - start < patience;) {

@@ -48,9 +48,10 @@ class Monitor {
     announceChange();
   }
 
- private:
+  // Gives the processor to a thread that waits for it, if there is one.
   static void letOthersRun();
 
+ private:
   struct State;
   std::unique_ptr<State> state_;
 };

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "diagnostics/debug_log.h"
+#include "platform/processors.h"
 
 namespace radiashafts {
 
@@ -47,6 +48,10 @@ void ThreadPool::attend(WorkerSlot& slot) {
     monitor_.await([&] { return call_ != slot.served || dismissed_; });
     const std::uint32_t latest = call_;
     if (latest == slot.served) return;
+    // A system may wake a worker on the caller's processor and let the two take turns there.
+    if (platform::currentProcessor() == callersProcessor_) {
+      platform::leaveProcessor(callersProcessor_);
+    }
     if (enterCall()) {
       slot.served = call_;  // stays while the worker is in it
       trace("thread ", slot.index, " started");
@@ -75,8 +80,12 @@ void ThreadPool::leaveCall() {
 void ThreadPool::callWorkers() {
   workersDone_ = 0;
   workersInCall_ = 0;
+  callersProcessor_ = platform::currentProcessor();
   ++call_;
-  if (workersAttend_) return monitor_.announce();
+  if (workersAttend_) {
+    monitor_.announce();
+    return monitor_.letOthersRun();
+  }
   for (std::int32_t i = 1; i < threadCount_; ++i) {
     slots_[i].served = call_ - 1;
     slots_[i].worker.run(AttendWorker, &slots_[i]);

@@ -91,6 +91,7 @@ class ThreadPool {
   std::atomic<std::int32_t> workersInCall_{-closed};
   std::atomic<std::int32_t> workersDone_{0};
   std::atomic<bool> dismissed_{false};
+  std::atomic<int> callersProcessor_{0};
   platform::Monitor monitor_;  // of the four above
   std::array<WorkerSlot, maximumSlots> slots_;
 };

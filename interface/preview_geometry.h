@@ -8,6 +8,7 @@ namespace radiashafts {
 struct Extent {
   int width = 0;
   int height = 0;
+  bool operator==(const Extent&) const = default;
 };
 
 struct Point {

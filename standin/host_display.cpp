@@ -1,7 +1,7 @@
 #include "standin/host_display.h"
 
 #include <algorithm>
-#include <vector>
+#include <memory>
 
 #include "hostapi/constants.h"
 #include "platform/drawing.h"
@@ -21,9 +21,11 @@ hostapi::OSErr displayPixels(const hostapi::PSPixelMap* source, const hostapi::V
   const int height = sourceRect->bottom - sourceRect->top;
   if (width <= 0 || height <= 0) return 0;
 
+  const std::int32_t green = grey ? 0 : source->planeBytes;
+  const std::int32_t blue = 2 * green;
   const int stride = (width * 3 + 3) / 4 * 4;
-  std::vector<std::uint8_t> pixels(static_cast<std::size_t>(stride) *
-                                   static_cast<std::size_t>(height));
+  const auto pixels = std::make_unique_for_overwrite<std::uint8_t[]>(
+      static_cast<std::size_t>(stride) * static_cast<std::size_t>(height));
   for (int y = 0; y < height; ++y) {
     const auto* from =
         static_cast<const std::uint8_t*>(source->baseAddr) +
@@ -31,12 +33,12 @@ hostapi::OSErr displayPixels(const hostapi::PSPixelMap* source, const hostapi::V
         static_cast<std::ptrdiff_t>(sourceRect->left - bounds.left) * source->colBytes;
     std::uint8_t* to = &pixels[static_cast<std::size_t>(y) * static_cast<std::size_t>(stride)];
     for (int x = 0; x < width; ++x, from += source->colBytes) {
-      for (int channel = 2; channel >= 0; --channel) {
-        *to++ = from[grey ? 0 : channel * source->planeBytes];
-      }
+      *to++ = from[blue];
+      *to++ = from[green];
+      *to++ = from[0];
     }
   }
-  return platform::drawPixels(deviceContext, column, row, width, height, pixels.data())
+  return platform::drawPixels(deviceContext, column, row, width, height, pixels.get())
              ? hostapi::OSErr{0}
              : refused;
 }

@@ -1,5 +1,10 @@
 #include "interface/win32/preview_painting.h"
 
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+
 #include "diagnostics/debug_log.h"
 #include "hostapi/constants.h"
 
@@ -12,16 +17,29 @@ RECT rectOf(const Box& box) {
   return {box.left, box.top, box.right, box.bottom};
 }
 
-BITMAPINFO describe(const PreviewView& view) {
-  const Extent size = view.bitmapSize();
-  const Extent image = view.renderedSize();
+bool isWithin(const Box& box, Extent size) {
+  return box.left >= 0 && box.top >= 0 && box.right <= size.width && box.bottom <= size.height;
+}
+
+BITMAPINFO describe(int width, int height, WORD bits) {
   BITMAPINFO info{};
   info.bmiHeader.biSize = sizeof info.bmiHeader;
-  info.bmiHeader.biWidth = size.width;
-  info.bmiHeader.biHeight = size.height;  // rows from the bottom
+  info.bmiHeader.biWidth = width;
+  info.bmiHeader.biHeight = height;  // rows from the bottom, or from the top where it is negative
   info.bmiHeader.biPlanes = 1;
-  info.bmiHeader.biBitCount = 24;
+  info.bmiHeader.biBitCount = bits;
   info.bmiHeader.biCompression = BI_RGB;
+  return info;
+}
+
+BITMAPINFO describeBuffer(Extent frame) {
+  return describe(frame.width, -frame.height, 32);
+}
+
+BITMAPINFO describeBitmap(const PreviewView& view) {
+  const Extent size = view.bitmapSize();
+  const Extent image = view.renderedSize();
+  BITMAPINFO info = describe(size.width, size.height, 24);
   info.bmiHeader.biSizeImage =
       static_cast<DWORD>(image.width) * static_cast<DWORD>(image.height) * 3;
   return info;
@@ -54,33 +72,50 @@ void drawHandle(HDC context, Point centre) {
   SelectObject(context, previous);
 }
 
+// What a stretch by one does, several times as fast: a system may take new memory to convert in.
+// Boxes of the source count their rows from the bottom, as the bitmap does.
+void copyPixels(const Surface& buffer, const Box& to, const Box& from, const void* bits,
+                int bitmapWidth) {
+  GdiFlush();
+  for (std::ptrdiff_t y = 0; y < to.height(); ++y) {
+    const std::ptrdiff_t row = from.top + from.height() - 1 - y;
+    const auto* pixel =
+        static_cast<const std::uint8_t*>(bits) + (row * bitmapWidth + from.left) * 3;
+    auto* shown = static_cast<std::uint8_t*>(buffer.bits()) +
+                  ((to.top + y) * buffer.size().width + to.left) * 4;
+    for (int x = 0; x < to.width(); ++x, pixel += 3, shown += 4) std::memcpy(shown, pixel, 3);
+  }
+}
+
+void show(const Surface& buffer, HDC screen) {
+  const Extent size = buffer.size();
+  BitBlt(screen, 0, 0, size.width, size.height, buffer.context(), 0, 0, SRCCOPY);
+}
+
 }  // namespace
 
-BackBuffer::BackBuffer(HDC screen, Extent size)
-    : size_(size),
-      context_(CreateCompatibleDC(screen)),
-      bitmap_(CreateCompatibleBitmap(screen, size.width, size.height)),
+Surface::Surface(const BITMAPINFO& info)
+    : size_{info.bmiHeader.biWidth, std::abs(info.bmiHeader.biHeight)},
+      context_(CreateCompatibleDC(nullptr)),
+      bitmap_(CreateDIBSection(context_, &info, DIB_RGB_COLORS, &bits_, nullptr, 0)),
       previous_(SelectObject(context_, bitmap_)) {}
 
-BackBuffer::~BackBuffer() {
+Surface::~Surface() {
   SelectObject(context_, previous_);
   DeleteObject(bitmap_);
   DeleteDC(context_);
 }
 
-void BackBuffer::show(HDC screen) const {
-  BitBlt(screen, 0, 0, size_.width, size_.height, context_, 0, 0, SRCCOPY);
-}
-
-const BackBuffer& PreviewPainting::bufferFor(HDC screen, Extent size) {
-  const bool fits = buffer_ && buffer_->size().width == size.width &&
-                    buffer_->size().height == size.height && buffer_->isUsable();
-  if (!fits) buffer_.emplace(screen, size);
+const Surface& PreviewPainting::bufferFor(Extent frame) {
+  if (!buffer_ || buffer_->size() != frame || !buffer_->isUsable()) {
+    buffer_.emplace(describeBuffer(frame));
+  }
   return *buffer_;
 }
 
 void PreviewPainting::release() {
   forgetBitmap();
+  hostSurface_.reset();
   buffer_.reset();
 }
 
@@ -88,17 +123,20 @@ void PreviewPainting::paint(HDC screen, PreviewView& view,
                             const std::optional<std::array<double, 2>>& light) {
   view.limitPan();
   const PreviewGeometry& geometry = view.geometry();
-  const BackBuffer& buffer = bufferFor(screen, geometry.frame);
+  const Surface& buffer = bufferFor(geometry.frame);
   const HDC context = buffer.isUsable() ? buffer.context() : screen;
 
   const Box to = geometry.destination();
   const Box from = geometry.source();
   SetBrushOrgEx(context, to.left - geometry.pan.x, to.top - geometry.pan.y, nullptr);
-  const BITMAPINFO info = describe(view);
+  const BITMAPINFO info = describeBitmap(view);
   const void* bits = view.hasBitmap() ? bitsOf(view, info) : nullptr;
   if (bits == nullptr) {
     const RECT rect = rectOf(to);
     FillRect(context, &rect, static_cast<HBRUSH>(GetStockObject(BLACK_BRUSH)));
+  } else if (buffer.isUsable() && isWithin(from, view.bitmapSize()) && from.width() == to.width() &&
+             from.height() == to.height()) {
+    copyPixels(buffer, to, from, bits, view.bitmapSize().width);
   } else {
     SetStretchBltMode(context, COLORONCOLOR);
     const int lines =
@@ -117,7 +155,7 @@ void PreviewPainting::paint(HDC screen, PreviewView& view,
   }
   DeleteObject(brush);
   if (light) drawHandle(context, geometry.handle((*light)[0], (*light)[1]));
-  if (buffer.isUsable()) buffer.show(screen);
+  if (buffer.isUsable()) show(buffer, screen);
 }
 
 const void* PreviewPainting::bitsOf(const PreviewView& view, const BITMAPINFO& info) {
@@ -125,18 +163,11 @@ const void* PreviewPainting::bitsOf(const PreviewView& view, const BITMAPINFO& i
 }
 
 const void* PreviewPainting::drawnByHost(const PreviewView& view, const BITMAPINFO& info) {
-  if (hostBits_ != nullptr) return hostBits_;
-  const HDC screen = GetDC(nullptr);
-  hostContext_ = CreateCompatibleDC(screen);
-  ReleaseDC(nullptr, screen);
-  hostBitmap_ = CreateDIBSection(hostContext_, &info, DIB_RGB_COLORS, &hostBits_, nullptr, 0);
-  if (hostBitmap_ == nullptr) {
-    forgetBitmap();
-    return nullptr;
-  }
-  hostPrevious_ = SelectObject(hostContext_, hostBitmap_);
-
   const Extent size = view.bitmapSize();
+  if (hostHasDrawn_ && hostSurface_) return hostSurface_->bits();
+  if (!hostSurface_ || hostSurface_->size() != size) hostSurface_.emplace(info);
+  if (!hostSurface_->isUsable()) return nullptr;
+
   hostapi::PSPixelMap map{};
   map.version = 1;
   map.bounds = {0, 0, size.height, size.width};
@@ -146,20 +177,10 @@ const void* PreviewPainting::drawnByHost(const PreviewView& view, const BITMAPIN
   map.planeBytes = 1;
   map.baseAddr = const_cast<std::uint8_t*>(view.bitmap());
   const hostapi::VRect whole = map.bounds;
-  view.record().displayPixels(&map, &whole, 0, 0, hostContext_);
+  view.record().displayPixels(&map, &whole, 0, 0, hostSurface_->context());
   GdiFlush();
-  return hostBits_;
-}
-
-void PreviewPainting::forgetBitmap() {
-  if (hostBitmap_ != nullptr) {
-    SelectObject(hostContext_, hostPrevious_);
-    DeleteObject(hostBitmap_);
-  }
-  if (hostContext_ != nullptr) DeleteDC(hostContext_);
-  hostContext_ = nullptr;
-  hostBitmap_ = nullptr;
-  hostBits_ = nullptr;
+  hostHasDrawn_ = true;
+  return hostSurface_->bits();
 }
 
 }  // namespace radiashafts

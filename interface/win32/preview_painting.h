@@ -9,21 +9,22 @@
 
 namespace radiashafts {
 
-// A drawing surface of the frame's size, so that nothing flickers on the screen.
-class BackBuffer {
+// Memory to draw into and to read from. A reader or writer of its bits flushes first.
+class Surface {
  public:
-  BackBuffer(HDC screen, Extent size);
-  ~BackBuffer();
-  BackBuffer(const BackBuffer&) = delete;
-  BackBuffer& operator=(const BackBuffer&) = delete;
+  explicit Surface(const BITMAPINFO& info);
+  ~Surface();
+  Surface(const Surface&) = delete;
+  Surface& operator=(const Surface&) = delete;
 
   bool isUsable() const { return context_ != nullptr && bitmap_ != nullptr; }
   Extent size() const { return size_; }
   HDC context() const { return context_; }
-  void show(HDC screen) const;
+  void* bits() const { return bits_; }
 
  private:
   Extent size_;
+  void* bits_ = nullptr;
   HDC context_;
   HBITMAP bitmap_;
   HGDIOBJ previous_;
@@ -40,20 +41,19 @@ class PreviewPainting {
   // normalised position.
   void paint(HDC screen, PreviewView& view, const std::optional<std::array<double, 2>>& light);
   // What the host has drawn of the view's bitmap is out of date.
-  void forgetBitmap();
+  void forgetBitmap() { hostHasDrawn_ = false; }
   // Gives everything back to the system.
   void release();
 
  private:
-  const BackBuffer& bufferFor(HDC screen, Extent size);
+  const Surface& bufferFor(Extent frame);
   const void* bitsOf(const PreviewView& view, const BITMAPINFO& info);
   const void* drawnByHost(const PreviewView& view, const BITMAPINFO& info);
 
-  std::optional<BackBuffer> buffer_;  // stays from one painting to the next of its size
-  HDC hostContext_ = nullptr;
-  HBITMAP hostBitmap_ = nullptr;
-  HGDIOBJ hostPrevious_ = nullptr;
-  void* hostBits_ = nullptr;
+  // Both stay from one painting to the next of their size.
+  std::optional<Surface> buffer_;  // of the frame, so that nothing flickers on the screen
+  std::optional<Surface> hostSurface_;
+  bool hostHasDrawn_ = false;
 };
 
 }  // namespace radiashafts

@@ -7,13 +7,13 @@
 
 namespace radiashafts::test {
 
-// Asks again and again; false when it never held within the limit.
+// Asks again and again; false when it never held within the limit. Times in milliseconds.
 template <class Condition>
-bool eventually(const Condition& condition, unsigned milliseconds = 30000) {
+bool eventually(const Condition& condition, unsigned milliseconds = 30000, unsigned pause = 5) {
   const ULONGLONG end = GetTickCount64() + milliseconds;
   while (!condition()) {
     if (GetTickCount64() > end) return false;
-    Sleep(5);
+    Sleep(pause);
   }
   return true;
 }

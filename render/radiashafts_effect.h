@@ -169,36 +169,44 @@ class RadiashaftsEffect final : public RowFilter {
     std::array<double, static_cast<std::size_t>(blockPixels) * channels> samples;
     sampleBilinear(rayImage_, {y, shiftX_, shiftY_}, first, count, samples.data());
     Block rays{};
-    for (std::int32_t i = 0; i < count; ++i) {
-      for (int c = 0; c < channels; ++c) channelOf(rays, i, c) = samples[i * channels + c];
-    }
+    eachPixel(rays, count, [&](PixelValues<HostPixel>& values, int lane, std::int32_t i) {
+      for (int c = 0; c < channels; ++c) values[c][lane] = samples[i * channels + c];
+    });
     return rays;
   }
 
   Block readPixels(std::int32_t first, std::int32_t y, std::int32_t count) const {
     Block pixels{};
-    for (std::int32_t i = 0; i < count; ++i) {
+    eachPixel(pixels, count, [&](PixelValues<HostPixel>& values, int lane, std::int32_t i) {
       const Sample* sample = source.at(first + i, y);
-      for (int c = 0; c < channels; ++c) channelOf(pixels, i, c) = sample[c];
-    }
+      for (int c = 0; c < channels; ++c) values[c][lane] = sample[c];
+    });
     return pixels;
   }
 
   // Alpha is stored without being held in the range.
   void writePixels(std::int32_t first, std::int32_t y, std::int32_t count, Block& pixels) const {
-    for (std::int32_t i = 0; i < count; ++i) {
+    eachPixel(pixels, count, [&](PixelValues<HostPixel>& values, int lane, std::int32_t i) {
       Sample* const sample = output.at(first + i, y);
       for (int k = 0; k < HostPixel::colorChannels; ++k) {
-        sample[k] = static_cast<Sample>(channelOf(pixels, i, k));
+        sample[k] = static_cast<Sample>(values[k][lane]);
       }
       if constexpr (HostPixel::hasAlpha) {
-        sample[channels - 1] = toSample<Sample>(channelOf(pixels, i, channels - 1));
+        sample[channels - 1] = toSample<Sample>(values[channels - 1][lane]);
       }
-    }
+    });
   }
 
-  static double& channelOf(Block& block, std::int32_t pixel, int channel) {
-    return reinterpret_cast<double*>(&block[pixel / laneCount][channel])[pixel % laneCount];
+  // Calls step(element, lane, number of the pixel in the block) for count pixels.
+  template <class Step>
+  static void eachPixel(Block& block, std::int32_t count, const Step& step) {
+    const std::int32_t whole = count / laneCount;
+    for (std::int32_t i = 0; i < whole; ++i) {
+      for (int lane = 0; lane < laneCount; ++lane) step(block[i], lane, i * laneCount + lane);
+    }
+    for (int lane = 0; lane < count % laneCount; ++lane) {
+      step(block[whole], lane, whole * laneCount + lane);
+    }
   }
 
   Lanes falloffAt(std::int32_t first, std::int32_t y) const {

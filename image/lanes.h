@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdint>
 #include <cstring>
+#include <type_traits>
 
 #ifdef __AVX__
 #include <immintrin.h>
@@ -93,6 +94,19 @@ inline Lanes toDouble(WholeLanes value) {
   return __builtin_convertvector(value, Lanes);
 }
 #endif
+
+// Samples of a picture, wide enough for each integer type.
+template <class Sample>
+using LanesOf = std::conditional_t<std::is_floating_point_v<Sample>, SingleLanes, WholeLanes>;
+
+template <class Sample>
+LanesOf<Sample> toLanesOf(Lanes value) {
+  if constexpr (std::is_floating_point_v<Sample>) {
+    return toSingle(value);
+  } else {
+    return toWhole(value);
+  }
+}
 
 // Rounded to single precision and back.
 inline Lanes narrowed(Lanes value) {

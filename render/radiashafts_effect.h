@@ -5,6 +5,7 @@
 #include <array>
 #include <cmath>
 #include <cstdint>
+#include <type_traits>
 
 #include "filters/move_sub_pixel.h"
 #include "filters/multiply.h"
@@ -169,44 +170,56 @@ class RadiashaftsEffect final : public RowFilter {
     std::array<double, static_cast<std::size_t>(blockPixels) * channels> samples;
     sampleBilinear(rayImage_, {y, shiftX_, shiftY_}, first, count, samples.data());
     Block rays{};
-    eachPixel(rays, count, [&](PixelValues<HostPixel>& values, int lane, std::int32_t i) {
-      for (int c = 0; c < channels; ++c) values[c][lane] = samples[i * channels + c];
+    eachElement(count, [&](std::int32_t i, auto lanes) {
+      const double* const pixels = &samples[static_cast<std::size_t>(i) * laneCount * channels];
+      for (int c = 0; c < channels; ++c) {
+        for (int lane = 0; lane < lanes; ++lane) rays[i][c][lane] = pixels[lane * channels + c];
+      }
     });
     return rays;
   }
 
   Block readPixels(std::int32_t first, std::int32_t y, std::int32_t count) const {
     Block pixels{};
-    eachPixel(pixels, count, [&](PixelValues<HostPixel>& values, int lane, std::int32_t i) {
-      const Sample* sample = source.at(first + i, y);
-      for (int c = 0; c < channels; ++c) values[c][lane] = sample[c];
+    eachElement(count, [&](std::int32_t i, auto lanes) {
+      for (int c = 0; c < channels; ++c) {
+        LanesOf<Sample> samples{};
+        for (int lane = 0; lane < lanes; ++lane) {
+          samples[lane] = source.at(first + i * laneCount + lane, y)[c];
+        }
+        pixels[i][c] = toDouble(samples);
+      }
     });
     return pixels;
   }
 
   // Alpha is stored without being held in the range.
-  void writePixels(std::int32_t first, std::int32_t y, std::int32_t count, Block& pixels) const {
-    eachPixel(pixels, count, [&](PixelValues<HostPixel>& values, int lane, std::int32_t i) {
-      Sample* const sample = output.at(first + i, y);
+  void writePixels(std::int32_t first, std::int32_t y, std::int32_t count,
+                   const Block& pixels) const {
+    eachElement(count, [&](std::int32_t i, auto lanes) {
+      const auto sampleAt = [&](int lane) { return output.at(first + i * laneCount + lane, y); };
       for (int k = 0; k < HostPixel::colorChannels; ++k) {
-        sample[k] = static_cast<Sample>(values[k][lane]);
+        const LanesOf<Sample> samples = toLanesOf<Sample>(pixels[i][k]);
+        for (int lane = 0; lane < lanes; ++lane) {
+          sampleAt(lane)[k] = static_cast<Sample>(samples[lane]);
+        }
       }
       if constexpr (HostPixel::hasAlpha) {
-        sample[channels - 1] = toSample<Sample>(values[channels - 1][lane]);
+        const Lanes alpha = pixels[i][channels - 1];
+        for (int lane = 0; lane < lanes; ++lane) {
+          sampleAt(lane)[channels - 1] = toSample<Sample>(alpha[lane]);
+        }
       }
     });
   }
 
-  // Calls step(element, lane, number of the pixel in the block) for count pixels.
+  // Calls step(number of the element, its lanes) for count pixels. The lanes are a constant, but
+  // for the rest of a row.
   template <class Step>
-  static void eachPixel(Block& block, std::int32_t count, const Step& step) {
+  static void eachElement(std::int32_t count, const Step& step) {
     const std::int32_t whole = count / laneCount;
-    for (std::int32_t i = 0; i < whole; ++i) {
-      for (int lane = 0; lane < laneCount; ++lane) step(block[i], lane, i * laneCount + lane);
-    }
-    for (int lane = 0; lane < count % laneCount; ++lane) {
-      step(block[whole], lane, whole * laneCount + lane);
-    }
+    for (std::int32_t i = 0; i < whole; ++i) step(i, std::integral_constant<int, laneCount>());
+    if (count % laneCount != 0) step(whole, count % laneCount);
   }
 
   Lanes falloffAt(std::int32_t first, std::int32_t y) const {

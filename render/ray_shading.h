@@ -33,11 +33,11 @@ class GammaTable {
     }
   }
 
-  // The entry for a value in 0 to the range.
-  static int indexOf(double value) {
+  // The entries for values in 0 to the range.
+  static WholeLanes indexOf(Lanes value) {
     constexpr double factor =
         Pixel::rangeNumber == 255 ? 128.49803921568628 : 0.999969482421875;  // 32767 / range
-    return static_cast<int>(value * factor);
+    return toWhole(value * factor);
   }
 };
 
@@ -112,9 +112,10 @@ class RayShading {
     if constexpr (isFloat) {
       return eachLane([&](int lane) { return power(lifted[lane], inverseGamma_); });
     } else {
-      const Lanes held = clampToRange<Pixel>(lifted);
-      return eachLane(
-          [&](int lane) { return gammaTable_[GammaTable<Pixel>::indexOf(held[lane])]; });
+      const WholeLanes index = GammaTable<Pixel>::indexOf(clampToRange<Pixel>(lifted));
+      SingleLanes entries;
+      for (int lane = 0; lane < laneCount; ++lane) entries[lane] = gammaTable_[index[lane]];
+      return toDouble(entries);
     }
   }
 

@@ -188,6 +188,8 @@ class HslRangeSelectionFilter final : public RowFilter {
     const SelectionCurve<typename Colour::Pixel> curve(selection);
     const std::int32_t sourceShiftX = target.frameX - selectionSource.frameX;
     const std::int32_t sourceRow = row - selectionSource.frameY + target.frameY;
+    const std::uint32_t columns = columnsInRow(firstImage, row);
+    const std::uint32_t selectionColumns = columnsInRow(selectionSource, sourceRow);
     Working pixel{};
     for (std::int32_t first = 0; first < target.width; first += blockPixels) {
       const std::int32_t count = std::min(blockPixels, target.width - first);
@@ -195,7 +197,7 @@ class HslRangeSelectionFilter final : public RowFilter {
       std::array<double, blockPixels * selectionColors> colors{};
       for (std::int32_t i = 0; i < count; ++i) {
         const std::int32_t x = first + i + sourceShiftX;
-        if (!selectionSource.contains(x, sourceRow)) continue;
+        if (static_cast<std::uint32_t>(x) >= selectionColumns) continue;
         selected[i] = 1.0;
         readSelectionColor(selectionSource.at(x, sourceRow), &colors[i * selectionColors]);
       }
@@ -209,7 +211,9 @@ class HslRangeSelectionFilter final : public RowFilter {
       }
       for (std::int32_t i = 0; i < count; ++i) {
         const std::int32_t x = first + i;
-        if (firstImage.contains(x, row)) pixel = readPremultiplied(firstImage.at(x, row));
+        if (static_cast<std::uint32_t>(x) < columns) {
+          pixel = readPremultiplied(firstImage.at(x, row));
+        }
         if (selection.selectionOnly) {
           std::fill_n(pixel.begin(), SourcePixel::colorChannels, selected[i] * SourcePixel::range);
         } else {
@@ -218,6 +222,11 @@ class HslRangeSelectionFilter final : public RowFilter {
         write(x, row, pixel);
       }
     }
+  }
+
+  template <class Image>
+  static std::uint32_t columnsInRow(const Image& image, std::int32_t row) {
+    return image.contains(0, row) ? static_cast<std::uint32_t>(image.width) : 0;
   }
 
   // Premultiplies on the way in, whatever the view says of itself, and alpha with the colours:

@@ -105,9 +105,11 @@ void pfPreviewWin32::prepare() {
   view_.RequestRender();
 }
 
-// A render that was wanted before the quit message is done first. A quit message that is the host's
+// Windows that want to be painted do not hold a render up: it paints them when it looks for
+// messages. A render that was wanted before the quit message is done first. A quit message that is the host's
 // own is given back to it, and none of ours is left.
 bool pfPreviewWin32::runMessageLoop() {
+  constexpr UINT allButPaint = PM_QS_INPUT | PM_QS_POSTMESSAGE | PM_QS_SENDMESSAGE;
   MSG message;
   BOOL got = TRUE;
   while (got > 0 && !gone_ && (got = GetMessageA(&message, nullptr, 0, 0)) > 0) {
@@ -116,7 +118,7 @@ bool pfPreviewWin32::runMessageLoop() {
         TranslateMessage(&message);
         DispatchMessageA(&message);
       }
-      if (gone_ || PeekMessageA(&next, nullptr, 0, 0, PM_NOREMOVE) == FALSE) break;
+      if (gone_ || PeekMessageA(&next, nullptr, 0, 0, PM_NOREMOVE | allButPaint) == FALSE) break;
       got = GetMessageA(&message, nullptr, 0, 0);
     }
     if (!gone_ && view_.needsRender()) view_.RenderUntilFinal();

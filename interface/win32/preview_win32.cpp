@@ -106,8 +106,8 @@ void pfPreviewWin32::prepare() {
 }
 
 // Windows that want to be painted do not hold a render up: it paints them when it looks for
-// messages. A render that was wanted before the quit message is done first. A quit message that is the host's
-// own is given back to it, and none of ours is left.
+// messages. A render that was wanted before the quit message is done first. A quit message that is
+// the host's own is given back to it, and none of ours is left.
 bool pfPreviewWin32::runMessageLoop() {
   constexpr UINT allButPaint = PM_QS_INPUT | PM_QS_POSTMESSAGE | PM_QS_SENDMESSAGE;
   MSG message;

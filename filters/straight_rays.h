@@ -26,8 +26,9 @@ namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET {
 // pixel becomes a weighted mean of the picture nearer to the origin on the rays that cross it.
 //
 // The result is bit for bit that of one thread walking the sides top, right, bottom and left, ray
-// by ray. A ray's sum depends on the picture alone, so only the order in which rays deposit in a
-// pixel matters: rays go in chunks, and chunks in their order through blocks of steps.
+// by ray. Rays that step in the same direction meet in a pixel only at the same step, so blocks of
+// their steps are the stages of a pipeline and chunks of rays its portions: a thread has a strip of
+// the picture to itself, and the rays pass through it in their order.
 template <class Image>
 class RadiashaftsStraightFilter final : public HalvorsundFilter {
  public:
@@ -171,10 +172,9 @@ class RadiashaftsStraightFilter final : public HalvorsundFilter {
         const std::int32_t last = byColumns ? ray.border.x : ray.border.y;
         const std::int32_t steps = std::abs(last - start) + 1;
         const std::int32_t stepsHere = std::min(stepsInBlock, steps - firstStep);
-        if (stepsHere > 0)
-          walkSteps<byColumns>(ray, start + sign * firstStep, stepsHere, sign, decayFactor);
+        walkSteps<byColumns>(ray, start + sign * firstStep, stepsHere, sign, decayFactor);
       }
-      // A block's part of the rays.
+      // Each block reports its part of the rays.
       for (std::int32_t ray = rays * block / blocks; ray < rays * (block + 1) / blocks; ++ray) {
         const std::int32_t status = report(threadIndex);
         if (status != host->NoErrorCode()) return status;
@@ -228,8 +228,8 @@ class RadiashaftsStraightFilter final : public HalvorsundFilter {
     }
   }
 
-  // Part of one ray: from position on along the walking axis, count steps. A position outside the
-  // image across the axis deposits nothing but still decays.
+  // Part of one ray: from position on along the walking axis, count steps, if any. A position
+  // outside the image across the axis deposits nothing but still decays.
   template <bool byColumns>
   void walkSteps(Ray& ray, std::int32_t position, std::int32_t count, std::int32_t sign,
                  double decayFactor) const {

@@ -6,7 +6,7 @@
 #include <cstring>
 #include <type_traits>
 
-#ifdef __AVX__
+#ifdef __AVX2__
 #include <immintrin.h>
 #endif
 
@@ -61,7 +61,7 @@ inline Lanes sqrt(Lanes value) {
 
 // Conversions are of whole vectors: the compiler's own vectors of scalar ones lose the rounding,
 // and four lanes it takes apart to convert two at a time. Whole numbers are truncated toward zero.
-#ifdef __AVX__
+#ifdef __AVX2__
 inline SingleLanes toSingle(Lanes value) {
   return _mm256_cvtpd_ps(value);
 }

@@ -84,6 +84,7 @@ class ThreadPool {
   std::int32_t attendances_ = 0;
   bool workersAttend_ = false;
   std::atomic<std::int32_t> nextIndex_{0};
+  std::atomic<int> callersProcessor_{0};
   std::atomic<std::uint32_t> call_{0};  // number of the latest call
   // Workers at work in the call, less closed once no iteration is left to take: nobody waits for a
   // worker that comes too late.
@@ -91,7 +92,6 @@ class ThreadPool {
   std::atomic<std::int32_t> workersInCall_{-closed};
   std::atomic<std::int32_t> workersDone_{0};
   std::atomic<bool> dismissed_{false};
-  std::atomic<int> callersProcessor_{0};
   platform::Monitor monitor_;  // of the four above
   std::array<WorkerSlot, maximumSlots> slots_;
 };

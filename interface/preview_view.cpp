@@ -18,7 +18,6 @@ void PreviewView::open(EditedFilter* filter, hostapi::FilterRecord* record) {
   nDraftLevel = 0;
   geometry_ = {};
   settled_.reset();
-  workers_.emplace(ThreadPool::Instance());
 }
 
 void PreviewView::close() {
@@ -170,6 +169,7 @@ void PreviewView::RenderUntilFinal() {
       continue;
     }
     const std::int16_t status = render();
+    if (!workers_) workers_.emplace(ThreadPool::Instance());
     if (status == hostapi::userCanceledError) {
       ++nDraftLevel;
       AssignScaleFactor(nRequestedFactor);

@@ -79,7 +79,7 @@ class PreviewView {
     PreviewGeometry geometry;
   };
   std::optional<SettledView> settled_;
-  std::optional<ThreadPool::Attendance> workers_;  // renders follow one another closely
+  std::optional<ThreadPool::Attendance> workers_;  // from the first render on: others follow
   std::uint8_t* bitmap_ = nullptr;                 // memory of the host
   std::int32_t nBitmapWidth = 0;
   std::int32_t nBitmapHeight = 0;

@@ -103,8 +103,9 @@ std::int32_t pfFilter::PumpMessages(std::int32_t threadIndex) {
   if (threadIndex == 0 && now - lastLook >= betweenLooks) {
     const bool open = platform::pumpPendingMessages();
     lastLook = std::chrono::steady_clock::now();
-    if (!open) return -1;
+    if (!open) endedRender = nRenderStartTick;
   }
+  if (endedRender == nRenderStartTick) return -1;  // workers learn of it too
   const bool superseded =
       bRenderPending && bLivePreview && platform::tickCount() - nRenderStartTick >= undisturbed;
   return superseded ? hostapi::userCanceledError : NoErrorCode();

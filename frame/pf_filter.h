@@ -78,6 +78,7 @@ class pfFilter : public HalvorsundHost, public EditedFilter {
   const hostapi::HandleSuite2* handleSuite = nullptr;
   hostapi::FilterRecord* currentRecord = nullptr;
   std::chrono::steady_clock::time_point lastLook;  // for messages, in a preview render
+  std::uint32_t endedRender = 0;                   // start tick of the one the interface's end met
   std::array<KeptBlock, 8> keptBlocks;             // more than a render asks for
   std::recursive_mutex memoryLock;  // a window procedure may come back while Progress pumps
 };

@@ -22,7 +22,7 @@ enum class Sight { full, draft, other };
 
 class Renders : public DialogTest {
  protected:
-  Renders() : picture_(placesPicture(3000, 2000)) {}
+  Renders() : picture_(placesPicture(6000, 4000)) {}
 
   static standin::Script slowWithoutRays() {
     judge::Values values;

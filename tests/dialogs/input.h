@@ -7,13 +7,13 @@
 
 namespace radiashafts::test {
 
-// Asks again and again; false when it never held within the limit. Times in milliseconds.
+// Asks again and again; false when it never held within the limit.
 template <class Condition>
-bool eventually(const Condition& condition, unsigned milliseconds = 30000, unsigned pause = 5) {
+bool eventually(const Condition& condition, unsigned milliseconds = 30000) {
   const ULONGLONG end = GetTickCount64() + milliseconds;
   while (!condition()) {
     if (GetTickCount64() > end) return false;
-    Sleep(pause);
+    Sleep(5);
   }
   return true;
 }

@@ -13,15 +13,16 @@ DebugLog::~DebugLog() {
   if (std::FILE* file = file_.exchange(nullptr)) std::fclose(file);
 }
 
-void DebugLog::LogMessage(const std::string& text, int severity) {
+bool DebugLog::isWanted(int severity) {
   RefreshOutputs();
-  if (severity < severityThreshold_) return;
-  std::FILE* file = file_.load();
-  if (file == nullptr && !console_.isOpen()) return;
+  return severity >= severityThreshold_ && (file_.load() != nullptr || console_.isOpen());
+}
 
+void DebugLog::LogMessage(const std::string& text, int severity) {
+  if (!isWanted(severity)) return;
   std::string line(static_cast<std::size_t>(std::max(0, indentLevel.load())) * 4, ' ');
   line += text;
-  if (file != nullptr) {
+  if (std::FILE* file = file_.load()) {
     std::fwrite(line.data(), 1, line.size(), file);
     std::fflush(file);
   }

@@ -1,9 +1,10 @@
-// The process-wide trace. Where a log file or a console is configured it shows the road of a
-// run; with neither it costs the formatting of the text.
+// The process-wide trace. Where a log file or a console is configured it shows the steps of a run;
+// with neither a line costs a look at two pointers.
 #pragma once
 
 #include <atomic>
 #include <cstdio>
+#include <new>
 #include <sstream>
 #include <string>
 
@@ -26,6 +27,9 @@ class DebugLog {
 
   static DebugLog& Instance();
 
+  // Whether a text of the severity is written anywhere. Opens and closes the outputs as they are
+  // configured.
+  bool isWanted(int severity);
   // Writes the indent and the text, which brings its own line feed. Failures are silent. Takes no
   // lock: a line goes out whole, lines of several threads come in any order.
   void LogMessage(const std::string& text, int severity);
@@ -47,16 +51,23 @@ class DebugLog {
   platform::Console console_;
 };
 
-// One trace line: the parts in order and a line feed.
+// One trace line: the parts in order and a line feed. Allocates nothing where nobody wants it; one
+// that there is no memory for is dropped.
 template <class... Parts>
-void logLine(Severity severity, const Parts&... parts) {
-  std::ostringstream stream;
-  (stream << ... << parts) << '\n';
-  DebugLog::Instance().LogMessage(stream.str(), severity);
+void logLine(Severity severity, const Parts&... parts) noexcept {
+  DebugLog& log = DebugLog::Instance();
+  if (!log.isWanted(severity)) return;
+  try {
+    std::ostringstream stream;
+    (stream << ... << parts) << '\n';
+    log.LogMessage(stream.str(), severity);
+  } catch (const std::bad_alloc&) {
+    return;
+  }
 }
 
 template <class... Parts>
-void trace(const Parts&... parts) {
+void trace(const Parts&... parts) noexcept {
   logLine(severityTrace, parts...);
 }
 

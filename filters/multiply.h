@@ -27,7 +27,7 @@ class MultImageFilter final : public RowFilter {
     using Pixel = typename Image::Pixel;
     for (std::int32_t x = 0; x < image.width; ++x) {
       const double factor = *mask.at(x, row) * Mask::Pixel::toUnit;
-      typename Image::Sample* sample = image.at(x, row);
+      typename Image::Stored* sample = image.at(x, row);
       for (int c = 0; c < Pixel::channels; ++c) {
         sample[c] = toSample<typename Image::Sample>(factor * sample[c]);
       }

@@ -26,8 +26,8 @@ class Pipeline {
         passed_(new (std::nothrow) Counter[static_cast<std::size_t>(stages)]{}) {}
 
   // Calls work(stage, portion, threadIndex) for all of them. It returns a status; one other than
-  // success, on any thread, ends all the work. Returns success, the last other status, or
-  // OutOfMemoryCode.
+  // success, or an exception, on any thread, ends all the work. Returns success, the last other
+  // status, or OutOfMemoryCode; throws what was thrown.
   template <class Work>
   std::int32_t run(HalvorsundHost& host, const Work& work) {
     if (passed_ == nullptr) return host.OutOfMemoryCode();
@@ -54,7 +54,7 @@ class Pipeline {
                         std::int32_t threadIndex) {
     for (std::int32_t portion = 0; portion < portions_; ++portion) {
       if (!mayTake(host, stage, portion)) return host.NoErrorCode();
-      const std::int32_t status = work(stage, portion, threadIndex);
+      const std::int32_t status = takePortion(host, work, stage, portion, threadIndex);
       if (status != host.NoErrorCode()) {
         stop(status);
         return status;
@@ -63,6 +63,17 @@ class Pipeline {
       monitor_.announce();
     }
     return host.NoErrorCode();
+  }
+
+  template <class Work>
+  std::int32_t takePortion(HalvorsundHost& host, const Work& work, std::int32_t stage,
+                           std::int32_t portion, std::int32_t threadIndex) {
+    try {
+      return work(stage, portion, threadIndex);
+    } catch (...) {
+      stop(host.OutOfMemoryCode());  // any status will do: the exception is what comes back
+      throw;
+    }
   }
 
   // Waits until the portion has passed the stage before. False when the work was stopped.

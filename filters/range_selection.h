@@ -231,7 +231,7 @@ class HslRangeSelectionFilter final : public RowFilter {
 
   // Premultiplies on the way in, whatever the view says of itself, and alpha with the colours:
   // alpha comes out squared. That is wanted, the shading of the rays counts on it.
-  static Working readPremultiplied(const typename Source::Sample* sample) {
+  static Working readPremultiplied(const typename Source::Stored* sample) {
     Working pixel;
     for (int c = 0; c < SourcePixel::channels; ++c) pixel[c] = sample[c];
     if constexpr (SourcePixel::hasAlpha) {
@@ -242,7 +242,7 @@ class HslRangeSelectionFilter final : public RowFilter {
   }
 
   // Here the product with alpha is single precision and, for integers, truncated to the sample.
-  void readSelectionColor(const typename Colour::Sample* sample, double* color) const {
+  void readSelectionColor(const typename Colour::Stored* sample, double* color) const {
     using Pixel = typename Colour::Pixel;
     for (int c = 0; c < selectionColors; ++c) color[c] = sample[c];
     if constexpr (Pixel::hasAlpha) {
@@ -258,7 +258,7 @@ class HslRangeSelectionFilter final : public RowFilter {
   }
 
   void write(std::int32_t x, std::int32_t row, const Working& pixel) const {
-    TargetSample* sample = target.at(x, row);
+    typename Target::Stored* sample = target.at(x, row);
     for (int c = 0; c < SourcePixel::channels; ++c) sample[c] = toSample<TargetSample>(pixel[c]);
   }
 };

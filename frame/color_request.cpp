@@ -9,6 +9,7 @@
 #include "image/color.h"
 #include "interface/chosen_color.h"
 #include "interface/preview_geometry.h"
+#include "platform/host_call.h"
 
 namespace radiashafts {
 namespace {
@@ -40,7 +41,7 @@ bool pfFilter::RequestColor(hostapi::FilterRecord* record, double* red, double* 
     chosen = preview->AlternativeColorSelection(record, red, green, blue);
     logLine(severityWarning, warningMarker, "ColorServices not available");
   } else {
-    const hostapi::OSErr code = record->colorServices(&info);
+    const hostapi::OSErr code = platform::callHost(record->colorServices, &info);
     trace("ColorServices result = ", code);
     trace("source space = ", info.sourceSpace);
     trace("result space = ", info.resultSpace);

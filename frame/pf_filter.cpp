@@ -1,30 +1,30 @@
 #include "frame/pf_filter.h"
 
 #include <algorithm>
+#include <mutex>
 
 #include "diagnostics/debug_log.h"
 #include "hostapi/constants.h"
 #include "interface/live_preview.h"
+#include "platform/host_call.h"
 #include "platform/pump.h"
 #include "platform/tick.h"
 
 namespace radiashafts {
 
+using platform::callHost;
+
 pfFilter::pfFilter(FilterIdentity identity)
     : HalvorsundHost(std::move(identity)), preview(MakePreview()) {}
 
-// The length of a selector, also of one that an exception of the heap's ends.
+// The length of a selector, also of one that an exception ends.
 class pfFilter::SelectorGuard {
  public:
-  explicit SelectorGuard(pfFilter& filter) : filter_(filter) {
-    filter_.running = true;
-    filter_.AcquireSuites();
-  }
+  explicit SelectorGuard(pfFilter& filter) : filter_(filter) { filter_.AcquireSuites(); }
   ~SelectorGuard() {
     nRenderStartTick = 0;
     filter_.ReleaseKeptBlocks();
     filter_.ReleaseSuites();
-    filter_.running = false;
   }
   SelectorGuard(const SelectorGuard&) = delete;
   SelectorGuard& operator=(const SelectorGuard&) = delete;
@@ -34,7 +34,6 @@ class pfFilter::SelectorGuard {
 };
 
 std::int16_t pfFilter::Dispatch(std::int8_t selector, void* block) {
-  if (running) return hostapi::userCanceledError;
   auto* const record = static_cast<hostapi::FilterRecord*>(block);
   basicSuite = selector == hostapi::selectorAbout
                    ? static_cast<hostapi::AboutRecord*>(block)->sSPBasic
@@ -69,17 +68,17 @@ void pfFilter::AcquireSuites() {
   bufferSuite = nullptr;
   if (basicSuite == nullptr) return;
   const void* suite = nullptr;
-  basicSuite->AcquireSuite(hostapi::bufferSuiteName, hostapi::bufferSuiteVersion, &suite);
+  callHost(basicSuite->AcquireSuite, hostapi::bufferSuiteName, hostapi::bufferSuiteVersion, &suite);
   bufferSuite = static_cast<const hostapi::BufferSuite1*>(suite);
   suite = handleSuite;
-  basicSuite->AcquireSuite(hostapi::handleSuiteName, hostapi::handleSuiteVersion, &suite);
+  callHost(basicSuite->AcquireSuite, hostapi::handleSuiteName, hostapi::handleSuiteVersion, &suite);
   handleSuite = static_cast<const hostapi::HandleSuite2*>(suite);
 }
 
 void pfFilter::ReleaseSuites() {
   if (basicSuite == nullptr) return;
-  basicSuite->ReleaseSuite(hostapi::bufferSuiteName, hostapi::bufferSuiteVersion);
-  basicSuite->ReleaseSuite(hostapi::handleSuiteName, hostapi::handleSuiteVersion);
+  callHost(basicSuite->ReleaseSuite, hostapi::bufferSuiteName, hostapi::bufferSuiteVersion);
+  callHost(basicSuite->ReleaseSuite, hostapi::handleSuiteName, hostapi::handleSuiteVersion);
 }
 
 std::int32_t pfFilter::Progress(std::int32_t done, std::int32_t total, std::int32_t threadIndex) {
@@ -89,8 +88,9 @@ std::int32_t pfFilter::Progress(std::int32_t done, std::int32_t total, std::int3
 }
 
 std::int32_t pfFilter::ReportToHost(std::int32_t done, std::int32_t total) {
-  currentRecord->progressProc(done, total);
-  const bool aborted = currentRecord->abortProc != nullptr && currentRecord->abortProc() != 0;
+  callHost(currentRecord->progressProc, done, total);
+  const bool aborted =
+      currentRecord->abortProc != nullptr && callHost(currentRecord->abortProc) != 0;
   return aborted ? hostapi::userCanceledError : NoErrorCode();
 }
 
@@ -101,7 +101,7 @@ std::int32_t pfFilter::PumpMessages(std::int32_t threadIndex) {
   constexpr std::chrono::milliseconds betweenLooks(2);
   const auto now = std::chrono::steady_clock::now();
   if (threadIndex == 0 && now - lastLook >= betweenLooks) {
-    const bool open = platform::pumpPendingMessages();
+    const bool open = callHost(platform::pumpPendingMessages);  // some are the host's
     lastLook = std::chrono::steady_clock::now();
     if (!open) endedRender = nRenderStartTick;
   }
@@ -153,14 +153,14 @@ void pfFilter::ReleaseKeptBlocks() {
 void* pfFilter::AllocateFromHost(std::uint32_t size) {
   if (!usesHostMemory()) return HalvorsundHost::Allocate(size);
   std::uint32_t requested = size;
-  return bufferSuite->New(&requested, size);
+  return callHost(bufferSuite->New, &requested, size);
 }
 
 void pfFilter::FreeToHost(void* pointer) {
   if (!usesHostMemory()) {
     HalvorsundHost::Free(pointer);
   } else {
-    bufferSuite->Dispose(&pointer);
+    callHost(bufferSuite->Dispose, &pointer);
   }
 }
 

@@ -5,24 +5,26 @@
 #include <chrono>
 #include <cstdint>
 #include <memory>
-#include <mutex>
 
 #include "hostapi/constants.h"
 #include "hostapi/filter_record.h"
 #include "interface/edited_filter.h"
 #include "interface/preview.h"
 #include "interface/widgets.h"
+#include "platform/recursive_lock.h"
 #include "services/halvorsund_host.h"
 
 namespace radiashafts {
+
+// Tells the host that nothing more is wanted.
+void emptyRectangles(hostapi::FilterRecord& record);
 
 class pfFilter : public HalvorsundHost, public EditedFilter {
  public:
   explicit pfFilter(FilterIdentity identity);
 
   // Runs one selector with the suites acquired for its length. block is an AboutRecord for the
-  // selector 0 and a FilterRecord for all others. -1 for an unknown selector. A host that comes
-  // back while a selector runs is refused with -128: there is one filter with one set of values.
+  // selector 0 and a FilterRecord for all others. -1 for an unknown selector.
   std::int16_t Dispatch(std::int8_t selector, void* block);
 
   // In a final render, thread 0 reports to the host and polls its abort: -128. In a preview render
@@ -72,7 +74,6 @@ class pfFilter : public HalvorsundHost, public EditedFilter {
     bool inUse = false;
   };
 
-  bool running = false;                         // a selector is
   hostapi::SPBasicSuite* basicSuite = nullptr;  // good for one selector, like the next two
   const hostapi::BufferSuite1* bufferSuite = nullptr;
   const hostapi::HandleSuite2* handleSuite = nullptr;
@@ -80,7 +81,7 @@ class pfFilter : public HalvorsundHost, public EditedFilter {
   std::chrono::steady_clock::time_point lastLook;  // for messages, in a preview render
   std::uint32_t endedRender = 0;                   // start tick of the one the interface's end met
   std::array<KeptBlock, 8> keptBlocks;             // more than a render asks for
-  std::recursive_mutex memoryLock;  // a window procedure may come back while Progress pumps
+  platform::RecursiveLock memoryLock;  // a window procedure may come back while Progress pumps
 };
 
 }  // namespace radiashafts

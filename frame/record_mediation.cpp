@@ -5,6 +5,7 @@
 #include "diagnostics/debug_log.h"
 #include "frame/pf_filter.h"
 #include "hostapi/constants.h"
+#include "platform/host_call.h"
 
 namespace radiashafts {
 namespace {
@@ -68,7 +69,7 @@ std::int16_t pfFilter::SetupFilterRecord(hostapi::FilterRecord* record, std::uin
   const std::uint32_t factor = std::max<std::uint32_t>(scaleFactor, 1);
 
   // The host's own rectangle is not looked at: the filter takes the whole image, and a selection
-  // restricts only through the mask.
+  // restricts only through the mask. The start selector gives it back.
   record->filterRect = {0, 0, record->imageSize.v, record->imageSize.h};
   record->inRect = {0, 0, reduced(record->imageSize.v, factor),
                     reduced(record->imageSize.h, factor)};
@@ -83,7 +84,7 @@ std::int16_t pfFilter::SetupFilterRecord(hostapi::FilterRecord* record, std::uin
   if (record->haveMask != 0 && record->isFloating == 0) record->autoMask = 0;
   record->wantsAbsolute = 0;
 
-  const std::int16_t result = record->advanceState();
+  const std::int16_t result = platform::callHost(record->advanceState);
   traceRecord(*record);
   return result;
 }

@@ -6,6 +6,7 @@
 #include "diagnostics/debug_log.h"
 #include "frame/pf_filter.h"
 #include "hostapi/constants.h"
+#include "platform/host_call.h"
 #include "platform/message_box.h"
 
 namespace radiashafts {
@@ -15,7 +16,26 @@ void traceSelector(const char* name, const void* record) {
   trace("pfFilter::", name, "( pFilterRecord(0x", record, ") )");
 }
 
+// Gives the host its rectangle back: it may compose the user's selection by it once the filter is
+// done.
+class HostRectangle {
+ public:
+  explicit HostRectangle(hostapi::FilterRecord& record)
+      : record_(record), rectangle_(record.filterRect) {}
+  ~HostRectangle() { record_.filterRect = rectangle_; }
+  HostRectangle(const HostRectangle&) = delete;
+  HostRectangle& operator=(const HostRectangle&) = delete;
+
+ private:
+  hostapi::FilterRecord& record_;
+  hostapi::Rect rectangle_;
+};
+
 }  // namespace
+
+void emptyRectangles(hostapi::FilterRecord& record) {
+  record.inRect = record.outRect = record.maskRect = {0, 0, 0, 0};
+}
 
 std::int16_t pfFilter::DoAboutSelector(hostapi::AboutRecord* record) {
   traceSelector("DoAboutSelector", record);
@@ -51,11 +71,9 @@ std::int16_t pfFilter::DoPrepareSelector(hostapi::FilterRecord* record) {
 std::int16_t pfFilter::DoStartSelector(hostapi::FilterRecord* record) {
   traceSelector("DoStartSelector", record);
   const LogIndent indent;
+  const HostRectangle hosts(*record);
   const std::int16_t result = RunFilter(record);
-  // An empty request tells the host that nothing more is wanted.
-  record->inRect = {0, 0, 0, 0};
-  record->outRect = record->inRect;
-  record->maskRect = record->inRect;
+  emptyRectangles(*record);
   trace("pfFilter::DoStartSelector( return(", result, ") )");
   return result;
 }
@@ -64,10 +82,10 @@ std::int16_t pfFilter::RunFilter(hostapi::FilterRecord* record) {
   if (record->advanceState == nullptr || record->progressProc == nullptr) {
     logLine(severityError, errorMarker,
             "AdvanceStateAvailable() or ProgressProcedure not available");
-    platform::showErrorBox(GetFilterName(),
-                           "Sorry, but this Plug-In requires some functions\n"
-                           " which are not supported by this host.\n"
-                           " you need a photoshop 3.0+ compatible host to run this filter.");
+    platform::callHost(platform::showErrorBox, GetFilterName(),
+                       "Sorry, but this Plug-In requires some functions\n"
+                       " which are not supported by this host.\n"
+                       " you need a photoshop 3.0+ compatible host to run this filter.");
     return 1;
   }
   parameters.ValidateAll();

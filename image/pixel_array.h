@@ -3,17 +3,21 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <type_traits>
 
 #include "image/instruction_set.h"
+#include "image/stored_sample.h"
 
 namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET {
 
-// Strided is 1 where the distance between pixels is read from the view (the host's buffers, whose
-// pixels may hold more planes than the pixel type uses) and 0 where it is the pixel's own size.
+// Strided is 1 for the host's buffers: the distance between pixels is read from the view, since
+// they may hold more planes than the pixel type uses, and samples may stand at any address. It is 0
+// for buffers of ours, whose pixels are as far apart as they are large.
 template <class PixelType, int Reserved, int Strided>
 struct PixelArray {
   using Pixel = PixelType;
   using Sample = typename Pixel::Sample;
+  using Stored = std::conditional_t<Strided != 0, StoredSample<Sample>, Sample>;
 
   std::int32_t width = 0;        // pixels in a row
   std::int32_t height = 0;       // rows
@@ -33,8 +37,8 @@ struct PixelArray {
   std::uint8_t* rowBytes(std::int32_t y) const {
     return data + static_cast<std::ptrdiff_t>(y) * rowStride;
   }
-  Sample* at(std::int32_t x, std::int32_t y) const {
-    return reinterpret_cast<Sample*>(rowBytes(y) + x * stride());
+  Stored* at(std::int32_t x, std::int32_t y) const {
+    return reinterpret_cast<Stored*>(rowBytes(y) + x * stride());
   }
   bool contains(std::int32_t x, std::int32_t y) const {
     return x >= 0 && y >= 0 && x < width && y < height;

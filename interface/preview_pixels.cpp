@@ -7,6 +7,7 @@
 
 #include "diagnostics/debug_log.h"
 #include "hostapi/constants.h"
+#include "image/stored_sample.h"
 
 namespace radiashafts {
 namespace {
@@ -106,9 +107,9 @@ void drawPixels(const hostapi::FilterRecord& record, const Layout& layout, Bitma
   const std::array<int, 3> planes = planesInOrder(layout.colors, order);
   const auto rowOfBitmap = static_cast<std::ptrdiff_t>(bitmapWidth) * 3;
   for (int y = 0; y < height; ++y) {
-    const auto* pixel =
-        reinterpret_cast<const Sample*>(static_cast<const std::uint8_t*>(record.outData) +
-                                        static_cast<std::ptrdiff_t>(y) * record.outRowBytes);
+    const auto* pixel = reinterpret_cast<const StoredSample<Sample>*>(
+        static_cast<const std::uint8_t*>(record.outData) +
+        static_cast<std::ptrdiff_t>(y) * record.outRowBytes);
     std::uint8_t* to = bitmap + (order == BitmapOrder::forHost ? y : height - 1 - y) * rowOfBitmap;
     for (int x = 0; x < width; ++x, pixel += record.planes) {
       const auto sampleOf = [&](int plane) { return plane < 0 ? Sample{} : pixel[plane]; };

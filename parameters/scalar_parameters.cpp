@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdlib>
 
+#include "parameters/script_values.h"
 #include "parameters/undo.h"
 
 namespace radiashafts {
@@ -31,14 +32,13 @@ void pfParameterFloat::Validate() {
 }
 
 void pfParameterFloat::WriteScript(hostapi::FilterRecord* record, hostapi::Token token) {
-  record->descriptorParameters->writeDescriptorProcs->putFloatProc(token, key, &value_);
+  writeScriptNumber(*record, token, key, value_);
 }
 
 void pfParameterFloat::ReadScript(hostapi::FilterRecord* record, std::uint32_t other,
                                   hostapi::Token token) {
   if (!ownsKey(other)) return;
-  double v = 0.0;
-  if (record->descriptorParameters->readDescriptorProcs->getFloatProc(token, &v) == 0) SetValue(v);
+  if (const auto v = readScriptNumber(*record, token)) SetValue(*v);
 }
 
 std::unique_ptr<pfUndo> pfParameterFloat::CreateUndo() {
@@ -77,15 +77,14 @@ void pfParameterInt::Validate() {
 }
 
 void pfParameterInt::WriteScript(hostapi::FilterRecord* record, hostapi::Token token) {
-  record->descriptorParameters->writeDescriptorProcs->putIntegerProc(token, key, value_);
+  writeScriptInteger(*record, token, key, value_);
 }
 
 void pfParameterInt::ReadScript(hostapi::FilterRecord* record, std::uint32_t other,
                                 hostapi::Token token) {
   if (!ownsKey(other)) return;
-  std::int32_t v = 0;
-  if (record->descriptorParameters->readDescriptorProcs->getIntegerProc(token, &v) == 0) {
-    value_ = v;
+  if (const auto v = readScriptInteger(*record, token)) {
+    value_ = *v;
     NotifyWidget();
   }
 }
@@ -119,16 +118,13 @@ bool pfParameterBool::SetValue(bool v) {
 }
 
 void pfParameterBool::WriteScript(hostapi::FilterRecord* record, hostapi::Token token) {
-  record->descriptorParameters->writeDescriptorProcs->putBooleanProc(token, key, value_ ? 1 : 0);
+  writeScriptFlag(*record, token, key, value_);
 }
 
 void pfParameterBool::ReadScript(hostapi::FilterRecord* record, std::uint32_t other,
                                  hostapi::Token token) {
   if (!ownsKey(other)) return;
-  hostapi::Boolean v = 0;
-  if (record->descriptorParameters->readDescriptorProcs->getBooleanProc(token, &v) == 0) {
-    SetValue(v != 0);
-  }
+  if (const auto v = readScriptFlag(*record, token)) SetValue(*v);
 }
 
 std::unique_ptr<pfUndo> pfParameterBool::CreateUndo() {
@@ -169,15 +165,14 @@ void pfParameterList::Validate() {
 }
 
 void pfParameterList::WriteScript(hostapi::FilterRecord* record, hostapi::Token token) {
-  record->descriptorParameters->writeDescriptorProcs->putIntegerProc(token, key, value_);
+  writeScriptInteger(*record, token, key, value_);
 }
 
 void pfParameterList::ReadScript(hostapi::FilterRecord* record, std::uint32_t other,
                                  hostapi::Token token) {
   if (!ownsKey(other)) return;
-  std::int32_t v = 0;
-  const auto error = record->descriptorParameters->readDescriptorProcs->getIntegerProc(token, &v);
-  if (error == 0 && v > 0) SetValue(v);
+  const auto v = readScriptInteger(*record, token);
+  if (v && *v > 0) SetValue(*v);
 }
 
 std::unique_ptr<pfUndo> pfParameterList::CreateUndo() {

@@ -1,12 +1,63 @@
 // Reading and writing the host's descriptors.
 
+#include <utility>
+
 #include "diagnostics/debug_log.h"
 #include "hostapi/constants.h"
 #include "parameters/parameters.h"
 #include "platform/global_handle.h"
+#include "platform/host_call.h"
 
 namespace radiashafts {
+
+using platform::callHost;
+
 namespace {
+
+// An open descriptor of the host's, closed at the end of its life. Empty where the host opens none.
+class ReadToken {
+ public:
+  ReadToken(const hostapi::ReadDescriptorProcs& procs, hostapi::Handle descriptor,
+            hostapi::DescriptorKey* keys)
+      : procs_(procs), token_(callHost(procs.openReadDescriptorProc, descriptor, keys)) {}
+  ~ReadToken() {
+    if (token_ != nullptr) callHost(procs_.closeReadDescriptorProc, token_);
+  }
+  ReadToken(const ReadToken&) = delete;
+  ReadToken& operator=(const ReadToken&) = delete;
+
+  hostapi::Token get() const { return token_; }
+
+ private:
+  const hostapi::ReadDescriptorProcs& procs_;
+  hostapi::Token token_;
+};
+
+// A descriptor that is being written. What it holds is handed over by finish, or is dropped.
+class WriteToken {
+ public:
+  WriteToken(const hostapi::WriteDescriptorProcs& procs, const hostapi::HandleProcs* handleProcs)
+      : procs_(procs), handleProcs_(handleProcs), token_(callHost(procs.openWriteDescriptorProc)) {}
+  ~WriteToken() {
+    if (token_ == nullptr) return;
+    if (hostapi::Handle dropped = finish()) DisposeDescriptorHandle(handleProcs_, dropped);
+  }
+  WriteToken(const WriteToken&) = delete;
+  WriteToken& operator=(const WriteToken&) = delete;
+
+  hostapi::Token get() const { return token_; }
+  // Null where the host fails.
+  hostapi::Handle finish() {
+    hostapi::Handle written = nullptr;
+    callHost(procs_.closeWriteDescriptorProc, std::exchange(token_, nullptr), &written);
+    return written;
+  }
+
+ private:
+  const hostapi::WriteDescriptorProcs& procs_;
+  const hostapi::HandleProcs* handleProcs_;
+  hostapi::Token token_;
+};
 
 bool allEntriesPresent(const hostapi::ReadDescriptorProcs& procs) {
   return procs.openReadDescriptorProc && procs.closeReadDescriptorProc && procs.getKeyProc &&
@@ -40,7 +91,7 @@ bool IsDescriptorUsable(const hostapi::PIDescriptorParameters* descriptorParamet
 
 void DisposeDescriptorHandle(const hostapi::HandleProcs* handleProcs, hostapi::Handle handle) {
   if (isFit(handleProcs)) {
-    handleProcs->disposeProc(handle);
+    callHost(handleProcs->disposeProc, handle);
   } else {
     platform::freeGlobalHandle(reinterpret_cast<void**>(handle));
   }
@@ -67,15 +118,18 @@ bool pfParameters::ReadScriptParams(hostapi::FilterRecord* record) {
   hostapi::PIDescriptorParameters* descriptors = record->descriptorParameters;
   if (IsDescriptorUsable(descriptors)) {
     const hostapi::ReadDescriptorProcs& procs = *descriptors->readDescriptorProcs;
-    const hostapi::Token token = procs.openReadDescriptorProc(descriptors->descriptor, keys.data());
-    if (token != nullptr) {
+    bool opened = false;
+    {
+      const ReadToken token(procs, descriptors->descriptor, keys.data());
       std::uint32_t key = 0;
       std::uint32_t type = 0;
       std::int32_t flags = 0;
-      while (procs.getKeyProc(token, &key, &type, &flags) != 0) {
-        for (pfParameter* parameter : parameters_) parameter->ReadScript(record, key, token);
+      opened = token.get() != nullptr;
+      while (opened && callHost(procs.getKeyProc, token.get(), &key, &type, &flags) != 0) {
+        for (pfParameter* parameter : parameters_) parameter->ReadScript(record, key, token.get());
       }
-      procs.closeReadDescriptorProc(token);
+    }
+    if (opened) {
       DisposeDescriptorHandle(record->handleProcs, descriptors->descriptor);
       descriptors->descriptor = nullptr;
     }
@@ -91,15 +145,13 @@ void pfParameters::WriteScriptParams(hostapi::FilterRecord* record) {
   hostapi::PIDescriptorParameters* descriptors = record->descriptorParameters;
   if (IsDescriptorUsable(descriptors)) {
     const hostapi::WriteDescriptorProcs& procs = *descriptors->writeDescriptorProcs;
-    const hostapi::Token token = procs.openWriteDescriptorProc();
-    if (token != nullptr) {
-      for (pfParameter* parameter : parameters_) parameter->WriteScript(record, token);
+    WriteToken token(procs, record->handleProcs);
+    if (token.get() != nullptr) {
+      for (pfParameter* parameter : parameters_) parameter->WriteScript(record, token.get());
       if (descriptors->descriptor != nullptr) {
         DisposeDescriptorHandle(record->handleProcs, descriptors->descriptor);
       }
-      hostapi::Handle written = nullptr;
-      procs.closeWriteDescriptorProc(token, &written);
-      descriptors->descriptor = written;
+      descriptors->descriptor = token.finish();
       descriptors->recordInfo = hostapi::recordDialogOptional;
     }
   }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "parameters/script_values.h"
 #include "parameters/undo.h"
 
 namespace radiashafts {
@@ -21,7 +22,7 @@ template <std::size_t N>
 void writeValues(hostapi::FilterRecord* record, hostapi::Token token,
                  const std::array<std::uint32_t, N>& keys, const std::array<double, N>& values) {
   for (std::size_t i = 0; i < N; ++i) {
-    record->descriptorParameters->writeDescriptorProcs->putFloatProc(token, keys[i], &values[i]);
+    writeScriptNumber(*record, token, keys[i], values[i]);
   }
 }
 
@@ -31,11 +32,8 @@ std::array<double, N> readValues(hostapi::FilterRecord* record, hostapi::Token t
                                  std::uint32_t key, const std::array<std::uint32_t, N>& keys,
                                  std::array<double, N> values) {
   for (std::size_t i = 0; i < N; ++i) {
-    double v = 0.0;
-    if (keys[i] == key &&
-        record->descriptorParameters->readDescriptorProcs->getFloatProc(token, &v) == 0) {
-      values[i] = v;
-    }
+    if (keys[i] != key) continue;
+    if (const auto v = readScriptNumber(*record, token)) values[i] = *v;
   }
   return values;
 }

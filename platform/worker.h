@@ -19,7 +19,8 @@ class Worker {
   bool start();
   // Lets go of the thread. Does nothing when there is none.
   void stop();
-  bool started() const { return state_ != nullptr; }
+  // A process that was forked off does not have the threads of the one that it came from.
+  bool exists() const;
 
   // Runs the function on the thread. The next run comes after a wait.
   void run(Function function, void* context);

@@ -33,10 +33,9 @@ std::int32_t HalvorsundHost::RunIterations(std::int32_t iterations, IterationCal
   std::int32_t count = 1;
   ThreadCount(&count, -1);
   // On 64 and more processors the answer is -1, which means all that the pool can hold.
-  if (!ThreadPool::Instance().init(count > 0 ? count : ThreadPool::maximumSlots)) {
-    return NoErrorCode();
-  }
-  return ThreadPool::Instance().iterate(iterations, callback);
+  ThreadPool& pool = ThreadPool::Instance();
+  pool.init(count > 0 ? count : ThreadPool::maximumSlots);
+  return pool.iterate(iterations, callback);
 }
 
 std::int32_t HalvorsundHost::NoErrorCode() const {

@@ -39,8 +39,8 @@ class HalvorsundHost {
   // -1 included; this is wanted, and the pool holds what it makes of it in 1 to 64.
   virtual std::int32_t ThreadCount(std::int32_t* count, std::int32_t requested);
 
-  // Runs the iterations on the pool and returns the calling thread's status. Where the pool cannot
-  // be made nothing runs and the result is NoErrorCode.
+  // Runs the iterations on the pool and returns the calling thread's status. Throws what a callback
+  // has thrown, once no thread is in one any more.
   virtual std::int32_t RunIterations(std::int32_t iterations, IterationCallback callback);
 
   virtual std::int32_t NoErrorCode() const;

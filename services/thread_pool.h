@@ -4,6 +4,7 @@
 #include <array>
 #include <atomic>
 #include <cstdint>
+#include <exception>
 
 #include "platform/monitor.h"
 #include "platform/worker.h"
@@ -31,13 +32,14 @@ class ThreadPool {
   // The one pool of the process.
   static ThreadPool& Instance();
 
-  // Makes the pool ready with count slots, the calling thread's included, held in 1 to 64. Only
-  // the first successful call counts; false when a thread could not be made.
-  bool init(std::int32_t count);
+  // Makes the pool ready with count slots, the calling thread's included, held in 1 to 64. The
+  // count of the first call stays; later ones try again to make what the system had no threads for.
+  void init(std::int32_t count);
 
-  // Runs iterations 0 to iterations - 1, handed out one by one in rising order. A thread whose
-  // callback fails takes no more of them, the others go on. Returns the status of the calling
-  // thread's share alone. Calls may not overlap.
+  // Runs iterations 0 to iterations - 1, handed out one by one in rising order, behind an init. A
+  // thread whose callback fails takes no more of them, the others go on. Returns the status of the
+  // calling thread's share alone. After an exception no more iterations begin; the first one is
+  // thrown here when all threads are done. Calls may not overlap.
   std::int32_t iterate(std::int32_t iterations, IterationCallback callback);
 
   // While one stands the workers stay at hand between calls: a system takes its time to put a
@@ -56,43 +58,53 @@ class ThreadPool {
     ThreadPool& pool_;
   };
 
-  // Ends the workers that were made. A pool that served a call is not used after it.
+  // Ends the workers that were made.
   void free();
 
+  // Slots in use, the calling thread's included; 0 before init.
   std::int32_t threadCount() const { return threadCount_; }
 
  private:
   struct WorkerSlot {
-    std::int32_t iterations = 0;
+    ThreadPool* pool = nullptr;
     std::int32_t index = 0;  // the callback's thread index; slot 0 is the calling thread's
+    std::int32_t iterations = 0;
     IterationCallback callback;
     std::int32_t result = 0;
-    ThreadPool* pool = nullptr;
-    std::uint32_t served = 0;  // number of the last call that the worker took part in
+    std::uint32_t served = 0;  // number of the last call that the worker was in
     platform::Worker worker;   // none in slot 0
   };
 
+  // All that the caller and its workers tell each other, in one number.
+  struct Handshake {
+    std::uint32_t call = 0;      // number of the latest call
+    std::uint16_t places = 0;    // workers that may still enter it
+    std::uint8_t inside = 0;     // workers that are in it
+    std::uint8_t dismissed = 0;  // 1 when workers are to leave the module's code
+  };
+  static_assert(sizeof(Handshake) == 8);
+
   static void AttendWorker(void* slot);
   void attend(WorkerSlot& slot);
-  bool enterCall();
-  void leaveCall();
-  void callWorkers();
+  template <class Edit>
+  void change(const Edit& edit);
+  void openCall();
+  void waitForWorkers(std::int32_t iterations);
   void dismissWorkers();
+  void leaveLostWorkers();
   void iterateShare(WorkerSlot& slot);
+  void keepException(std::int32_t iterations);
 
+  std::int32_t wantedCount_ = 0;  // of the first init
   std::int32_t threadCount_ = 0;
+  std::int32_t attending_ = 1;  // slots from 1 up to it have a worker in attend
   std::int32_t attendances_ = 0;
-  bool workersAttend_ = false;
   std::atomic<std::int32_t> nextIndex_{0};
   std::atomic<int> callersProcessor_{0};
-  std::atomic<std::uint32_t> call_{0};  // number of the latest call
-  // Workers at work in the call, less closed once no iteration is left to take: nobody waits for a
-  // worker that comes too late.
-  static constexpr std::int32_t closed = 1000;
-  std::atomic<std::int32_t> workersInCall_{-closed};
-  std::atomic<std::int32_t> workersDone_{0};
-  std::atomic<bool> dismissed_{false};
-  platform::Monitor monitor_;  // of the four above
+  std::atomic<Handshake> handshake_{};
+  std::atomic_flag failed_;
+  std::exception_ptr failure_;  // the first one of the call; read when no worker is inside
+  platform::Monitor monitor_;   // of the handshake and the next index
   std::array<WorkerSlot, maximumSlots> slots_;
 };
 

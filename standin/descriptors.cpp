@@ -4,6 +4,8 @@
 #include <cstring>
 #include <memory>
 
+#include "standin/host_fault.h"
+
 namespace radiashafts::standin {
 namespace {
 
@@ -46,9 +48,12 @@ Reader& reader(hostapi::Token token) {
   return *static_cast<Reader*>(token);
 }
 
+constexpr hostapi::OSErr callFailed = -1700;
+
 template <class Value>
 hostapi::OSErr readAs(hostapi::Token token, Value* value) {
   constexpr hostapi::OSErr wrongType = -1715;
+  if (callFails(Service::descriptors)) return callFailed;
   const Value* held = std::get_if<Value>(&reader(token).current());
   if (held == nullptr) return wrongType;
   *value = *held;
@@ -56,18 +61,22 @@ hostapi::OSErr readAs(hostapi::Token token, Value* value) {
 }
 
 hostapi::Token openRead(hostapi::Handle descriptor, hostapi::DescriptorKey*) {
-  return new Reader{scriptOf(descriptor)};
+  if (callFails(Service::descriptors)) return nullptr;
+  auto* const token = new Reader{scriptOf(descriptor)};
+  ++liveObjects().tokens;
+  return token;
 }
 
 hostapi::OSErr closeRead(hostapi::Token token) {
   delete &reader(token);
-  return 0;
+  --liveObjects().tokens;
+  return callFails(Service::descriptors) ? callFailed : hostapi::OSErr{0};
 }
 
 hostapi::Boolean getKey(hostapi::Token token, hostapi::DescriptorKey* key, std::uint32_t* type,
                         std::int32_t* flags) {
   Reader& r = reader(token);
-  if (r.next == r.script.size()) return 0;
+  if (callFails(Service::descriptors) || r.next == r.script.size()) return 0;
   const auto& [entryKey, value] = r.script[r.next++];
   constexpr std::uint32_t types[] = {hostapi::fourCharacterCode("doub"),
                                      hostapi::fourCharacterCode("long"),
@@ -102,17 +111,23 @@ Script& writer(hostapi::Token token) {
 }
 
 hostapi::Token openWrite() {
-  return new Script;
+  if (callFails(Service::descriptors)) return nullptr;
+  auto* const token = new Script;
+  ++liveObjects().tokens;
+  return token;
 }
 
 hostapi::OSErr closeWrite(hostapi::Token token, hostapi::Handle* descriptor) {
   const std::unique_ptr<Script> script(&writer(token));
+  --liveObjects().tokens;
+  if (callFails(Service::descriptors)) return callFailed;
   *descriptor = makeDescriptor(*script);
-  return 0;
+  return *descriptor == nullptr ? callFailed : hostapi::OSErr{0};
 }
 
 template <class Value>
 hostapi::OSErr put(hostapi::Token token, hostapi::DescriptorKey key, Value value) {
+  if (callFails(Service::descriptors)) return callFailed;
   writer(token).emplace_back(key, value);
   return 0;
 }
@@ -137,9 +152,11 @@ void neverCalled() {
 }  // namespace
 
 hostapi::Handle newHandle(std::int32_t size) {
+  if (callFails(Service::handles)) return nullptr;
   auto* master = static_cast<Master*>(std::malloc(sizeof(Master)));
   if (master == nullptr) return nullptr;
   *master = {static_cast<char*>(std::malloc(static_cast<std::size_t>(size))), size};
+  ++liveObjects().handles;
   return &master->block;
 }
 
@@ -147,6 +164,7 @@ void disposeHandle(hostapi::Handle handle) {
   if (handle == nullptr) return;
   std::free(*handle);
   std::free(handle);
+  --liveObjects().handles;
 }
 
 hostapi::Handle makeDescriptor(const Script& script) {

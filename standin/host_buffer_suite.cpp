@@ -5,6 +5,7 @@
 
 #include "platform/huge_pages.h"
 #include "standin/descriptors.h"
+#include "standin/host_fault.h"
 
 namespace radiashafts::standin {
 namespace {
@@ -30,8 +31,7 @@ bool isGuard(const std::uint8_t* from, const std::uint8_t* to) {
 }
 
 void* newBuffer(std::uint32_t* requestedSize, std::uint32_t minimumSize) {
-  MemoryState& state = memoryState();
-  if (++state.allocations == state.failAt) return nullptr;
+  if (callFails(Service::buffers)) return nullptr;
   const std::size_t size = std::max(requestedSize != nullptr ? *requestedSize : 0, minimumSize);
   const std::size_t total = (size + 2 * guardSize + guardSize - 1) / guardSize * guardSize;
   auto* block =
@@ -42,7 +42,7 @@ void* newBuffer(std::uint32_t* requestedSize, std::uint32_t minimumSize) {
   std::fill(block + guardSize + size, block + total, guardByte);
   reinterpret_cast<Header*>(block)->size = static_cast<std::uint32_t>(size);
   if (requestedSize != nullptr) *requestedSize = static_cast<std::uint32_t>(size);
-  ++state.live;
+  ++liveObjects().buffers;
   return block + guardSize;
 }
 
@@ -51,9 +51,9 @@ void disposeBuffer(void** buffer) {
   std::uint8_t* block = blockOf(*buffer);
   const std::uint8_t* end = block + guardSize + sizeOf(*buffer);
   if (!isGuard(block + sizeof(Header), block + guardSize) || !isGuard(end, end + guardSize)) {
-    memoryState().guardsIntact = false;
+    bufferGuardsIntact() = false;
   }
-  --memoryState().live;
+  --liveObjects().buffers;
   ::operator delete(block, std::align_val_t(guardSize));
   *buffer = nullptr;
 }
@@ -69,9 +69,9 @@ void setLock(hostapi::Handle handle, hostapi::Boolean, void** address, hostapi::
 
 }  // namespace
 
-MemoryState& memoryState() {
-  static MemoryState state;
-  return state;
+std::atomic<bool>& bufferGuardsIntact() {
+  static std::atomic<bool> intact{true};
+  return intact;
 }
 
 const hostapi::BufferSuite1* bufferSuite() {

@@ -8,14 +8,8 @@
 
 namespace radiashafts::standin {
 
-struct MemoryState {
-  std::atomic<int> allocations{0};       // so far
-  std::atomic<int> failAt{0};            // the number of the allocation that fails, 0 for none
-  std::atomic<int> live{0};              // not yet disposed of
-  std::atomic<bool> guardsIntact{true};  // of all buffers disposed of so far
-};
-
-MemoryState& memoryState();
+// Whether the guards of all buffers disposed of so far were untouched.
+std::atomic<bool>& bufferGuardsIntact();
 const hostapi::BufferSuite1* bufferSuite();
 const hostapi::HandleSuite2* handleSuite();
 

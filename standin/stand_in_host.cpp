@@ -14,6 +14,7 @@ constexpr std::uint8_t guardByte = 0xA5;
 
 std::int32_t acquireSuite(const char* name, std::int32_t version, const void** suite) {
   constexpr std::int32_t unknownSuite = -1;
+  if (callFails(Service::suites)) return unknownSuite;
   if (std::strcmp(name, hostapi::bufferSuiteName) == 0 && version == hostapi::bufferSuiteVersion) {
     *suite = bufferSuite();
     return 0;
@@ -26,7 +27,7 @@ std::int32_t acquireSuite(const char* name, std::int32_t version, const void** s
 }
 
 std::int32_t releaseSuite(const char*, std::int32_t) {
-  return 0;
+  return callFails(Service::suites) ? -1 : 0;
 }
 
 hostapi::SPBasicSuite* basicSuite() {
@@ -94,7 +95,8 @@ void StandInHost::fillRecord() {
                        static_cast<std::int16_t>(input_.width)};
   record_.wholeSize = record_.imageSize;
   record_.planes = static_cast<std::int16_t>(input_.planes);
-  record_.filterRect = {0, 0, record_.imageSize.v, record_.imageSize.h};
+  record_.filterRect =
+      traits_.selectedRect.value_or(hostapi::Rect{0, 0, record_.imageSize.v, record_.imageSize.h});
   record_.haveMask = mask_ != nullptr ? 1 : 0;
   record_.autoMask = 1;
   record_.maxSpace = 1 << 30;
@@ -140,11 +142,8 @@ void StandInHost::fillDescriptors(const Script& script) {
 RunResult StandInHost::run(EntryPoint entry, const Script& script, Picture& output) {
   current_ = this;
   output_ = &output;
-  MemoryState& memory = memoryState();
-  memory.allocations = 0;
-  memory.failAt = faults.failAllocation;
-  memory.guardsIntact = true;
-  const int liveBefore = memory.live;
+  bufferGuardsIntact() = true;
+  const int liveBefore = liveObjects().count();
   progressCalls_ = 0;
 
   fillRecord();
@@ -152,6 +151,7 @@ RunResult StandInHost::run(EntryPoint entry, const Script& script, Picture& outp
   if (faults.noAdvanceState) record_.advanceState = nullptr;
   if (faults.noProgressProc) record_.progressProc = nullptr;
 
+  setFault(faults.fault);
   std::intptr_t data = 0;
   const auto call = [&](std::int16_t selector) {
     std::int16_t result = 0;
@@ -162,6 +162,8 @@ RunResult StandInHost::run(EntryPoint entry, const Script& script, Picture& outp
   call(hostapi::selectorParameters);
   call(hostapi::selectorPrepare);
   result.status = call(hostapi::selectorStart);
+  result.requestsEnded =
+      isEmpty(record_.inRect) && isEmpty(record_.outRect) && isEmpty(record_.maskRect);
   if (result.status == 0) {
     constexpr int mostTiles = 1000;  // a filter that never empties its rectangles is cut short
     for (int tile = 0; tile < mostTiles && !isEmpty(record_.outRect); ++tile) {
@@ -171,18 +173,20 @@ RunResult StandInHost::run(EntryPoint entry, const Script& script, Picture& outp
     call(hostapi::selectorFinish);
   }
 
+  setFault({});
+  result.filterRect = record_.filterRect;
   result.script = scriptOf(descriptorParameters_.descriptor);
   disposeHandle(descriptorParameters_.descriptor);
   descriptorParameters_.descriptor = nullptr;
   result.progressCalls = progressCalls_;
-  result.guardsIntact = guardsIntact() && memory.guardsIntact;
-  result.leakedBuffers = memory.live - liveBefore;
+  result.guardsIntact = guardsIntact() && bufferGuardsIntact();
+  result.leaked = liveObjects().count() - liveBefore;
   current_ = nullptr;
   return result;
 }
 
 hostapi::OSErr StandInHost::serve() {
-  if (faults.advanceStateError != 0) return faults.advanceStateError;
+  if (callFails(Service::advanceState)) return advanceStateError;
   constexpr hostapi::OSErr badRequest = -30100;
   takeOutput();
   return serveInput() && serveOutput() && serveMask() ? hostapi::OSErr{0} : badRequest;

@@ -5,10 +5,12 @@
 #include <array>
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <vector>
 
 #include "hostapi/constants.h"
 #include "hostapi/filter_record.h"
+#include "standin/host_fault.h"
 #include "standin/picture.h"
 #include "standin/script.h"
 
@@ -16,6 +18,9 @@ namespace radiashafts::standin {
 
 using EntryPoint = void (*)(std::int16_t selector, void* block, std::intptr_t* data,
                             std::int16_t* result);
+
+// What advanceState answers where it fails on request.
+inline constexpr hostapi::OSErr advanceStateError = -30100;
 
 // What hosts differ in.
 struct HostTraits {
@@ -30,16 +35,16 @@ struct HostTraits {
   int maskPadding = 0;
   int guardBytes = 0;  // before and behind each served buffer
   std::int16_t playInfo = hostapi::playDontDisplay;
-  bool multichannel = false;    // shows the picture as channels without a meaning
-  void* ownerWindow = nullptr;  // the system's handle of the host's window
+  bool multichannel = false;                  // shows the picture as channels without a meaning
+  void* ownerWindow = nullptr;                // the system's handle of the host's window
+  std::optional<hostapi::Rect> selectedRect;  // the part of the picture that the host filters
 };
 
 // Faults that the host is to show.
 struct HostFaults {
-  hostapi::OSErr advanceStateError = 0;
   bool noAdvanceState = false;
   bool noProgressProc = false;
-  int failAllocation = 0;   // the number of the suite allocation that fails, 0 for none
+  Fault fault;
   int abortAtProgress = 0;  // the number of the progress call behind which the user aborts
 };
 
@@ -47,8 +52,10 @@ struct RunResult {
   std::int16_t status = 0;  // what the filter answered to start
   Script script;            // what it handed back, empty where it wrote none
   int progressCalls = 0;
-  bool guardsIntact = true;  // of all buffers that the filter was given
-  int leakedBuffers = 0;
+  bool requestsEnded = false;  // the filter emptied its rectangles on start
+  hostapi::Rect filterRect{};  // as the host finds it behind finish
+  bool guardsIntact = true;    // of all buffers that the filter was given
+  int leaked = 0;              // buffers, handles and open descriptors that did not come back
 };
 
 class StandInHost {

@@ -26,7 +26,6 @@ std::ostream& operator<<(std::ostream& out, const hostapi::Rect& r) {
 struct HandHost {
   explicit HandHost(int suitesThatAre = 3) : suites(suitesThatAre) {
     current = this;
-    standin::memoryState().failAt = 0;
     basic.AcquireSuite = [](const char* name, std::int32_t version, const void** suite) {
       const bool buffer = std::strstr(name, "Buffer") != nullptr;
       if (buffer && current->suites & 1) *suite = standin::bufferSuite();
@@ -158,22 +157,6 @@ TEST(StartSelector, KeepsItsValuesForTheNextRunWithinTheirLimits) {
   EXPECT_EQ(runModule(input, nullptr, {}).result.script, script);
 }
 
-TEST(Render, AnAllocationThatFailsGivesOutOfMemoryAndLeaksNothing) {
-  Random random(8);
-  const standin::Picture input = randomPicture(random, 3, 15, 12);
-  const standin::Mask mask = randomMask(random, 15, 12);
-  judge::Values values = randomValues(random);
-  for (values.mode = 1; values.mode <= 2; ++values.mode) {
-    int status = -108;
-    for (int n = 1; status == -108; ++n) {
-      const ModuleRun run = runModule(input, &mask, scriptOf(values), {}, {.failAllocation = n});
-      status = run.result.status;
-      ASSERT_EQ(status, n == 1 || status != 0 ? -108 : 0);
-      ASSERT_EQ(run.result.leakedBuffers, 0) << n;
-    }
-  }
-}
-
 TEST(SetupFilterRecord, AsksForTheWholePictureReducedByTheFactor) {
   const auto asked = [](unsigned factor, std::int16_t width, std::int16_t height, int mask) {
     HandHost host;
@@ -204,8 +187,8 @@ TEST(SetupFilterRecord, AsksForTheWholePictureReducedByTheFactor) {
 
 TEST(Services, KeepFreedBlocksBetweenPreviewsOfOneSizeAndNoLonger) {
   HandHost host(3);
-  const int before = standin::memoryState().live;
-  const auto live = [&] { return standin::memoryState().live - before; };
+  const int before = standin::liveObjects().buffers;
+  const auto live = [&] { return standin::liveObjects().buffers - before; };
   ProbeFilter filter;
   filter.render = [&] {
     nRenderStartTick = 1;
@@ -231,11 +214,12 @@ TEST(Services, UseTheHostsMemoryWithBothSuitesAndReportOnThreadZeroAlone) {
   for (int suites = 0; suites < 4; ++suites) {
     HandHost host(suites);
     host.abort = true;
-    const int live = standin::memoryState().live;
+    const int live = standin::liveObjects().buffers;
     ProbeFilter filter;
     filter.render = [&] {
       void* block = filter.Allocate(100);
-      EXPECT_EQ(standin::memoryState().live - live, suites == 3 && host.record.sSPBasic) << suites;
+      EXPECT_EQ(standin::liveObjects().buffers - live, suites == 3 && host.record.sSPBasic)
+          << suites;
       filter.Free(block);
       filter.Free(nullptr);
       EXPECT_EQ(filter.Progress(1, 9, 3), 0);
@@ -246,7 +230,7 @@ TEST(Services, UseTheHostsMemoryWithBothSuitesAndReportOnThreadZeroAlone) {
     EXPECT_EQ(filter.Dispatch(3, &host.record), -5);
     host.record.sSPBasic = nullptr;  // the Handle Suite of the selector before is left over
     EXPECT_EQ(filter.Dispatch(3, &host.record), -5);
-    EXPECT_EQ(standin::memoryState().live, live);
+    EXPECT_EQ(standin::liveObjects().buffers, live);
   }
 }
 

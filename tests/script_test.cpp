@@ -1,5 +1,6 @@
 // The meeting of the parameters with the host's recorded scripts.
 
+#include <cmath>
 #include <cstring>
 #include <functional>
 #include <sstream>
@@ -128,15 +129,16 @@ TEST(Script, TwentySevenValuesGoOutAndTwentyFiveComeBackInAnyOrder) {
   for (std::size_t i = 0; i < 25; ++i) EXPECT_EQ(keysAsked[i], script[i].first) << i;
 }
 
-TEST(Script, WhatIsAbsentForeignMistypedOrNoEntryKeepsItsValue) {
+TEST(Script, WhatIsAbsentForeignMistypedNotFiniteOrNoEntryKeepsItsValue) {
   ScriptHost h;
   h.effect.Origin.SetValue(0.1, 0.2);
   h.effect.Mode.SetValue(2);
-  const Script script{{code("null"), 9.0}, {code("ORIY"), 1.4}, {code("INTE"), 4},
-                      {code("IMCO"), 0.0}, {code("MODE"), 0},   {code("MODE"), -1},
-                      {code("MODE"), 9},   {code("BLND"), 7.0}, {code("RALE"), 1.5},
-                      {code("COLG"), 1.5}, {0U, 0.9},           {0U, true},
-                      {code("RADI"), 7.5}, {code("GAMA"), -1.0}};
+  const Script script{
+      {code("null"), 9.0},      {code("ORIY"), 1.4},  {code("INTE"), 4},   {code("IMCO"), 0.0},
+      {code("MODE"), 0},        {code("MODE"), -1},   {code("MODE"), 9},   {code("BLND"), 7.0},
+      {code("RALE"), 1.5},      {code("COLG"), 1.5},  {0U, 0.9},           {0U, true},
+      {code("RADI"), 7.5},      {code("GAMA"), -1.0}, {code("HSLH"), NAN}, {code("ORIX"), INFINITY},
+      {code("COHB"), -INFINITY}};
   h.readScript(script);
   EXPECT_EQ(h.effect.ColorLow.value()[1] + h.effect.RayLength.value(), 3.0);  // without limits
   h.parameters.ValidateAll();

@@ -1,9 +1,11 @@
 // The thread pool and the log, on objects of their own.
 
 #include <atomic>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <functional>
+#include <new>
 #include <sstream>
 #include <thread>
 
@@ -24,11 +26,18 @@ std::int32_t iterate(ThreadPool& pool, std::int32_t iterations, Work work) {
   return pool.iterate(iterations, {&work, call});
 }
 
+// By how much a test is shorter here than in the long form.
+int shortened() {
+  constexpr int underSanitizer = RADIASHAFTS_SANITIZED ? 10 : 1;
+  return std::getenv("RADIASHAFTS_LONG") != nullptr ? 1 : underSanitizer;
+}
+
 TEST(ThreadPool, RunsEveryIterationOnceOnTheThreadsOfItsFirstInit) {
   for (const auto& [asked, threads] :
        {std::pair{-1, 1}, {0, 1}, {1, 1}, {2, 2}, {7, 7}, {64, 64}, {100, 64}}) {
     ThreadPool pool;
-    EXPECT_TRUE(pool.init(asked) && pool.init(9));
+    pool.init(asked);
+    pool.init(9);
     EXPECT_EQ(pool.threadCount(), threads);
     for (const int iterations : {0, 1, 5, 1000}) {
       std::vector<std::atomic<int>> runs(static_cast<std::size_t>(iterations));
@@ -51,7 +60,7 @@ TEST(ThreadPool, AStatusStopsItsOwnThreadAndOnlyTheCallersComesBack) {
   for (const auto& [threads, failing] :
        {std::pair{1, 0}, {2, 0}, {2, 1}, {7, 0}, {64, 0}, {64, 1}}) {
     ThreadPool pool;
-    ASSERT_TRUE(pool.init(threads));
+    pool.init(threads);
     std::atomic<int> failed{0}, others{0};
     const auto work = [&, bad = failing](std::int32_t, std::int32_t slot) {
       if (slot == bad) return ++failed, -128;
@@ -62,6 +71,49 @@ TEST(ThreadPool, AStatusStopsItsOwnThreadAndOnlyTheCallersComesBack) {
     EXPECT_EQ(failed, 1);
     EXPECT_GE(others, threads == 1 ? 0 : 198);
     EXPECT_EQ(iterate(pool, 3, [](std::int32_t, std::int32_t) { return 0; }), 0);
+  }
+}
+
+// Calls that are over before a worker is awake, and threads that all leave iterations behind.
+TEST(ThreadPool, EveryCallComesBackHoweverLateItsWorkersAre) {
+  for (const auto& [threads, calls] :
+       {std::pair{2, 100'000}, {3, 100'000}, {8, 5'000}, {64, 5'000}}) {
+    ThreadPool pool;
+    pool.init(threads);
+    std::atomic<int> entered{0};
+    const auto fail = [&](std::int32_t, std::int32_t) { return ++entered, -128; };
+    for (int call = 0; call < calls / shortened(); ++call) {
+      entered = 0;
+      ASSERT_EQ(iterate(pool, 1000, fail), -128);
+      const int inCall = entered;
+      ASSERT_TRUE(inCall >= 1 && inCall <= threads) << call;
+      // Between calls nobody is in a callback.
+      if (call % 8 == 0) std::this_thread::yield();
+      ASSERT_EQ(entered, inCall) << call;
+    }
+  }
+}
+
+TEST(ThreadPool, AnExceptionComesBackOnceAllThreadsAreDone) {
+  for (const auto& [threads, throwing] : {std::pair{1, 0}, {2, 0}, {2, 1}, {7, 3}}) {
+    ThreadPool pool;
+    pool.init(threads);
+    const ThreadPool::Attendance attendance(pool);
+    for (int call = 0; call < 100; ++call) {
+      std::atomic<int> inside{0};
+      std::atomic<bool> thrown{false};
+      const auto work = [&, bad = throwing](std::int32_t, std::int32_t slot) {
+        ++inside;
+        while (slot != bad && !thrown) std::this_thread::yield();
+        if (slot == bad) thrown = true;
+        --inside;
+        if (slot == bad) throw std::bad_alloc();
+        return 0;
+      };
+      EXPECT_THROW(iterate(pool, 200, work), std::bad_alloc);
+      EXPECT_EQ(inside, 0);
+      EXPECT_EQ(iterate(pool, 3, [](std::int32_t, std::int32_t) { return 0; }), 0);
+    }
   }
 }
 

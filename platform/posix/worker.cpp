@@ -2,8 +2,11 @@
 
 #include <condition_variable>
 #include <mutex>
+#include <new>
 #include <system_error>
 #include <thread>
+
+#include <unistd.h>
 
 namespace radiashafts::platform {
 
@@ -13,6 +16,7 @@ struct Worker::State {
   Function function = nullptr;  // not null while there is something to do
   void* context = nullptr;
   bool quit = false;
+  const pid_t process = getpid();
   std::thread thread;
 
   void main() {
@@ -35,18 +39,29 @@ Worker::~Worker() {
 }
 
 bool Worker::start() {
-  auto state = std::make_unique<State>();
+  stop();
   try {
+    auto state = std::make_unique<State>();
     state->thread = std::thread(&State::main, state.get());
+    state_ = std::move(state);
   } catch (const std::system_error&) {
     return false;
+  } catch (const std::bad_alloc&) {
+    return false;
   }
-  state_ = std::move(state);
   return true;
 }
 
+bool Worker::exists() const {
+  return state_ != nullptr && state_->process == getpid();
+}
+
+// What belongs to a thread of another process is left as it is: nobody answers there.
 void Worker::stop() {
-  if (state_ == nullptr) return;
+  if (!exists()) {
+    static_cast<void>(state_.release());
+    return;
+  }
   {
     const std::lock_guard lock(state_->mutex);
     state_->quit = true;

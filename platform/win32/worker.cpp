@@ -4,6 +4,8 @@
 #include "platform/worker.h"
 #include <windows.h>
 
+#include <new>
+
 #include "platform/win32/process_end.h"
 
 namespace radiashafts::platform {
@@ -46,10 +48,15 @@ Worker::~Worker() {
 }
 
 bool Worker::start() {
-  auto state = std::make_unique<State>();
-  if (!state->open()) return false;
+  stop();
+  std::unique_ptr<State> state(new (std::nothrow) State);
+  if (state == nullptr || !state->open()) return false;
   state_ = std::move(state);
   return true;
+}
+
+bool Worker::exists() const {
+  return state_ != nullptr;
 }
 
 void Worker::stop() {

@@ -274,7 +274,7 @@ TEST_F(Hosts, FiftyOpeningsLeaveNothingBehind) {
       traits.displayPixels = i % 2 == 0;
       const ModuleRun run = runModule(picture, nullptr, {}, traits);
       EXPECT_EQ(run.result.status, hostapi::userCanceledError);
-      EXPECT_EQ(run.result.leakedBuffers, 0);
+      EXPECT_EQ(run.result.leaked, 0);
     }
     Sleep(300);  // threads of the system's pools end in their own time
     return Usage();

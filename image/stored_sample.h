@@ -1,0 +1,23 @@
+// Samples in memory that the host has laid out.
+#pragma once
+
+#include "image/instruction_set.h"
+
+namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET {
+
+// A sample that may stand at any address: rows of a host need not begin where its type wants to.
+// Reads and writes cost what those of aligned samples do.
+template <class Sample>
+struct [[gnu::packed]] StoredSample {
+  operator Sample() const { return value; }
+  StoredSample& operator=(Sample sample) {
+    value = sample;
+    return *this;
+  }
+
+  Sample value;
+};
+
+static_assert(alignof(StoredSample<float>) == 1 && sizeof(StoredSample<float>) == sizeof(float));
+
+}  // namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <cstdlib>
+#include <iostream>
+
+namespace radiashafts::test {
+
+// Whether tests run in their long form.
+inline bool isLongTest() {
+  return std::getenv("RADIASHAFTS_LONG") != nullptr;
+}
+
+// The seed of random cases: that of the environment, which plays a failure again, or a new one.
+inline unsigned testSeed() {
+  const char* wanted = std::getenv("RADIASHAFTS_SEED");
+  const unsigned seed = wanted != nullptr ? static_cast<unsigned>(std::atoi(wanted)) : 1;
+  std::cout << "RADIASHAFTS_SEED=" << seed << '\n';
+  return seed;
+}
+
+}  // namespace radiashafts::test

@@ -1,0 +1,114 @@
+// Wine's own counters of a process's handles, memory and drawing objects answer nothing: here the
+// things themselves are counted.
+
+#include "tests/support/process_usage_win32.h"
+#include <windows.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <ostream>
+#include <vector>
+
+#include <tlhelp32.h>
+#include <winternl.h>
+
+namespace radiashafts::test {
+namespace {
+
+int threads() {
+  int count = 0;
+  const HANDLE snapshot = CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0);
+  THREADENTRY32 entry{};
+  entry.dwSize = sizeof entry;
+  for (BOOL more = Thread32First(snapshot, &entry); more != FALSE;
+       more = Thread32Next(snapshot, &entry)) {
+    if (entry.th32OwnerProcessID == GetCurrentProcessId()) ++count;
+  }
+  CloseHandle(snapshot);
+  return count;
+}
+
+// -1 where the system does not tell.
+int handles() {
+  struct Entry {
+    void* object;
+    std::uintptr_t process, handle;
+    std::uint32_t access;
+    std::uint16_t creator, type;
+    std::uint32_t attributes, reserved;
+  };
+  struct Table {
+    std::uintptr_t count, reserved;
+    Entry entries[1];
+  };
+  constexpr auto extendedHandleInformation = static_cast<SYSTEM_INFORMATION_CLASS>(64);
+  constexpr NTSTATUS tooSmall = static_cast<NTSTATUS>(0xC0000004);
+  std::vector<std::uintptr_t> memory(1U << 16);
+  NTSTATUS status = 0;
+  while ((status = NtQuerySystemInformation(extendedHandleInformation, memory.data(),
+                                            static_cast<ULONG>(memory.size() * sizeof memory[0]),
+                                            nullptr)) == tooSmall) {
+    memory.resize(memory.size() * 2);
+  }
+  if (status != 0) return -1;
+  const auto* table = reinterpret_cast<const Table*>(memory.data());
+  return static_cast<int>(
+      std::count_if(table->entries, table->entries + table->count,
+                    [](const Entry& entry) { return entry.process == GetCurrentProcessId(); }));
+}
+
+// In the table that every process can read.
+int drawingObjects() {
+  struct Entry {
+    std::uint64_t object;
+    std::uint16_t process, count, unique;
+    std::uint8_t type, flags;
+    std::uint64_t user;
+  };
+  constexpr std::size_t tableInProcessBlock = 0xF8;
+  PROCESS_BASIC_INFORMATION process{};
+  NtQueryInformationProcess(GetCurrentProcess(), ProcessBasicInformation, &process, sizeof process,
+                            nullptr);
+  const auto* block = reinterpret_cast<const std::uint8_t*>(process.PebBaseAddress);
+  const auto* table = *reinterpret_cast<const Entry* const*>(block + tableInProcessBlock);
+  return static_cast<int>(
+      std::count_if(table, table + 65536, [](const Entry& entry) { return entry.type != 0; }));
+}
+
+// Handles are given out from the lowest on, so that the highest of many new ones tells how many
+// there are.
+int windowObjects() {
+  constexpr int many = 2000;
+  std::vector<HMENU> menus(many);
+  int highest = 0;
+  for (HMENU& menu : menus) {
+    menu = CreateMenu();
+    highest = std::max<int>(highest, LOWORD(menu));
+  }
+  for (const HMENU menu : menus) DestroyMenu(menu);
+  return highest / 2 - many;
+}
+
+std::size_t privateMemory() {
+  std::size_t sum = 0;
+  MEMORY_BASIC_INFORMATION region{};
+  for (const std::uint8_t* at = nullptr; VirtualQuery(at, &region, sizeof region) != 0;
+       at += region.RegionSize) {
+    if (region.State == MEM_COMMIT && region.Type == MEM_PRIVATE) sum += region.RegionSize;
+  }
+  return sum;
+}
+
+}  // namespace
+
+std::ostream& operator<<(std::ostream& out, const ProcessUsage& usage) {
+  return out << usage.threads << " threads, " << usage.handles << " handles, "
+             << usage.drawingObjects << " drawing objects, " << usage.windowObjects
+             << " window objects, " << usage.memory << " bytes";
+}
+
+ProcessUsage processUsage() {
+  return {threads(), handles(), drawingObjects(), windowObjects(), privateMemory()};
+}
+
+}  // namespace radiashafts::test

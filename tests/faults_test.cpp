@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include "diagnostics/debug_log.h"
 #include "interface/preview.h"
 #include "interface/preview_view.h"
 #include "platform/pump.h"
@@ -14,6 +15,7 @@
 #include "tests/support/fake_interface.h"
 #include "tests/support/long_test.h"
 #include "tests/support/process_usage.h"
+#include "tests/support/test_folder.h"
 #include "tests/support/test_pictures.h"
 
 extern "C" void ENTRYPOINT(std::int16_t, void*, std::intptr_t*, std::int16_t*);
@@ -74,6 +76,7 @@ struct Scenario {
   int mode;
   bool preview;
   bool suites;
+  bool log = false;  // for which workers allocate
 };
 
 // What fails in a run.
@@ -100,6 +103,8 @@ class Rehearsal {
       : input_(randomPicture(random_, scenario.configuration, 48, 40)),
         mask_(randomMask(random_, 48, 40)),
         preview_(scenario.preview) {
+    static const TestFolder folder;
+    if (scenario.log) DebugLog::Instance().SetLogFile(folder.path("log.txt"));
     judge::Values values = randomValues(random_);
     values.mode = scenario.mode;
     script_ = scriptOf(values);
@@ -219,15 +224,15 @@ TEST_P(Faults, OfTheUsersPatienceEndTheRunAtOnce) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Runs, Faults,
-                         testing::Values(Scenario{18, 1, false, true}, Scenario{3, 2, false, false},
-                                         Scenario{15, 1, true, true},
+                         testing::Values(Scenario{18, 1, false, true, true},
+                                         Scenario{3, 2, false, false}, Scenario{15, 1, true, true},
                                          Scenario{10, 2, true, false}));
 
+// All have procs for handles: without them nobody can give back those of this host.
 standin::HostTraits randomTraits(Random& random) {
   const auto lacks = [&random] { return random() % 4 == 0; };
   standin::HostTraits traits;
   traits.suites = !lacks();
-  traits.handleProcs = !lacks();
   traits.sampling = !lacks();
   traits.descriptors = !lacks();
   traits.playInfo = lacks() ? hostapi::playDisplay : hostapi::playDontDisplay;

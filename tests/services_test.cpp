@@ -1,11 +1,11 @@
 // The thread pool and the log, on objects of their own.
 
 #include <atomic>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <functional>
 #include <new>
+#include <optional>
 #include <sstream>
 #include <thread>
 
@@ -13,6 +13,7 @@
 
 #include "diagnostics/debug_log.h"
 #include "services/thread_pool.h"
+#include "tests/support/long_test.h"
 
 namespace radiashafts {
 namespace {
@@ -24,12 +25,6 @@ std::int32_t iterate(ThreadPool& pool, std::int32_t iterations, Work work) {
     return (*static_cast<Work*>(context))(i, slot);
   };
   return pool.iterate(iterations, {&work, call});
-}
-
-// By how much a test is shorter here than in the long form.
-int shortened() {
-  constexpr int underSanitizer = RADIASHAFTS_SANITIZED ? 10 : 1;
-  return std::getenv("RADIASHAFTS_LONG") != nullptr ? 1 : underSanitizer;
 }
 
 TEST(ThreadPool, RunsEveryIterationOnceOnTheThreadsOfItsFirstInit) {
@@ -80,9 +75,12 @@ TEST(ThreadPool, EveryCallComesBackHoweverLateItsWorkersAre) {
        {std::pair{2, 100'000}, {3, 100'000}, {8, 5'000}, {64, 5'000}}) {
     ThreadPool pool;
     pool.init(threads);
+    // A worker that comes late for one call meets the next one only while they stay at hand.
+    std::optional<ThreadPool::Attendance> attendance(pool);
     std::atomic<int> entered{0};
     const auto fail = [&](std::int32_t, std::int32_t) { return ++entered, -128; };
-    for (int call = 0; call < calls / shortened(); ++call) {
+    for (int call = 0; call < test::shareOf(calls); ++call) {
+      if (call % 1000 == 999) attendance.emplace(pool);
       entered = 0;
       ASSERT_EQ(iterate(pool, 1000, fail), -128);
       const int inCall = entered;

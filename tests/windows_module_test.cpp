@@ -12,11 +12,10 @@
 #include <vector>
 
 #include <gtest/gtest.h>
-#include <psapi.h>
-#include <tlhelp32.h>
 
 #include "platform/module.h"
 #include "tests/support/module_under_test.h"
+#include "tests/support/process_usage.h"
 #include "tests/support/test_pictures.h"
 
 namespace radiashafts::test {
@@ -136,7 +135,7 @@ Bytes hex(const std::string& digits) {
 
 Bytes text(const std::string& characters, std::size_t zeros = 0) {
   Bytes bytes(characters.begin(), characters.end());
-  bytes.resize(bytes.size() + zeros);
+  bytes.insert(bytes.end(), zeros, 0);
   return bytes;
 }
 
@@ -293,30 +292,6 @@ TEST(StandInHost, DrawsPlanarPixelsWhereItIsAsked) {
   EXPECT_EQ(drawnPixels[1], RGB(21, 41, 61));
 }
 
-struct Usage {
-  int threads = 0;
-  DWORD handles = 0;
-  std::size_t memory = 0;
-};
-
-Usage usageNow() {
-  Usage usage;
-  const HANDLE snapshot = CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0);
-  THREADENTRY32 entry{};
-  entry.dwSize = sizeof entry;
-  for (BOOL more = Thread32First(snapshot, &entry); more != 0;
-       more = Thread32Next(snapshot, &entry)) {
-    if (entry.th32OwnerProcessID == GetCurrentProcessId()) ++usage.threads;
-  }
-  CloseHandle(snapshot);
-  GetProcessHandleCount(GetCurrentProcess(), &usage.handles);
-  PROCESS_MEMORY_COUNTERS_EX counters{};
-  GetProcessMemoryInfo(GetCurrentProcess(), reinterpret_cast<PROCESS_MEMORY_COUNTERS*>(&counters),
-                       sizeof counters);
-  usage.memory = counters.PrivateUsage;
-  return usage;
-}
-
 void loadRunUnload() {
   platform::Module module;
   ASSERT_TRUE(module.load(RADIASHAFTS_MODULE_PATH)) << module.error();
@@ -328,18 +303,25 @@ void loadRunUnload() {
   ASSERT_EQ(host.run(entry, {}, output).status, 0);
 }
 
+// The system lets go of idle threads in its own time.
+ProcessUsage usageAtRest(int threads) {
+  ProcessUsage usage = processUsage();
+  for (int wait = 0; wait < 600 && usage.threads > threads; ++wait) {
+    Sleep(100);
+    usage = processUsage();
+  }
+  return usage;
+}
+
 TEST(WindowsModule, ComesAndGoesAHundredTimesAndLeavesNothing) {
   for (int i = 0; i < 10; ++i) loadRunUnload();
-  const HMODULE stays = GetModuleHandleA("radiashafts.dll");
-  EXPECT_EQ(stays, nullptr) << "still loaded";
-  Sleep(500);  // the system lets go of idle threads in its own time
-  const Usage before = usageNow();
+  EXPECT_EQ(GetModuleHandleA("radiashafts.dll"), nullptr) << "still loaded";
+  const ProcessUsage before = usageAtRest(1);
   for (int i = 0; i < 100; ++i) loadRunUnload();
-  Sleep(500);
-  const Usage after = usageNow();
-  EXPECT_LE(after.threads, before.threads + 1);
-  EXPECT_LE(after.handles, before.handles + 5);
-  EXPECT_LE(after.memory, before.memory + (1U << 20));
+  const ProcessUsage after = usageAtRest(before.threads);
+  EXPECT_LE(after.threads, before.threads);
+  EXPECT_LE(after.handles, before.handles);
+  EXPECT_LE(after.memory, before.memory + (std::size_t{256} << 10));
 }
 
 // The workers are gone by the time the module hears of the end, and nobody waits for them.

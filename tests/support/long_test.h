@@ -10,6 +10,11 @@ inline bool isLongTest() {
   return std::getenv("RADIASHAFTS_LONG") != nullptr;
 }
 
+// A number of rounds in the long form, or the share of it that this build does in the short one.
+inline int shareOf(int rounds) {
+  return isLongTest() ? rounds : rounds / RADIASHAFTS_TEST_SHARE;
+}
+
 // The seed of random cases: that of the environment, which plays a failure again, or a new one.
 inline unsigned testSeed() {
   const char* wanted = std::getenv("RADIASHAFTS_SEED");

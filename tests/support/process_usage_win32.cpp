@@ -1,7 +1,6 @@
 // Wine's own counters of a process's handles, memory and drawing objects answer nothing: here the
 // things themselves are counted.
 
-#include "tests/support/process_usage_win32.h"
 #include <windows.h>
 
 #include <algorithm>
@@ -11,6 +10,8 @@
 
 #include <tlhelp32.h>
 #include <winternl.h>
+
+#include "tests/support/process_usage.h"
 
 namespace radiashafts::test {
 namespace {

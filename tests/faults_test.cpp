@@ -150,8 +150,8 @@ class Rehearsal {
 
 class Faults : public testing::TestWithParam<Scenario> {
  protected:
-  // Runs with the failure at 1, 2, 3 ... until one passes untouched; each is followed by a run that
-  // nothing happens to. Returns how many were touched.
+  // Runs with the failure at 1, 2, 3 ... until one passes untouched; one that ends early is
+  // followed by one that nothing happens to. Returns how many were touched.
   int countUp(const std::function<Failure(int at)>& failureAt, int expectedStatus,
               const std::function<bool()>& touched) {
     for (int at = 1;; ++at) {
@@ -162,8 +162,7 @@ class Faults : public testing::TestWithParam<Scenario> {
         return at - 1;
       }
       EXPECT_TRUE(status == expectedStatus || status == 0) << status;
-      EXPECT_EQ(rehearsal_.run({}), 0);
-      if (HasFailure()) return at;
+      if (HasFailure() || (status != 0 && rehearsal_.run({}) != 0)) return ADD_FAILURE(), at;
     }
   }
 
@@ -272,7 +271,9 @@ TEST(Soak, ManyRunsLeaveTheProcessAsTheFirstOnesDid) {
   const ProcessUsage after = processUsage();
   EXPECT_LE(after.threads, before.threads);
   EXPECT_LE(after.handles, before.handles);
-  EXPECT_LE(after.memory, before.memory + (std::size_t{4} << 20));
+  if (!isSanitized) {  // sanitizers keep memory of their own
+    EXPECT_LE(after.memory, before.memory + (std::size_t{1} << 20));
+  }
 }
 
 }  // namespace

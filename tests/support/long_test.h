@@ -15,6 +15,12 @@ inline int shareOf(int rounds) {
   return isLongTest() ? rounds : rounds / RADIASHAFTS_TEST_SHARE;
 }
 
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+inline constexpr bool isSanitized = true;
+#else
+inline constexpr bool isSanitized = false;
+#endif
+
 // The seed of random cases: that of the environment, which plays a failure again, or a new one.
 inline unsigned testSeed() {
   const char* wanted = std::getenv("RADIASHAFTS_SEED");

@@ -1,11 +1,8 @@
-// Hosts and pictures of every kind under the dialogs, and what many openings leave behind.
+// Hosts and pictures of every kind under the dialogs.
 
 #include <windows.h>
 
-#include <algorithm>
 #include <atomic>
-
-#include <winternl.h>
 
 #include "interface/dialog_ids.h"
 #include "tests/dialogs/dialog_test.h"
@@ -180,116 +177,6 @@ TEST_F(Hosts, TheOwnerRestsUnderTheDialogsAndItsEndIsCancel) {
     EXPECT_EQ(awake, !ends);
     EXPECT_EQ(quitCode, ends ? 7 : -1);
   }
-}
-
-// The system's own counters answer nothing here: the counts are taken from the handles themselves.
-
-// In the table that every process can read.
-int drawingObjects() {
-  struct Entry {
-    std::uint64_t object;
-    std::uint16_t process, count, unique;
-    std::uint8_t type, flags;
-    std::uint64_t user;
-  };
-  constexpr std::size_t tableInProcessBlock = 0xF8;
-  PROCESS_BASIC_INFORMATION process{};
-  NtQueryInformationProcess(GetCurrentProcess(), ProcessBasicInformation, &process, sizeof process,
-                            nullptr);
-  const auto* block = reinterpret_cast<const std::uint8_t*>(process.PebBaseAddress);
-  const auto* table = *reinterpret_cast<const Entry* const*>(block + tableInProcessBlock);
-  return static_cast<int>(
-      std::count_if(table, table + 65536, [](const Entry& entry) { return entry.type != 0; }));
-}
-
-// Of the whole desktop: handles are given out from the lowest on, so that the highest of many new
-// ones tells how many there are.
-int windowObjects() {
-  constexpr int many = 2000;
-  std::vector<HMENU> menus(many);
-  int highest = 0;
-  for (HMENU& menu : menus) {
-    menu = CreateMenu();
-    highest = std::max<int>(highest, LOWORD(menu));
-  }
-  for (const HMENU menu : menus) DestroyMenu(menu);
-  return highest / 2 - many;
-}
-
-std::size_t privateMemory() {
-  std::size_t sum = 0;
-  MEMORY_BASIC_INFORMATION region{};
-  for (const std::uint8_t* at = nullptr; VirtualQuery(at, &region, sizeof region) != 0;
-       at += region.RegionSize) {
-    if (region.State == MEM_COMMIT && region.Type == MEM_PRIVATE) sum += region.RegionSize;
-  }
-  return sum;
-}
-
-struct Usage {
-  int drawing = drawingObjects();
-  int window = windowObjects();
-  std::size_t memory = privateMemory();
-};
-
-std::ostream& operator<<(std::ostream& out, const Usage& usage) {
-  return out << usage.drawing << " drawing objects, " << usage.window << " window objects, "
-             << usage.memory << " bytes";
-}
-
-TEST_F(Hosts, FiftyOpeningsLeaveNothingBehind) {
-  const standin::Picture picture = placesPicture(300, 200);
-  std::atomic<bool> done{false};
-  std::atomic<int> opened{0};
-  // The user who sees the dialogs, and the preview with a picture in it, and presses Escape.
-  std::thread user([&] {
-    while (!done) {
-      const HWND panel = FindWindowA("#32770", "Radiashafts  V1.22 ~ www.halvorsund.example");
-      if (panel == nullptr || IsWindowVisible(panel) == FALSE) {
-        Sleep(2);
-        continue;
-      }
-      const HWND preview = GetWindow(panel, GW_OWNER);
-      eventually([preview] { return IsWindowVisible(preview) != FALSE; }, 2000);
-      PostMessageA(panel, WM_COMMAND, ID_UNDO, 0);
-      for (const int id : {ID_ZOOM_OUT, ID_ZOOM_IN, ID_RESET, ID_HIDE_HANDLE, ID_HIDE_HANDLE}) {
-        SendMessageTimeoutA(panel, WM_COMMAND, static_cast<WPARAM>(id), 0, SMTO_NORMAL, 2000,
-                            nullptr);
-        Sleep(5);
-      }
-      ++opened;
-      eventually(
-          [panel] {
-            PostMessageA(GetDlgItem(panel, IDCANCEL), WM_KEYDOWN, VK_ESCAPE, 1);
-            Sleep(10);
-            return IsWindow(panel) == FALSE;
-          },
-          20000);
-    }
-  });
-  const auto openAndClose = [&](int times) {
-    for (int i = 0; i < times; ++i) {
-      standin::HostTraits traits;
-      traits.playInfo = hostapi::playDisplay;
-      traits.displayPixels = i % 2 == 0;
-      const ModuleRun run = runModule(picture, nullptr, {}, traits);
-      EXPECT_EQ(run.result.status, hostapi::userCanceledError);
-      EXPECT_EQ(run.result.leaked, 0);
-    }
-    Sleep(300);  // threads of the system's pools end in their own time
-    return Usage();
-  };
-  const Usage before = openAndClose(5);
-  const Usage after = openAndClose(50);
-  done = true;
-  user.join();
-  SCOPED_TRACE(testing::Message() << "before: " << before << "; after: " << after);
-  EXPECT_EQ(opened, 55);
-  EXPECT_GT(before.drawing, 0);
-  EXPECT_LE(after.drawing, before.drawing);
-  EXPECT_LE(after.window, before.window + 2);
-  EXPECT_LE(after.memory, before.memory + (1U << 20));
-  std::cout << "before: " << before << "\nafter:  " << after << '\n';
 }
 
 }  // namespace

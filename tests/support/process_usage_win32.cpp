@@ -77,7 +77,7 @@ int drawingObjects() {
 }
 
 // Handles are given out from the lowest on, so that the highest of many new ones tells how many
-// there are.
+// there are. Handles that others have just given back still count.
 int windowObjects() {
   constexpr int many = 2000;
   std::vector<HMENU> menus(many);

@@ -76,18 +76,23 @@ int drawingObjects() {
       std::count_if(table, table + 65536, [](const Entry& entry) { return entry.type != 0; }));
 }
 
-// Handles are given out from the lowest on, so that the highest of many new ones tells how many
-// there are. Handles that others have just given back still count.
-int windowObjects() {
-  constexpr int many = 2000;
-  std::vector<HMENU> menus(many);
-  int highest = 0;
-  for (HMENU& menu : menus) {
-    menu = CreateMenu();
-    highest = std::max<int>(highest, LOWORD(menu));
-  }
-  for (const HMENU menu : menus) DestroyMenu(menu);
-  return highest / 2 - many;
+BOOL CALLBACK countWindow(HWND window, LPARAM count) {
+  DWORD process = 0;
+  GetWindowThreadProcessId(window, &process);
+  if (process == GetCurrentProcessId()) ++*reinterpret_cast<int*>(count);
+  return TRUE;
+}
+
+BOOL CALLBACK countWithChildren(HWND window, LPARAM count) {
+  EnumChildWindows(window, countWindow, count);
+  return countWindow(window, count);
+}
+
+// Icons and cursors, which are not windows, hold drawing objects.
+int windows() {
+  int count = 0;
+  EnumWindows(countWithChildren, reinterpret_cast<LPARAM>(&count));
+  return count;
 }
 
 std::size_t privateMemory() {
@@ -104,12 +109,12 @@ std::size_t privateMemory() {
 
 std::ostream& operator<<(std::ostream& out, const ProcessUsage& usage) {
   return out << usage.threads << " threads, " << usage.handles << " handles, "
-             << usage.drawingObjects << " drawing objects, " << usage.windowObjects
-             << " window objects, " << usage.memory << " bytes";
+             << usage.drawingObjects << " drawing objects, " << usage.windows << " windows, "
+             << usage.memory << " bytes";
 }
 
 ProcessUsage processUsage() {
-  return {threads(), handles(), drawingObjects(), windowObjects(), privateMemory()};
+  return {threads(), handles(), drawingObjects(), windows(), privateMemory()};
 }
 
 }  // namespace radiashafts::test

@@ -1,17 +1,22 @@
 // Calls from the module into its host.
 #pragma once
 
-#include "platform/floating_point.h"
+#include <cstdint>
 
 namespace radiashafts::platform {
 
-// Stands around a call into the host, which may leave another floating-point state behind.
+// Stands around a call into the host. Where the calling thread shows windows of the module's own
+// style, the host gets its own style back meanwhile; the floating-point state that it leaves behind
+// is set right.
 class HostCall {
  public:
-  HostCall() = default;
-  ~HostCall() { setDefaultFloatingPoint(); }
+  HostCall();
+  ~HostCall();
   HostCall(const HostCall&) = delete;
   HostCall& operator=(const HostCall&) = delete;
+
+ private:
+  std::uintptr_t cookie_ = 0;
 };
 
 // Calls a proc of the host and gives its answer.

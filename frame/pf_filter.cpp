@@ -105,7 +105,7 @@ std::int32_t pfFilter::PumpMessages(std::int32_t threadIndex) {
     lastLook = std::chrono::steady_clock::now();
     if (!open) endedRender = nRenderStartTick;
   }
-  if (endedRender == nRenderStartTick) return -1;  // workers learn of it too
+  if (bInterfaceEnded || endedRender == nRenderStartTick) return -1;  // workers learn of it too
   const bool superseded =
       bRenderPending && bLivePreview && platform::tickCount() - nRenderStartTick >= undisturbed;
   return superseded ? hostapi::userCanceledError : NoErrorCode();

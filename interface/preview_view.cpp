@@ -18,6 +18,7 @@ void PreviewView::open(EditedFilter* filter, hostapi::FilterRecord* record) {
   nDraftLevel = 0;
   geometry_ = {};
   settled_.reset();
+  hostDraws_ = record->displayPixels != nullptr;
 }
 
 void PreviewView::close() {
@@ -146,6 +147,13 @@ void PreviewView::releaseBitmap() {
   windows_.bitmapChanged();
   filter_->Free(bitmap_);
   bitmap_ = nullptr;
+}
+
+void PreviewView::drawWithoutHost() {
+  hostDraws_ = false;
+  if (!bBitmapValid) return;
+  bBitmapValid = false;
+  RequestRender();
 }
 
 bool PreviewView::needsRender() const {

@@ -54,7 +54,10 @@ class PreviewView {
   bool hasBitmap() const { return bBitmapValid; }
   const std::uint8_t* bitmap() const { return bitmap_; }
   Extent bitmapSize() const { return {nBitmapWidth, nBitmapHeight}; }
-  bool hostDraws() const { return record_->displayPixels != nullptr; }
+  // Whether the host brings the bitmap to the screen; the bitmap's order goes by it.
+  bool hostDraws() const { return hostDraws_; }
+  // It cannot: what it was given is rendered anew.
+  void drawWithoutHost();
 
  private:
   bool fetch(std::int32_t renderFactor);
@@ -84,6 +87,7 @@ class PreviewView {
   std::int32_t nBitmapWidth = 0;
   std::int32_t nBitmapHeight = 0;
   bool bBitmapValid = false;
+  bool hostDraws_ = false;
 };
 
 }  // namespace radiashafts

@@ -1,6 +1,7 @@
 #include "diagnostics/debug_log.h"
 #include "interface/dialog_ids.h"
 #include "interface/preview.h"
+#include "interface/win32/interface_end.h"
 #include "interface/win32/visual_style.h"
 
 namespace radiashafts {
@@ -9,7 +10,7 @@ namespace {
 // Every render is a full one.
 constexpr char licenceStatus[] = "full version";
 
-INT_PTR CALLBACK AboutProcedure(HWND dialog, UINT message, WPARAM w, LPARAM l) {
+INT_PTR AboutProcedure(HWND dialog, UINT message, WPARAM w, LPARAM l) {
   switch (message) {
     case WM_INITDIALOG: {
       const std::string text = *reinterpret_cast<const std::string*>(l) + "\n" + licenceStatus;
@@ -29,8 +30,13 @@ INT_PTR CALLBACK AboutProcedure(HWND dialog, UINT message, WPARAM w, LPARAM l) {
 void ShowAbout(const std::string& text) {
   trace("ShowAbout()");
   const VisualStyle style;
-  DialogBoxParamA(moduleInstance(), MAKEINTRESOURCEA(ID_ABOUT_DIALOG), nullptr, AboutProcedure,
-                  reinterpret_cast<LPARAM>(&text));
+  interfaceEnd().reset();
+  {
+    const SystemDialog dialog;
+    DialogBoxParamA(moduleInstance(), MAKEINTRESOURCEA(ID_ABOUT_DIALOG), nullptr,
+                    windowProcedure<AboutProcedure>, reinterpret_cast<LPARAM>(&text));
+  }
+  interfaceEnd().rethrow();
 }
 
 }  // namespace radiashafts

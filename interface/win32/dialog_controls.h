@@ -8,6 +8,22 @@
 
 namespace radiashafts {
 
+// Of a window that paints what is invalid in it.
+class PaintContext {
+ public:
+  explicit PaintContext(HWND window) : window_(window), context_(BeginPaint(window, &paint_)) {}
+  ~PaintContext() { EndPaint(window_, &paint_); }
+  PaintContext(const PaintContext&) = delete;
+  PaintContext& operator=(const PaintContext&) = delete;
+
+  HDC get() const { return context_; }
+
+ private:
+  HWND window_;
+  PAINTSTRUCT paint_;
+  HDC context_;
+};
+
 class DialogControls final : public ControlPanel {
  public:
   void attach(HWND dialog, Extent imageSize) {

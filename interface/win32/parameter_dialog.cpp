@@ -8,11 +8,12 @@
 #include "interface/dialog_ids.h"
 #include "interface/live_preview.h"
 #include "interface/remembered_settings.h"
+#include "interface/win32/interface_end.h"
 #include "interface/win32/preview_win32.h"
 
 namespace radiashafts {
 
-INT_PTR CALLBACK pfPreviewWin32::UIProcedure(HWND dialog, UINT message, WPARAM w, LPARAM l) {
+INT_PTR pfPreviewWin32::UIProcedure(HWND dialog, UINT message, WPARAM w, LPARAM l) {
   if (message == WM_INITDIALOG) {
     SetWindowLongPtrA(dialog, DWLP_USER, l);
     reinterpret_cast<pfPreviewWin32*>(l)->m_hInterface = dialog;
@@ -30,13 +31,9 @@ INT_PTR pfPreviewWin32::onInterfaceMessage(UINT message, WPARAM w, LPARAM l) {
     case WM_DESTROY:
       onInterfaceCloses();
       return TRUE;
-    case WM_PAINT: {
-      PAINTSTRUCT paint;
-      const HDC context = BeginPaint(m_hInterface, &paint);
-      PaintSwatches(context);
-      EndPaint(m_hInterface, &paint);
+    case WM_PAINT:
+      PaintSwatches(PaintContext(m_hInterface).get());
       return TRUE;
-    }
     case WM_CTLCOLOREDIT:
     case WM_CTLCOLORLISTBOX: {
       const auto context = reinterpret_cast<HDC>(w);
@@ -112,12 +109,12 @@ void pfPreviewWin32::onCommand(int id, int notification) {
     case IDOK:
       if (!clicked) return;
       trace("UIProcedure - WM_COMMAND OK pressed.");
-      quit(true);
+      interfaceEnd().ask(true);
       return;
     case IDCANCEL:
       if (!clicked) return;
       trace("UIProcedure - WM_COMMAND CANCEL pressed.");
-      quit(false);
+      interfaceEnd().ask(false);
       return;
     case ID_PRESETS:
       if (notification != CBN_SELCHANGE) return;

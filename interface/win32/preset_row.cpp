@@ -8,6 +8,7 @@
 #include <commdlg.h>
 
 #include "interface/dialog_ids.h"
+#include "interface/win32/interface_end.h"
 #include "interface/win32/preview_win32.h"
 #include "interface/win32/visual_style.h"
 
@@ -36,7 +37,7 @@ struct SaveAsRequest {
   std::string agreed;  // empty until OK: the interface's end closes the dialog without a button
 };
 
-INT_PTR CALLBACK SaveAsProcedure(HWND dialog, UINT message, WPARAM w, LPARAM l) {
+INT_PTR SaveAsProcedure(HWND dialog, UINT message, WPARAM w, LPARAM l) {
   const HWND edit = GetDlgItem(dialog, ID_SETTING_NAME);
   const auto askAgain = [edit] {
     SetFocus(edit);
@@ -142,6 +143,7 @@ std::optional<std::string> pfPreviewWin32::choosePresetFile(const std::string& p
   request.lpstrDefExt = "cfg";
   request.Flags = OFN_HIDEREADONLY | OFN_EXPLORER | OFN_LONGNAMES | OFN_ENABLESIZING;
   const WorkingDirectory hosts;
+  const SystemDialog dialog;
   bool chosen = GetOpenFileNameA(&request) != FALSE;
   if (!chosen && CommDlgExtendedError() == FNERR_INVALIDFILENAME) {
     text.fill('\0');  // no path to begin with
@@ -153,17 +155,20 @@ std::optional<std::string> pfPreviewWin32::choosePresetFile(const std::string& p
 std::string pfPreviewWin32::askPresetName(const std::string& proposed) {
   if (m_hInterface == nullptr) return {};
   SaveAsRequest request{&presets_, proposed, {}};
+  const SystemDialog dialog;
   const INT_PTR result =
       DialogBoxParamA(moduleInstance(), MAKEINTRESOURCEA(ID_SAVE_AS_DIALOG), m_hInterface,
-                      SaveAsProcedure, reinterpret_cast<LPARAM>(&request));
+                      windowProcedure<SaveAsProcedure>, reinterpret_cast<LPARAM>(&request));
   return result == -1 ? std::string() : request.agreed;
 }
 
 bool pfPreviewWin32::confirm(const char* text, const char* caption) {
+  const SystemDialog dialog;
   return MessageBoxA(m_hInterface, text, caption, MB_YESNO | MB_ICONQUESTION) == IDYES;
 }
 
 void pfPreviewWin32::complain(const std::string& text, const char* caption) {
+  const SystemDialog dialog;
   MessageBoxA(m_hInterface, text.c_str(), caption, MB_OK | MB_ICONEXCLAMATION);
 }
 

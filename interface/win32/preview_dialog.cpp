@@ -8,11 +8,12 @@
 
 #include "interface/dialog_ids.h"
 #include "interface/remembered_settings.h"
+#include "interface/win32/interface_end.h"
 #include "interface/win32/preview_win32.h"
 
 namespace radiashafts {
 
-INT_PTR CALLBACK pfPreviewWin32::PreviewProcedure(HWND dialog, UINT message, WPARAM w, LPARAM l) {
+INT_PTR pfPreviewWin32::PreviewProcedure(HWND dialog, UINT message, WPARAM w, LPARAM l) {
   if (message == WM_INITDIALOG) {
     SetWindowLongPtrA(dialog, DWLP_USER, l);
     reinterpret_cast<pfPreviewWin32*>(l)->m_hPreview = dialog;
@@ -31,7 +32,7 @@ INT_PTR pfPreviewWin32::onPreviewMessage(UINT message, WPARAM w, LPARAM l) {
       onPreviewCloses();
       return TRUE;
     case WM_CLOSE:  // as Cancel
-      quit(false);
+      interfaceEnd().ask(false);
       return TRUE;
     case WM_SIZE:
       if (w != SIZE_MINIMIZED) onSize();
@@ -125,15 +126,12 @@ void pfPreviewWin32::onKey(WPARAM key) {
 }
 
 void pfPreviewWin32::PaintPreview() {
-  PAINTSTRUCT paint;
-  const HDC context = BeginPaint(m_hPreview, &paint);
-  if (view_.isOpen()) {
-    std::optional<std::array<double, 2>> light;
-    const pfParameterPosition* origin = editing_.FindOriginParameter();
-    if (bShowHandle && origin != nullptr) light = origin->value();
-    painting_.paint(context, view_, light);
-  }
-  EndPaint(m_hPreview, &paint);
+  const PaintContext context(m_hPreview);
+  if (!view_.isOpen()) return;
+  std::optional<std::array<double, 2>> light;
+  const pfParameterPosition* origin = editing_.FindOriginParameter();
+  if (bShowHandle && origin != nullptr) light = origin->value();
+  painting_.paint(context.get(), view_, light);
 }
 
 }  // namespace radiashafts

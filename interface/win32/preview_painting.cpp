@@ -4,9 +4,12 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <vector>
 
 #include "diagnostics/debug_log.h"
 #include "hostapi/constants.h"
+#include "interface/host_drawing.h"
+#include "platform/host_call.h"
 
 namespace radiashafts {
 namespace {
@@ -87,6 +90,25 @@ void copyPixels(const Surface& buffer, const Box& to, const Box& from, const voi
   }
 }
 
+// Red, green, blue, rows from the top.
+hostapi::OSErr drawByHost(const hostapi::FilterRecord& record, const std::uint8_t* pixels,
+                          const Surface& surface) {
+  const Extent size = surface.size();
+  hostapi::PSPixelMap map{};
+  map.version = 1;
+  map.bounds = {0, 0, size.height, size.width};
+  map.imageMode = hostapi::modeRGB;
+  map.rowBytes = size.width * 3;
+  map.colBytes = 3;
+  map.planeBytes = 1;
+  map.baseAddr = const_cast<std::uint8_t*>(pixels);
+  const hostapi::VRect whole = map.bounds;
+  const hostapi::OSErr error =
+      platform::callHost(record.displayPixels, &map, &whole, 0, 0, surface.context());
+  GdiFlush();
+  return error;
+}
+
 void show(const Surface& buffer, HDC screen) {
   const Extent size = buffer.size();
   BitBlt(screen, 0, 0, size.width, size.height, buffer.context(), 0, 0, SRCCOPY);
@@ -104,6 +126,18 @@ Surface::~Surface() {
   SelectObject(context_, previous_);
   DeleteObject(bitmap_);
   DeleteDC(context_);
+}
+
+bool hostDrawsAsTold(const hostapi::FilterRecord& record) {
+  if (record.displayPixels == nullptr) return false;
+  const Surface surface(describe(sampleWidth, sampleHeight, 24));
+  if (!surface.isUsable()) return false;
+  const std::vector<std::uint8_t> sample = drawingSample();
+  const hostapi::OSErr error = drawByHost(record, sample.data(), surface);
+  if (error == 0 && showsSample(static_cast<const std::uint8_t*>(surface.bits()))) return true;
+  logLine(severityWarning, warningMarker,
+          "displayPixels does not draw the pixels that it is given. Code(", error, ")");
+  return false;
 }
 
 const Surface& PreviewPainting::bufferFor(Extent frame) {
@@ -158,27 +192,21 @@ void PreviewPainting::paint(HDC screen, PreviewView& view,
   if (buffer.isUsable()) show(buffer, screen);
 }
 
-const void* PreviewPainting::bitsOf(const PreviewView& view, const BITMAPINFO& info) {
+const void* PreviewPainting::bitsOf(PreviewView& view, const BITMAPINFO& info) {
   return view.hostDraws() ? drawnByHost(view, info) : view.bitmap();
 }
 
-const void* PreviewPainting::drawnByHost(const PreviewView& view, const BITMAPINFO& info) {
+const void* PreviewPainting::drawnByHost(PreviewView& view, const BITMAPINFO& info) {
   const Extent size = view.bitmapSize();
   if (hostHasDrawn_ && hostSurface_) return hostSurface_->bits();
   if (!hostSurface_ || hostSurface_->size() != size) hostSurface_.emplace(info);
   if (!hostSurface_->isUsable()) return nullptr;
 
-  hostapi::PSPixelMap map{};
-  map.version = 1;
-  map.bounds = {0, 0, size.height, size.width};
-  map.imageMode = hostapi::modeRGB;
-  map.rowBytes = size.width * 3;
-  map.colBytes = 3;
-  map.planeBytes = 1;
-  map.baseAddr = const_cast<std::uint8_t*>(view.bitmap());
-  const hostapi::VRect whole = map.bounds;
-  view.record().displayPixels(&map, &whole, 0, 0, hostSurface_->context());
-  GdiFlush();
+  if (const auto error = drawByHost(view.record(), view.bitmap(), *hostSurface_); error != 0) {
+    logLine(severityWarning, warningMarker, "displayPixels failed. Code(", error, ")");
+    view.drawWithoutHost();
+    return nullptr;
+  }
   hostHasDrawn_ = true;
   return hostSurface_->bits();
 }

@@ -30,6 +30,10 @@ class Surface {
   HGDIOBJ previous_;
 };
 
+// Has the host draw a sample and tells whether it draws what it is given, in the log as well: it
+// may draw by its own document's format.
+bool hostDrawsAsTold(const hostapi::FilterRecord& record);
+
 class PreviewPainting {
  public:
   PreviewPainting() = default;
@@ -47,8 +51,8 @@ class PreviewPainting {
 
  private:
   const Surface& bufferFor(Extent frame);
-  const void* bitsOf(const PreviewView& view, const BITMAPINFO& info);
-  const void* drawnByHost(const PreviewView& view, const BITMAPINFO& info);
+  const void* bitsOf(PreviewView& view, const BITMAPINFO& info);
+  const void* drawnByHost(PreviewView& view, const BITMAPINFO& info);
 
   // Both stay from one painting to the next of their size.
   std::optional<Surface> buffer_;  // of the frame, so that nothing flickers on the screen

@@ -9,16 +9,11 @@
 #include "interface/dialog_ids.h"
 #include "interface/live_preview.h"
 #include "interface/remembered_settings.h"
+#include "interface/win32/interface_end.h"
 #include "interface/win32/visual_style.h"
 
 namespace radiashafts {
 namespace {
-
-HWND ownerWindow(const hostapi::FilterRecord& record) {
-  if (record.platformData == nullptr) return nullptr;
-  const auto window = static_cast<HWND>(record.platformData->ownerWindow);
-  return IsWindow(window) != FALSE ? window : nullptr;
-}
 
 void setIcon(HWND dialog) {
   const auto load = [](int metric) {
@@ -41,24 +36,45 @@ std::unique_ptr<pfPreview> MakePreview() {
   return std::make_unique<pfPreviewWin32>();
 }
 
+// From the opening of the interface to its end, however that comes.
+class pfPreviewWin32::Opening {
+ public:
+  Opening(pfPreviewWin32& preview, EditedFilter* filter, hostapi::FilterRecord* record)
+      : preview_(preview) {
+    interfaceEnd().reset();
+    preview.closing_ = false;
+    preview.view_.open(filter, record);
+    preview.presets_.open(filter);
+  }
+  ~Opening() {
+    preview_.closeDialogs();
+    preview_.view_.close();
+    platform::setDefaultFloatingPoint();
+  }
+  Opening(const Opening&) = delete;
+  Opening& operator=(const Opening&) = delete;
+
+ private:
+  pfPreviewWin32& preview_;
+};
+
 bool pfPreviewWin32::Show(EditedFilter* filter, hostapi::FilterRecord* record,
                           WidgetList* widgets) {
   trace("pfPreviewWin32::Show( pFilter(0x", static_cast<void*>(filter), "), pFilterRecord(0x",
         static_cast<void*>(record), ") )");
   const LogIndent indent;
   const VisualStyle style;
-  closing_ = quitting_ = confirmed_ = gone_ = false;
-  view_.open(filter, record);
-  presets_.open(filter);
   bool confirmed = false;
-  if (openDialogs(widgets)) {
-    restOwner();
-    prepare();
-    confirmed = runMessageLoop();
+  {
+    const Opening opening(*this, filter, record);
+    if (openDialogs(widgets)) {
+      hostWindow_.rest();
+      prepare();
+      confirmed = runMessageLoop();
+    }
   }
-  closeDialogs();
+  interfaceEnd().rethrow();
   if (confirmed) WriteLastUsedSettings(filter->parameters);
-  view_.close();
   trace("pfPreviewWin32::Show( return(", confirmed, ") )");
   return confirmed;
 }
@@ -66,16 +82,18 @@ bool pfPreviewWin32::Show(EditedFilter* filter, hostapi::FilterRecord* record,
 // The system's own class icons and cursors are the host's too and are left alone; each dialog has
 // its own.
 bool pfPreviewWin32::openDialogs(WidgetList* widgets) {
-  m_hPreview = CreateDialogParamA(moduleInstance(), MAKEINTRESOURCEA(ID_PREVIEW_DIALOG),
-                                  ownerWindow(view_.record()), PreviewProcedure,
-                                  reinterpret_cast<LPARAM>(this));
+  if (!hostDrawsAsTold(view_.record())) view_.drawWithoutHost();
+  m_hPreview = CreateDialogParamA(
+      moduleInstance(), MAKEINTRESOURCEA(ID_PREVIEW_DIALOG), hostWindow_.ownerFor(view_.record()),
+      windowProcedure<PreviewProcedure>, reinterpret_cast<LPARAM>(this));
   if (m_hPreview == nullptr) {
     logNoDialog("Preview");
     return false;
   }
   setIcon(m_hPreview);
-  m_hInterface = CreateDialogParamA(moduleInstance(), MAKEINTRESOURCEA(ID_PARAMETER_DIALOG),
-                                    m_hPreview, UIProcedure, reinterpret_cast<LPARAM>(this));
+  m_hInterface =
+      CreateDialogParamA(moduleInstance(), MAKEINTRESOURCEA(ID_PARAMETER_DIALOG), m_hPreview,
+                         windowProcedure<UIProcedure>, reinterpret_cast<LPARAM>(this));
   if (m_hInterface == nullptr) {
     logNoDialog("Interface");
     return false;
@@ -83,9 +101,10 @@ bool pfPreviewWin32::openDialogs(WidgetList* widgets) {
   setIcon(m_hInterface);
   pickerCursor_ = static_cast<HCURSOR>(LoadImageA(
       moduleInstance(), MAKEINTRESOURCEA(ID_PIPETTE_CURSOR), IMAGE_CURSOR, 0, 0, LR_DEFAULTSIZE));
+  platform::setDefaultFloatingPoint();
   view_.FitScaleToFrame();
   editing_.open(widgets, &controls_);
-  return true;
+  return !interfaceEnd().hasCome();
 }
 
 void pfPreviewWin32::prepare() {
@@ -106,33 +125,41 @@ void pfPreviewWin32::prepare() {
 }
 
 // Windows that want to be painted do not hold a render up: it paints them when it looks for
-// messages. A render that was wanted before the quit message is done first. A quit message that is
-// the host's own is given back to it, and none of ours is left.
+// messages. A render that was wanted before the end is done first; one that runs when it comes is
+// not. A quit message is the host's and is given back to it.
 bool pfPreviewWin32::runMessageLoop() {
   constexpr UINT allButPaint = PM_QS_INPUT | PM_QS_POSTMESSAGE | PM_QS_SENDMESSAGE;
+  const InterfaceEnd& end = interfaceEnd();
   MSG message;
   BOOL got = TRUE;
-  while (got > 0 && !gone_ && (got = GetMessageA(&message, nullptr, 0, 0)) > 0) {
+  while (got > 0 && !end.hasCome() && (got = GetMessageA(&message, nullptr, 0, 0)) > 0) {
     for (MSG next; got > 0;) {
       if (IsDialogMessageA(m_hInterface, &message) == FALSE) {
         TranslateMessage(&message);
         DispatchMessageA(&message);
       }
-      if (gone_ || PeekMessageA(&next, nullptr, 0, 0, PM_NOREMOVE | allButPaint) == FALSE) break;
+      if (end.hasCome()) break;
+      if (PeekMessageA(&next, nullptr, 0, 0, PM_NOREMOVE | allButPaint) == FALSE) break;
       got = GetMessageA(&message, nullptr, 0, 0);
     }
-    if (!gone_ && view_.needsRender()) view_.RenderUntilFinal();
+    platform::setDefaultFloatingPoint();  // windows of others may have left their own
+    if (!end.allowsRender() || !view_.needsRender()) continue;
+    bInterfaceEnded = false;
+    view_.RenderUntilFinal();
   }
-  if (got == 0 && !quitting_) PostQuitMessage(static_cast<int>(message.wParam));
-  if (got > 0 && quitting_) PeekMessageA(&message, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE);
-  return confirmed_ && !gone_;
+  if (got == 0) PostQuitMessage(static_cast<int>(message.wParam));
+  return end.isConfirmed();
 }
 
 void pfPreviewWin32::closeDialogs() {
   closing_ = true;
   pointer_.letGo();
   editing_.close();
-  wakeOwner();  // before its dialogs go, or another program comes to the front
+  hostWindow_.wake();  // before its dialogs go, or another program comes to the front
+  // Else its thread would have to look at messages for them to go.
+  if (m_hPreview != nullptr && !hostWindow_.answers()) {
+    SetWindowLongPtrA(m_hPreview, GWLP_HWNDPARENT, 0);
+  }
   if (m_hInterface != nullptr) DestroyWindow(m_hInterface);
   if (m_hPreview != nullptr) DestroyWindow(m_hPreview);
   m_hInterface = m_hPreview = nullptr;
@@ -142,34 +169,7 @@ void pfPreviewWin32::closeDialogs() {
 }
 
 void pfPreviewWin32::onDestroyed() {
-  if (closing_) return;
-  gone_ = true;
-  PostThreadMessageA(GetCurrentThreadId(), WM_NULL, 0, 0);  // wakes the loop
-}
-
-void pfPreviewWin32::quit(bool confirmed) {
-  if (quitting_) return;
-  quitting_ = true;
-  confirmed_ = confirmed;
-  PostQuitMessage(confirmed ? 1 : 0);
-}
-
-// One of another process is left alone: it would rest for good if this process ended early.
-void pfPreviewWin32::restOwner() {
-  const HWND owner = ownerWindow(view_.record());
-  const HWND window = owner == nullptr ? nullptr : GetAncestor(owner, GA_ROOT);
-  DWORD process = 0;
-  if (window != nullptr) GetWindowThreadProcessId(window, &process);
-  if (process != GetCurrentProcessId() || IsWindowEnabled(window) == FALSE) return;
-  restingOwner_ = window;
-  EnableWindow(window, FALSE);
-}
-
-void pfPreviewWin32::wakeOwner() {
-  if (restingOwner_ != nullptr && IsWindow(restingOwner_) != FALSE) {
-    EnableWindow(restingOwner_, TRUE);
-  }
-  restingOwner_ = nullptr;
+  if (!closing_) interfaceEnd().windowGone();
 }
 
 bool pfPreviewWin32::AlternativeColorSelection(hostapi::FilterRecord* record, double* red,
@@ -186,6 +186,7 @@ bool pfPreviewWin32::AlternativeColorSelection(hostapi::FilterRecord* record, do
   request.rgbResult = RGB(toByte(*red), toByte(*green), toByte(*blue));
   request.lpCustColors = customColors;
   request.Flags = CC_RGBINIT | CC_FULLOPEN | CC_ANYCOLOR;
+  const SystemDialog dialog;
   EnableWindow(m_hInterface, TRUE);  // the chooser rests and wakes its owner itself
   const bool chosen = ChooseColorA(&request) != FALSE;
   if (chosen) {

@@ -10,6 +10,7 @@
 #include "interface/preview_view.h"
 #include "interface/preview_windows.h"
 #include "interface/win32/dialog_controls.h"
+#include "interface/win32/host_window.h"
 #include "interface/win32/preview_painting.h"
 
 namespace radiashafts {
@@ -23,13 +24,14 @@ class pfPreviewWin32 final : public pfPreview, private PreviewWindows, private P
 
  private:
   // preview_win32.cpp
+  class Opening;
   bool openDialogs(WidgetList* widgets);
   void closeDialogs();
   void prepare();
   bool runMessageLoop();
 
   // parameter_dialog.cpp
-  static INT_PTR CALLBACK UIProcedure(HWND dialog, UINT message, WPARAM w, LPARAM l);
+  static INT_PTR UIProcedure(HWND dialog, UINT message, WPARAM w, LPARAM l);
   INT_PTR onInterfaceMessage(UINT message, WPARAM w, LPARAM l);
   void onInterfaceOpens();
   void onInterfaceCloses();
@@ -38,7 +40,7 @@ class pfPreviewWin32 final : public pfPreview, private PreviewWindows, private P
   void PaintSwatches(HDC context);
 
   // preview_dialog.cpp
-  static INT_PTR CALLBACK PreviewProcedure(HWND dialog, UINT message, WPARAM w, LPARAM l);
+  static INT_PTR PreviewProcedure(HWND dialog, UINT message, WPARAM w, LPARAM l);
   INT_PTR onPreviewMessage(UINT message, WPARAM w, LPARAM l);
   void onPreviewOpens();
   void onPreviewCloses();
@@ -80,22 +82,12 @@ class pfPreviewWin32 final : public pfPreview, private PreviewWindows, private P
   void enableControl(int id, bool enabled);
   // Shows the pipette in place of the window's own cursor; false when it is not in use.
   bool setCursor();
-  // Ends the message loop; only the first call counts, so that no quit message is left for the
-  // host.
-  void quit(bool confirmed);
-  // A dialog that goes while the interface is open takes it along, as Cancel: its owner may have
-  // gone, and a quit message may be the host's own.
+  // A dialog that goes while the interface is open takes it along: its owner may have gone.
   void onDestroyed();
-  // The window that the host's user works in rests while the dialogs are open.
-  void restOwner();
-  void wakeOwner();
 
   HWND m_hInterface = nullptr;
   HWND m_hPreview = nullptr;
-  HWND restingOwner_ = nullptr;
-  bool quitting_ = false;  // by our own quit message
-  bool confirmed_ = false;
-  bool gone_ = false;  // a dialog is, without our doing
+  HostWindow hostWindow_;
   bool closing_ = false;
   bool releasing_ = false;  // the mouse, by our own will
   bool bShowHandle = true;

@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include "frame/pf_filter_radiashafts.h"
+#include "interface/host_drawing.h"
 #include "interface/preview_pixels.h"
 #include "interface/preview_view.h"
 #include "platform/tick.h"
@@ -224,6 +225,67 @@ TEST(PreviewPixels, AreThePicturesOverACheckerboard) {
       }
     }
   }
+}
+
+// Gives the pixel of the sample at x, y as another one drawn; rows from the top.
+using Pixel = std::array<int, 3>;
+struct DrawnSample {
+  const std::vector<std::uint8_t> sample = drawingSample();
+  Pixel at(int x, int y) const {
+    const auto* pixel = &sample[static_cast<std::size_t>((y * sampleWidth + x) * 3)];
+    return {pixel[0], pixel[1], pixel[2]};
+  }
+  template <class Draw>
+  bool shows(const Draw& draw) const {
+    std::vector<std::uint8_t> drawn;
+    for (int y = sampleHeight - 1; y >= 0; --y) {
+      for (int x = 0; x < sampleWidth; ++x) {
+        const Pixel seen = draw(x, y);
+        for (const int channel : {seen[2], seen[1], seen[0]}) {
+          drawn.push_back(static_cast<std::uint8_t>(std::clamp(channel, 0, 255)));
+        }
+      }
+    }
+    return showsSample(drawn.data());
+  }
+};
+
+TEST(HostDrawing, OfAnotherShadeIsRightAndOfOtherPlacesOrChannelsIsWrong) {
+  const DrawnSample s;
+  EXPECT_TRUE(s.shows([&](int x, int y) { return s.at(x, y); }));
+  // Dull inks on warm paper, and a dark monitor.
+  EXPECT_TRUE(s.shows([&](int x, int y) {
+    const Pixel p = s.at(x, y);
+    const int mean = (p[0] + p[1] + p[2]) / 3;
+    return Pixel{30 + (p[0] + mean) * 2 / 5, 25 + (p[1] + mean) * 2 / 5, 15 + (p[2] + mean) / 3};
+  }));
+  EXPECT_TRUE(s.shows([&](int x, int y) {
+    const auto dark = [](int c) { return c * c / 400; };
+    return Pixel{dark(s.at(x, y)[0]), dark(s.at(x, y)[1]), dark(s.at(x, y)[2])};
+  }));
+  constexpr int orders[][3] = {{0, 2, 1}, {1, 0, 2}, {2, 1, 0}, {1, 2, 0}, {2, 0, 1}, {0, 0, 0}};
+  for (const auto& order : orders) {
+    EXPECT_FALSE(s.shows([&](int x, int y) {
+      const Pixel p = s.at(x, y);
+      return Pixel{p[static_cast<std::size_t>(order[0])], p[static_cast<std::size_t>(order[1])],
+                   p[static_cast<std::size_t>(order[2])]};
+    }));
+  }
+  EXPECT_FALSE(s.shows([&](int x, int y) { return s.at(x, sampleHeight - 1 - y); }));
+  EXPECT_FALSE(s.shows([&](int x, int y) { return s.at(sampleWidth - 1 - x, y); }));
+  for (const int level : {0, 128, 255}) {
+    EXPECT_FALSE(s.shows([level](int, int) { return Pixel{level, level, level}; }));
+  }
+  // Black where white is to be and the other way round; primaries stay.
+  EXPECT_FALSE(s.shows([&](int x, int y) {
+    const Pixel p = s.at(x, y);
+    return p[0] == p[1] && p[1] == p[2] ? Pixel{255 - p[0], 255 - p[1], 255 - p[2]} : p;
+  }));
+  // A grey with a colour.
+  EXPECT_FALSE(s.shows([&](int x, int y) {
+    const Pixel p = s.at(x, y);
+    return p[0] == 128 ? Pixel{200, 128, 60} : p;
+  }));
 }
 
 // A view of a picture of 400 x 300 as the message loop keeps it.

@@ -5,6 +5,7 @@
 
 #include <exception>
 
+#include "interface/win32/visual_style.h"
 #include "platform/floating_point.h"
 
 namespace radiashafts {
@@ -52,11 +53,12 @@ class SystemDialog {
   SystemDialog& operator=(const SystemDialog&) = delete;
 };
 
-// A dialog's procedure as the system calls it: by whichever loop, in whichever floating-point
-// state, and with nothing thrown into the system.
+// A dialog's procedure as the system calls it: by whichever loop, in whichever visual style and
+// floating-point state, and with nothing thrown into the system.
 template <INT_PTR (*procedure)(HWND, UINT, WPARAM, LPARAM)>
 INT_PTR CALLBACK windowProcedure(HWND dialog, UINT message, WPARAM w, LPARAM l) noexcept {
   const platform::DefaultFloatingPoint state;
+  const VisualStyle::Again style;
   try {
     return procedure(dialog, message, w, l);
   } catch (...) {

@@ -29,9 +29,9 @@ BOOL CALLBACK compare(HWND window, LPARAM parameter) {
   if (process != search->process || IsWindowVisible(window) == FALSE) return TRUE;
   char name[64] = "";
   GetClassNameA(window, name, sizeof name);
+  if (name != search->windowClass) return TRUE;
   char caption[128] = "";
   GetWindowTextA(window, caption, sizeof caption);
-  if (name != search->windowClass) return TRUE;
   if (std::string(caption).rfind(search->caption, 0) != 0) return TRUE;
   search->found = window;
   return FALSE;

@@ -84,12 +84,40 @@ std::string HostProgram::messages() {
   return contents(errors_);
 }
 
+namespace {
+
+HostProcs hostProcs;
+hostapi::FilterRecord standIns;
+
+hostapi::OSErr advanceState() {
+  return hostProcs.advanceState(standIns.advanceState);
+}
+
+hostapi::OSErr displayPixels(const hostapi::PSPixelMap* map, const hostapi::VRect*, std::int32_t,
+                             std::int32_t, void* context) {
+  return hostProcs.displayPixels(standIns.displayPixels, *map, context);
+}
+
+void enterWithProcs(std::int16_t selector, void* block, std::intptr_t* data, std::int16_t* result) {
+  auto* record = static_cast<hostapi::FilterRecord*>(block);
+  if (selector == hostapi::selectorStart) {
+    standIns = *record;
+    if (hostProcs.advanceState) record->advanceState = advanceState;
+    if (hostProcs.displayPixels) record->displayPixels = displayPixels;
+  }
+  moduleEntry()(selector, block, data, result);
+}
+
+}  // namespace
+
 HostThread::HostThread(const standin::Picture& picture, const standin::Script& script,
-                       standin::HostTraits traits) {
+                       standin::HostTraits traits, HostProcs procs) {
   traits.playInfo = hostapi::playDisplay;
+  hostProcs = std::move(procs);
   thread_ = std::thread([this, &picture, script, traits] {
     id_ = GetCurrentThreadId();
-    run_ = runModule(picture, nullptr, script, traits);
+    standin::StandInHost host(picture, nullptr, traits);
+    run_.result = host.run(enterWithProcs, script, run_.output);
     ended_ = true;
   });
 }
@@ -105,6 +133,7 @@ HostThread::~HostThread() {
           return TRUE;
         },
         0);
+    PostThreadMessageA(id_, WM_QUIT, 0, 0);
     Sleep(100);
   }
   thread_.join();

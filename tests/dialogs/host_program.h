@@ -5,6 +5,7 @@
 
 #include <atomic>
 #include <filesystem>
+#include <functional>
 #include <map>
 #include <string>
 #include <thread>
@@ -39,11 +40,18 @@ class HostProgram {
   PROCESS_INFORMATION process_{};
 };
 
-// A run of the module in a thread of this process, with the interface asked for.
+// What a host's procs do before or in place of the stand-in's, which they get; empty for nothing.
+struct HostProcs {
+  std::function<hostapi::OSErr(hostapi::AdvanceStateProc)> advanceState;
+  std::function<hostapi::OSErr(hostapi::DisplayPixelsProc, const hostapi::PSPixelMap&, void*)>
+      displayPixels;
+};
+
+// A run of the module in a thread of this process, with the interface asked for. One at a time.
 class HostThread {
  public:
   HostThread(const standin::Picture& picture, const standin::Script& script,
-             standin::HostTraits traits = {});
+             standin::HostTraits traits = {}, HostProcs procs = {});
   ~HostThread();
   HostThread(const HostThread&) = delete;
   HostThread& operator=(const HostThread&) = delete;

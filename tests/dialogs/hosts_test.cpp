@@ -3,6 +3,9 @@
 #include <windows.h>
 
 #include <atomic>
+#include <new>
+
+#include <xmmintrin.h>
 
 #include "interface/dialog_ids.h"
 #include "tests/dialogs/dialog_test.h"
@@ -176,6 +179,101 @@ TEST_F(Hosts, TheOwnerRestsUnderTheDialogsAndItsEndIsCancel) {
     EXPECT_EQ(result.status, hostapi::userCanceledError);
     EXPECT_EQ(awake, !ends);
     EXPECT_EQ(quitCode, ends ? 7 : -1);
+  }
+}
+
+HWND openPanel() {
+  return awaitDialog(GetCurrentProcessId(), "Radiashafts  V1.22");
+}
+
+// Commands that need no more than the dialogs' thread.
+void command(HWND panel, int id) {
+  PostMessageA(panel, WM_COMMAND, static_cast<WPARAM>(id), 0);
+}
+
+// The user presses a button while the host takes all messages, in a floating-point state of its own
+// that lets no rounding pass.
+TEST_F(Hosts, MessagesThatTheHostTakesAndLosesEndTheInterfaceAllTheSame) {
+  constexpr unsigned allButRounding = 0x1F80 & ~0x1000U;
+  const standin::Picture picture = placesPicture(96, 64);
+  for (const int button : {IDOK, IDCANCEL}) {
+    HostProcs procs;
+    std::atomic<HWND> panel{nullptr};
+    procs.advanceState = [&](hostapi::AdvanceStateProc serve) {
+      if (IsWindow(panel) == FALSE) return serve();
+      command(panel, button);
+      PostMessageA(GetWindow(panel, GW_OWNER), WM_MOUSEMOVE, 0, MAKELPARAM(31, 47));
+      const unsigned state = _mm_getcsr();
+      MSG message;
+      _mm_setcsr(allButRounding);
+      while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE | PM_QS_POSTMESSAGE) != FALSE) {
+        DispatchMessageA(&message);
+      }
+      _mm_setcsr(state);
+      return serve();
+    };
+    HostThread host(picture, withoutRays(), {}, procs);
+    panel = openPanel();
+    command(panel, ID_ZOOM_OUT);
+    ASSERT_TRUE(eventually([&] { return IsWindow(panel) == FALSE; }));
+    EXPECT_EQ(host.result().result.status, button == IDOK ? 0 : hostapi::userCanceledError);
+  }
+}
+
+TEST_F(Hosts, AnOwnerThatLooksAtNoMessagesHoldsNothingUp) {
+  const standin::Picture picture = placesPicture(96, 64);
+  for (const bool looksAtFirst : {true, false}) {
+    std::atomic<bool> looks{looksAtFirst};
+    std::atomic<bool> ends{false};
+    standin::HostTraits traits;
+    std::atomic<HWND> owner{nullptr};
+    std::thread ownersThread([&] {
+      owner = openOwner();
+      MSG message;
+      for (; !ends; Sleep(5)) {
+        while (looks && PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE) != FALSE) {
+          DispatchMessageA(&message);
+        }
+      }
+    });
+    eventually([&] { return owner != nullptr; });
+    traits.ownerWindow = owner;
+    {
+      HostThread host(picture, withoutRays(), traits);
+      const HWND panel = openPanel();
+      EXPECT_NE(panel, nullptr);
+      EXPECT_NE(IsWindowEnabled(owner) != FALSE, looksAtFirst);
+      looks = false;
+      Sleep(50);
+      command(panel, IDCANCEL);
+      EXPECT_TRUE(eventually([&] { return IsWindow(panel) == FALSE; }));
+      EXPECT_TRUE(eventually([&] { return IsWindowEnabled(owner) != FALSE; }));
+      looks = panel == nullptr || IsWindow(panel) != FALSE;
+      EXPECT_EQ(host.result().result.status, hostapi::userCanceledError);
+    }
+    looks = true;
+    EXPECT_TRUE(eventually([&] { return SendMessageA(owner, WM_NULL, 0, 0) == 0; }));
+    EXPECT_NE(IsWindowEnabled(owner), FALSE);
+    ends = true;
+    ownersThread.join();
+  }
+}
+
+// Thrown where the interface opens, and in a message.
+TEST_F(Hosts, MemoryThatRunsOutInTheInterfaceEndsItAndTheNextOneOpens) {
+  const standin::Picture picture = placesPicture(96, 64);
+  for (const int failing : {1, 2, 0}) {
+    HostProcs procs;
+    procs.displayPixels = [&, count = 0](hostapi::DisplayPixelsProc draw,
+                                         const hostapi::PSPixelMap& map, void* context) mutable {
+      if (++count == failing) throw std::bad_alloc();
+      return draw(&map, &map.bounds, 0, 0, context);
+    };
+    HostThread host(picture, withoutRays(), {}, procs);
+    if (failing == 0) command(openPanel(), IDCANCEL);
+    EXPECT_EQ(host.result().result.status,
+              failing == 0 ? hostapi::userCanceledError : hostapi::memoryFullError);
+    EXPECT_EQ(FindWindowA("#32770", "Radiashafts  V1.22 ~ www.halvorsund.example"), nullptr);
   }
 }
 

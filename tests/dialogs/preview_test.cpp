@@ -88,17 +88,64 @@ int worstDifference(const DialogDriver& dialogs, const standin::Picture& expecte
   return worst;
 }
 
-TEST_F(Preview, ShowsTheRenderAtEveryDepthOnBothRoads) {
+// Hosts whose displayPixels is not what it is to be.
+using DisplayPixels = decltype(HostProcs::displayPixels);
+DisplayPixels changed(void (*change)(std::uint8_t* pixels, int width, int height)) {
+  return [change](hostapi::DisplayPixelsProc draw, const hostapi::PSPixelMap& map, void* context) {
+    hostapi::PSPixelMap own = map;
+    const int width = map.bounds.right, height = map.bounds.bottom;
+    const auto* from = static_cast<const std::uint8_t*>(map.baseAddr);
+    std::vector<std::uint8_t> pixels(from, from + map.rowBytes * height);
+    change(pixels.data(), width, height);
+    own.baseAddr = pixels.data();
+    return draw(&own, &map.bounds, 0, 0, context);
+  };
+}
+
+const std::pair<const char*, DisplayPixels> wrongHosts[] = {
+    {"none", nullptr},
+    {"swaps red and blue", changed([](std::uint8_t* pixels, int width, int height) {
+       for (int i = 0; i < width * height; ++i) std::swap(pixels[3 * i], pixels[3 * i + 2]);
+     })},
+    {"sees bytes as grey", changed([](std::uint8_t* pixels, int width, int height) {
+       for (int i = width * height - 1; i >= 0; --i) std::fill_n(pixels + 3 * i, 3, pixels[i]);
+     })},
+    {"draws black", changed([](std::uint8_t* pixels, int width, int height) {
+       std::fill_n(pixels, 3 * width * height, std::uint8_t{0});
+     })},
+    {"fails", [](auto...) { return hostapi::OSErr{-50}; }},
+    {"fails once it has drawn twice",
+     [count = 0](hostapi::DisplayPixelsProc draw, const hostapi::PSPixelMap& map,
+                 void* context) mutable {
+       return ++count > 2 ? hostapi::OSErr{-50} : draw(&map, &map.bounds, 0, 0, context);
+     }}};
+
+TEST_F(Preview, ShowsTheRenderAtEveryDepthHoweverTheHostDraws) {
   Random random(11);
+  std::size_t wrong = 0;
   for (const int depth : {8, 16, 32}) {
     for (const bool hasAlpha : {false, true}) {
       for (const bool hostDraws : {true, false}) {
         const standin::Picture picture = placesPicture(151, 112, depth, hasAlpha);
         judge::Values values = randomValues(random);
         values.mode = hostDraws ? 1 : 2;
+        HostProcs procs;
+        int drawings = 0;
+        HANDLE style = nullptr;
+        procs.displayPixels = [&](hostapi::DisplayPixelsProc draw, const hostapi::PSPixelMap& map,
+                                  void* context) {
+          ++drawings;
+          GetCurrentActCtx(&style);
+          return draw(&map, &map.bounds, 0, 0, context);
+        };
+        const auto& [way, displayPixels] = wrongHosts[wrong];
+        if (!hostDraws) {
+          procs.displayPixels = displayPixels;
+          ++wrong;
+        }
         standin::HostTraits traits;
-        traits.displayPixels = hostDraws;
-        HostThread host(picture, scriptOf(values), traits);
+        traits.displayPixels = hostDraws || displayPixels;
+        HostThread host(picture, scriptOf(values), traits, procs);
         DialogDriver dialogs(GetCurrentProcessId());
         ASSERT_TRUE(dialogs.isOpen());
         dialogs.hideHandle();
@@ -113,11 +160,13 @@ TEST_F(Preview, ShowsTheRenderAtEveryDepthOnBothRoads) {
                 return difference <= 2;
               },
               10000))
-              << zoom << " at " << depth << " bits, alpha " << hasAlpha << ", drawn by the host "
-              << hostDraws << ": " << difference << " levels";
+              << zoom << " at " << depth << " bits, alpha " << hasAlpha << ", host that "
+              << (hostDraws ? "draws" : way) << ": " << difference << " levels";
         }
         dialogs.clickOn(IDCANCEL);
         host.result();
+        if (hostDraws) EXPECT_GT(drawings, 3);
+        EXPECT_EQ(style, nullptr) << "a host's style is its own";
       }
     }
   }

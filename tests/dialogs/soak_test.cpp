@@ -8,7 +8,7 @@
 #include "interface/dialog_ids.h"
 #include "tests/dialogs/dialog_test.h"
 #include "tests/support/long_test.h"
-#include "tests/support/process_usage_win32.h"
+#include "tests/support/process_usage.h"
 
 namespace radiashafts::test {
 namespace {

@@ -109,7 +109,6 @@ SelectRenderTemplate()
 )"},
               {"$firstRender", R"(
 SelectRenderTemplate()
-    ThreadPool::ThreadPool()
     ThreadPool::init ()
         threads sucesfully initiated
     ThreadPool::iterate (iterations(64))

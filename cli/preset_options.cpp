@@ -82,7 +82,8 @@ void save(pfParameters& parameters, const PresetPlace& place, bool quiet) {
   checkOwner(parameters, place.file, path, exitOutput);
   parameters.ValidateAll();
   std::string failure;
-  parameters.SaveSettings(place.name, path, effectName, &failure);
+  // Another program may have put its own file there since.
+  if (!parameters.SaveSettings(place.name, path, effectName, &failure)) failure = "is in use";
   if (!failure.empty()) throw Failure{exitOutput, place.file + ": " + failure};
   if (!quiet) std::cout << place.file << ": has preset " << presetNameOf(place.name) << '\n';
 }

@@ -12,9 +12,9 @@
 #include <OpenImageIO/filesystem.h>
 #include <OpenImageIO/imageio.h>
 #include <OpenImageIO/strutil.h>
-#include <OpenImageIO/thread.h>
 
 #include "platform/silence.h"
+#include "standin/oiio_threads.h"
 #include "standin/partial_file.h"
 #include "standin/picture_file.h"
 #include "standin/word_scale.h"
@@ -27,6 +27,12 @@ using OIIO::ImageInput;
 using OIIO::ImageOutput;
 using OIIO::ImageSpec;
 using OIIO::TypeDesc;
+
+// The pool of one format is apart from the library's.
+void keepFromThreads() {
+  static const bool kept = threadsAreScarce() && OIIO::attribute("exr_threads", -1);
+  static_cast<void>(kept);
+}
 
 struct OiioMetadata final : PictureMetadata {
   ImageSpec spec;
@@ -143,7 +149,6 @@ std::string extensionOf(const fs::path& path) {
 
 // Null with a message in the library's store.
 std::unique_ptr<ImageInput> openAnyName(const fs::path& path) {
-  OIIO::default_thread_pool();  // the one of oiio_threads.cpp, which is linked for this
   ImageSpec wish;
   wish.attribute("oiio:UnassociatedAlpha", 1);
   const std::string name = path.string();
@@ -323,7 +328,7 @@ void verify(const fs::path& written, const fs::path& path, const ImageOutput& ou
   const auto input = openAnyName(written);
   if (input == nullptr || !isWhole(*input, output, file.picture) || !hasRoomBehind(written)) {
     static_cast<void>(OIIO::geterror());
-    fail(path, "could not be written whole");
+    fail(path, "the written file does not hold the picture");
   }
   const ImageSpec& spec = input->spec();
   const auto noteLoss = [&](const char* what) {
@@ -364,6 +369,7 @@ class MemoryFile {
 }  // namespace
 
 PictureFile readPictureFile(const fs::path& path) {
+  keepFromThreads();
   const platform::SilencedStandardError silenced;
   auto metadata = std::make_shared<OiioMetadata>();
   const auto input = openInput(path, metadata->spec);
@@ -385,6 +391,7 @@ PictureFile readPictureFile(const fs::path& path) {
 }
 
 Mask readMaskFile(const fs::path& path) {
+  keepFromThreads();
   const platform::SilencedStandardError silenced;
   ImageSpec spec;
   const auto input = openInput(path, spec);
@@ -408,9 +415,14 @@ void checkWritable(const fs::path& path, const Picture&) {
 WriteResult writePictureFile(const fs::path& path, PictureFile&& file,
                              const std::function<bool()>& aborted) {
   const platform::SilencedStandardError silenced;
+  keepFromThreads();
   MemoryFile memory;
   PartialFile partial(path);
   const auto output = outputFor(path);
+  // Its encoder would wait for threads for ever.
+  if (std::string_view(output->format_name()) == "heif" && threadsAreScarce()) {
+    fail(path, "the system lets this process have too few threads for this format");
+  }
   WriteResult result;
   Picture& picture = file.picture;
   ImageSpec spec = outputSpec(file, *output);
@@ -444,7 +456,7 @@ WriteResult writePictureFile(const fs::path& path, PictureFile&& file,
                                             stopped, const_cast<std::function<bool()>*>(&aborted));
   if (aborted()) return result;
   if (!complete || !output->close()) fail(path, output->geterror());
-  if (!memory.writeTo(partial.path())) fail(path, "could not be written whole");
+  if (!memory.writeTo(partial.path())) fail(path, "the written file does not hold the picture");
   verify(partial.path(), path, *output, file, result.notes);
   if (aborted()) return result;
   if (const std::string error = partial.putInPlace(); !error.empty()) fail(path, error);

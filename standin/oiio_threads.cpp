@@ -2,6 +2,8 @@
 // program where they ask for threads and get none; this one stands in for it, by the linker, and is
 // empty then.
 
+#include "standin/oiio_threads.h"
+
 #include <algorithm>
 #include <latch>
 #include <system_error>
@@ -26,21 +28,24 @@ bool canHaveThreads(std::size_t count) {
   return threads.size() == count;
 }
 
-// Workers beside the caller.
-int workerCount() {
-  constexpr unsigned pools = 3;  // this one, that of a format, and the filter's
-  const unsigned processors = std::max(1U, std::thread::hardware_concurrency());
-  if (canHaveThreads(std::size_t{pools} * processors)) return static_cast<int>(processors) - 1;
-  return 0;
+}  // namespace
+
+bool threadsAreScarce() {
+  constexpr std::size_t pools = 3;  // this one, that of a format, and the filter's
+  static const bool scarce =
+      !canHaveThreads(pools * std::max(1U, std::thread::hardware_concurrency()));
+  return scarce;
 }
 
-}  // namespace
 }  // namespace radiashafts::standin
 
 OIIO_NAMESPACE_BEGIN
 
 thread_pool* default_thread_pool() {
-  static thread_pool pool(radiashafts::standin::workerCount());
+  const unsigned processors = std::max(1U, std::thread::hardware_concurrency());
+  // The caller works too.
+  static thread_pool pool(
+      radiashafts::standin::threadsAreScarce() ? 0 : static_cast<int>(processors) - 1);
   return &pool;
 }
 

@@ -438,6 +438,31 @@ TEST_F(CommandLine, ARequestToEndIsFollowedAnywhereAndLeavesNothingBehind) {
   EXPECT_TRUE(fs::is_empty(path("results")));
 }
 
+// From none at all to enough. Root gets any number, so another user asks.
+TEST_F(CommandLine, FewThreadsGiveThePictureOrOneLine) {
+  write<std::uint8_t>("in.tif", 4, TypeDesc::UINT8);
+  ASSERT_EQ(run("in.tif in.exr --quiet").exitCode +
+                run(std::string("in.exr usual.exr") + untouched).exitCode,
+            0);
+  fs::permissions(path(""), fs::perms::all);
+  for (const char* file : {"out.txt", "err.txt"}) fs::permissions(path(file), fs::perms::all);
+  const std::string user = geteuid() == 0 ? "setpriv --reuid=65534 --clear-groups " : "";
+  int pictures = 0;
+  for (int threads = 1; threads < 10; threads += 2) {
+    const Answer answer = run(std::string("in.exr out.exr") + untouched,
+                              user + "prlimit --nproc=" + std::to_string(threads));
+    if (answer.exitCode == 0) {
+      EXPECT_TRUE(contentOf(path("out.exr")) == contentOf(path("usual.exr"))) << threads;
+      ++pictures;
+    } else {
+      EXPECT_EQ(answer.exitCode, 5) << threads;
+      EXPECT_EQ(std::count(answer.err.begin(), answer.err.end(), '\n'), 1) << answer.err;
+    }
+    fs::remove(path("out.exr"));
+  }
+  EXPECT_TRUE(pictures > 0 || geteuid() != 0);  // a user's other processes count too
+}
+
 TEST_F(CommandLine, WritesManyFilesOfAnyNameIntoADirectoryAndRefusesToWriteOneTwice) {
   const std::string names[] = {"a.png", "b?c.png", std::string(251, 'n') + ".png", "d.png?e=1"};
   write<std::uint8_t>("a.png", 3, TypeDesc::UINT8);

@@ -13,13 +13,14 @@
 
 namespace radiashafts::cli {
 
+// Beside these there is platform::interruptCode().
 enum ExitCode : int {
   exitSuccess = 0,
   exitUsage = 2,   // the command line
   exitInput = 3,   // a picture, mask or preset that cannot be read
   exitOutput = 4,  // a picture or preset that cannot be written
-  exitRender = 5   // the filter: not loaded, out of memory, refused
-};                 // and what platform::interruptCode() tells
+  exitRender = 5   // the filter: not loaded, out of memory, refused; no threads
+};
 
 // Ends the program with the code and one line that names the culprit.
 struct Failure {

@@ -9,6 +9,7 @@
 
 #include "cli/parameter_options.h"
 #include "cli/preset_options.h"
+#include "cli/printable.h"
 #include "platform/arguments.h"
 #include "platform/module.h"
 
@@ -17,7 +18,8 @@ namespace {
 
 constexpr char footer[] =
     "Exit codes: 0 done, 2 command line, 3 unreadable input, 4 unwritable output, 5 render,\n"
-    "130 interrupted. An output is written beside its place and renamed onto it when complete.";
+    "130 interrupted, 143 and 129 ended by SIGTERM and SIGHUP. An output is written beside its "
+    "place and renamed onto it when complete.";
 
 class Formatter final : public CLI::Formatter {
   std::string make_usage(const CLI::App*, std::string) const override {
@@ -108,7 +110,7 @@ std::filesystem::path pathOf(const std::string& text) {
 
 void printNotes(const CommandLine& commandLine) {
   if (commandLine.quiet) return;
-  for (const std::string& note : commandLine.notes) std::cerr << "note: " << note << '\n';
+  for (const std::string& note : commandLine.notes) printLine(std::cerr, "note: " + note);
 }
 
 ParsedCommandLine parseCommandLine(int argc, char** argv) {
@@ -158,16 +160,11 @@ ParsedCommandLine parseCommandLine(int argc, char** argv) {
       parsed.exitCode = exitSuccess;
       return parsed;
     }
-  } catch (const Failure& failure) {
-    std::cerr << "radiashafts: " << failure.text << '\n';
-    parsed.exitCode = failure.exitCode;
-    return parsed;
   } catch (const CLI::ParseError& error) {
     if (error.get_exit_code() == 0) {
       parsed.exitCode = app.exit(error);  // help or version
     } else {
-      std::cerr << "radiashafts: " << error.what() << '\n';
-      parsed.exitCode = exitUsage;
+      throw Failure{exitUsage, error.what()};
     }
     return parsed;
   }

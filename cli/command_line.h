@@ -13,18 +13,18 @@
 
 namespace radiashafts::cli {
 
+// Beside these there is platform::interruptCode().
 enum ExitCode : int {
   exitSuccess = 0,
-  exitUsage = 2,     // the command line
-  exitInput = 3,     // a picture, mask or preset that cannot be read
-  exitOutput = 4,    // a picture or preset that cannot be written
-  exitRender = 5,    // the filter: not loaded, out of memory, refused
-  exitAborted = 130  // Ctrl-C
+  exitUsage = 2,   // the command line
+  exitInput = 3,   // a picture, mask or preset that cannot be read
+  exitOutput = 4,  // a picture or preset that cannot be written
+  exitRender = 5   // the filter: not loaded, out of memory, refused; no threads
 };
 
 // Ends the program with the code and one line that names the culprit.
 struct Failure {
-  ExitCode exitCode;
+  int exitCode;
   std::string text;
 };
 
@@ -53,7 +53,7 @@ struct CommandLine {
 void printNotes(const CommandLine& commandLine);
 
 // Parses the arguments. Where there is nothing left to do (help, version, list, or a mistake, which
-// it prints as one line) it gives the exit code instead.
+// it throws as a Failure) it gives the exit code instead.
 struct ParsedCommandLine {
   std::optional<int> exitCode;
   CommandLine commandLine;

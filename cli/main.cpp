@@ -1,14 +1,15 @@
 // The native command line: a small host that runs the filter module on picture files.
 
 #include <chrono>
-#include <csignal>
 #include <cstdio>
 #include <iostream>
 
 #include "cli/command_line.h"
 #include "cli/host_window.h"
 #include "cli/parameter_options.h"
+#include "cli/printable.h"
 #include "cli/progress_bar.h"
+#include "platform/interrupt.h"
 #include "platform/module.h"
 #include "standin/picture_file.h"
 #include "standin/plugin_properties.h"
@@ -17,10 +18,11 @@
 namespace radiashafts::cli {
 namespace {
 
-volatile std::sig_atomic_t interrupted = 0;
+constexpr char interrupted[] = "interrupted";
+constexpr char interruptedLine[] = "radiashafts: interrupted\n";
 
 bool wasInterrupted() {
-  return interrupted != 0;
+  return platform::interruptCode() != 0;
 }
 
 void checkMask(const CommandLine& commandLine, const standin::Mask& mask,
@@ -60,7 +62,7 @@ double filter(const CommandLine& commandLine, const Job& job, standin::EntryPoin
   const standin::RunResult result = host.run(entry, commandLine.script, output);
   const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - start;
   if (commandLine.printScript) printScript(std::cout, result.script);
-  if (wasInterrupted()) throw Failure{exitAborted, "interrupted"};
+  if (wasInterrupted()) throw Failure{platform::interruptCode(), interrupted};
   if (result.status == hostapi::userCanceledError) {
     throw Failure{exitRender, job.input.string() + ": the filter was cancelled, status -128"};
   }
@@ -73,7 +75,10 @@ double filter(const CommandLine& commandLine, const Job& job, standin::EntryPoin
 
 void process(const CommandLine& commandLine, const Job& job, standin::EntryPoint entry,
              const standin::Mask* mask) {
-  standin::PictureFile file = standin::readPictureFile(job.input);
+  standin::PictureFile file = [&job] {
+    const platform::EndsAtOnce endsAtOnce(interruptedLine);
+    return standin::readPictureFile(job.input);
+  }();
   if (mask != nullptr) checkMask(commandLine, *mask, file.picture);
   try {
     standin::checkWritable(job.output, file.picture);
@@ -91,11 +96,11 @@ void process(const CommandLine& commandLine, const Job& job, standin::EntryPoint
   } catch (const standin::PictureFileError& error) {
     throw Failure{exitOutput, error.what()};
   }
-  if (!result.written) throw Failure{exitAborted, "interrupted"};
+  if (!result.written) throw Failure{platform::interruptCode(), interrupted};
   if (commandLine.quiet) return;
-  for (const std::string& note : result.notes) std::cerr << "note: " << note << '\n';
+  for (const std::string& note : result.notes) printLine(std::cerr, "note: " + note);
   std::printf("%s: %d x %d pixels, %d bits a channel, rays in %.2f s\n",
-              job.output.string().c_str(), width, height, depth, seconds);
+              printable(job.output.string()).c_str(), width, height, depth, seconds);
 }
 
 // Reads the module's file first, as hosts do, and says why it is refused.
@@ -111,33 +116,46 @@ std::string entryNameOf(const std::filesystem::path& module) {
   }
 }
 
-int run(const CommandLine& commandLine) {
-  try {
+void run(const CommandLine& commandLine) {
+  platform::Module module;
+  standin::EntryPoint entry = nullptr;
+  std::optional<standin::Mask> mask;
+  {
+    const platform::EndsAtOnce endsAtOnce(interruptedLine);
     const std::string entryName = entryNameOf(commandLine.module);
-    platform::Module module;
     if (!module.load(commandLine.module)) throw Failure{exitRender, module.error()};
-    const auto entry = reinterpret_cast<standin::EntryPoint>(module.symbol(entryName.c_str()));
+    entry = reinterpret_cast<standin::EntryPoint>(module.symbol(entryName.c_str()));
     if (entry == nullptr) {
       throw Failure{exitRender, commandLine.module.string() + ": exports no " + entryName};
     }
-    std::optional<standin::Mask> mask;
     if (commandLine.mask) mask = standin::readMaskFile(*commandLine.mask);
-    printNotes(commandLine);
-    for (const Job& job : commandLine.jobs)
-      process(commandLine, job, entry, mask ? &*mask : nullptr);
+  }
+  printNotes(commandLine);
+  for (const Job& job : commandLine.jobs) process(commandLine, job, entry, mask ? &*mask : nullptr);
+}
+
+// Whatever goes wrong becomes one line and an exit code.
+int guarded(int argc, char** argv) {
+  const auto failed = [](int exitCode, const std::string& text) {
+    printLine(std::cerr, "radiashafts: " + text);
+    return exitCode;
+  };
+  try {
+    platform::noteInterrupts();
+    const ParsedCommandLine parsed = parseCommandLine(argc, argv);
+    if (parsed.exitCode) return *parsed.exitCode;
+    run(parsed.commandLine);
     return exitSuccess;
   } catch (const Failure& failure) {
-    std::cerr << "radiashafts: " << failure.text << '\n';
-    return failure.exitCode;
+    return failed(failure.exitCode, failure.text);
   } catch (const standin::PictureFileError& error) {
-    std::cerr << "radiashafts: " << error.what() << '\n';
-    return exitInput;
+    return failed(exitInput, error.what());
   } catch (const std::bad_alloc&) {
-    std::cerr << "radiashafts: not enough memory\n";
-    return exitRender;
+    return failed(exitRender, "not enough memory");
   } catch (const std::exception& error) {  // of the libraries below
-    std::cerr << "radiashafts: " << error.what() << '\n';
-    return exitRender;
+    return failed(exitRender, error.what());
+  } catch (...) {
+    return failed(exitRender, "an unknown failure");
   }
 }
 
@@ -145,7 +163,5 @@ int run(const CommandLine& commandLine) {
 }  // namespace radiashafts::cli
 
 int main(int argc, char** argv) {
-  std::signal(SIGINT, [](int) { radiashafts::cli::interrupted = 1; });
-  const radiashafts::cli::ParsedCommandLine parsed = radiashafts::cli::parseCommandLine(argc, argv);
-  return parsed.exitCode ? *parsed.exitCode : radiashafts::cli::run(parsed.commandLine);
+  return radiashafts::cli::guarded(argc, argv);
 }

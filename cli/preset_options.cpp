@@ -4,6 +4,7 @@
 #include <iostream>
 
 #include "cli/command_line.h"
+#include "cli/printable.h"
 #include "interface/remembered_settings.h"
 #include "parameters/preset_file.h"
 #include "platform/whole_file.h"
@@ -68,7 +69,7 @@ std::string readablePath(pfParameters& parameters, const std::string& file) {
 void list(pfParameters& parameters, const std::string& file) {
   std::vector<std::string> names;
   parameters.GetSettingNames(readablePath(parameters, file), names, effectName);
-  for (const std::string& name : names) std::cout << name << '\n';
+  for (const std::string& name : names) printLine(std::cout, name);
 }
 
 void load(pfParameters& parameters, const PresetPlace& place) {
@@ -82,9 +83,10 @@ void save(pfParameters& parameters, const PresetPlace& place, bool quiet) {
   checkOwner(parameters, place.file, path, exitOutput);
   parameters.ValidateAll();
   std::string failure;
-  parameters.SaveSettings(place.name, path, effectName, &failure);
+  // Another program may have put its own file there since.
+  if (!parameters.SaveSettings(place.name, path, effectName, &failure)) failure = "is in use";
   if (!failure.empty()) throw Failure{exitOutput, place.file + ": " + failure};
-  if (!quiet) std::cout << place.file << ": has preset " << presetNameOf(place.name) << '\n';
+  if (!quiet) printLine(std::cout, place.file + ": has preset " + presetNameOf(place.name));
 }
 
 }  // namespace

@@ -2,14 +2,14 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <utility>
 
+#include "cli/printable.h"
 #include "platform/terminal.h"
 
 namespace radiashafts::cli {
 
-ProgressBar::ProgressBar(std::string label, bool wanted)
-    : label_(std::move(label)), visible_(wanted && platform::errorIsTerminal()) {}
+ProgressBar::ProgressBar(const std::string& label, bool wanted)
+    : label_(printable(label)), visible_(wanted && platform::errorIsTerminal()) {}
 
 ProgressBar::~ProgressBar() {
   if (visible_ && shownPercent_ >= 0) std::fputs("\r\033[K", stderr);

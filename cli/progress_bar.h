@@ -9,7 +9,7 @@ namespace radiashafts::cli {
 // at the end of its life.
 class ProgressBar {
  public:
-  ProgressBar(std::string label, bool wanted);
+  ProgressBar(const std::string& label, bool wanted);
   ~ProgressBar();
   ProgressBar(const ProgressBar&) = delete;
   ProgressBar& operator=(const ProgressBar&) = delete;

@@ -8,10 +8,6 @@
 #include "hostapi/filter_record.h"
 #include "parameters/parameter.h"
 
-namespace radiashafts::platform {
-struct WholeFile;
-}
-
 namespace radiashafts {
 
 class PresetTokens;
@@ -53,8 +49,8 @@ class pfParameters {
   bool DeleteSettings(const std::string& strName, const std::string& strPath);
 
  private:
-  void SaveEntry(const std::string& name, const std::string& path, const std::string& filterName,
-                 const platform::WholeFile& old, std::string* failure);
+  bool SaveEntry(const std::string& name, const std::string& path, const std::string& filterName,
+                 std::string* failure);
   void LoadEntry(PresetTokens& tokens, UndoHistory* history);
   std::vector<std::uint32_t> ScriptKeys() const;  // ended by a 0
 

@@ -52,6 +52,25 @@ bool lookAt(const std::string& path, std::string& filterName, WholeFile& file) {
   return valid;
 }
 
+// None where there is no such entry. A text that no filter owns is none of the presets' business.
+std::optional<std::string> withoutEntry(const WholeFile& file, const std::string& name) {
+  const auto entry = findPreset(file.content, name);
+  if (!entry || !presetOwner(file.content)) return std::nullopt;
+  return withoutPreset(file.content, *entry, lineEnd);
+}
+
+// False when the entry is gone already or nothing can be written beside the file.
+bool deleteEntry(const std::string& name, const std::string& path) {
+  bool found = false;
+  const auto failed = platform::changeWholeFile(path, [&](const WholeFile& old) {
+    auto content = withoutEntry(old, name);
+    found = content.has_value();
+    return content;
+  });
+  if (failed) warnUnwritten(path, *failed);
+  return found;
+}
+
 // Numbers go through single precision, but not beyond it.
 double narrowed(double value) {
   constexpr double largest = std::numeric_limits<float>::max();
@@ -133,8 +152,7 @@ bool pfParameters::SaveSettings(const std::string& strName, const std::string& s
   bool valid = false;
   if (!name.empty() && !strPath.empty()) {
     WholeFile old;
-    valid = lookAt(strPath, owner, old);
-    if (valid) SaveEntry(name, strPath, strFilterName, old, failure);
+    valid = lookAt(strPath, owner, old) && SaveEntry(name, strPath, strFilterName, failure);
   }
   trace("pfParmeters::SaveSettings( return(", valid, ") )");
   return valid;
@@ -166,41 +184,37 @@ bool pfParameters::DeleteSettings(const std::string& strName, const std::string&
   bool found = false;
   const std::string name = presetNameOf(strName);
   if (!name.empty() && !strPath.empty()) {
-    const WholeFile old = platform::readWholeFile(strPath);
-    if (old.state != FileState::whole) warnUnread(strPath);
-    const auto entry = findPreset(old.content, name);
-    // A text that no filter owns is none of the presets' business.
-    if (entry && presetOwner(old.content)) {
-      const auto failed =
-          platform::replaceWholeFile(strPath, withoutPreset(old.content, *entry, lineEnd));
-      if (failed) warnUnwritten(strPath, *failed);
-      found = !failed || failed->step != ReplaceStep::open;
-    }
+    const WholeFile file = platform::readWholeFile(strPath);
+    if (file.state != FileState::whole) warnUnread(strPath);
+    found = withoutEntry(file, name) && deleteEntry(name, strPath);
   }
   trace("pfParmeters::DeleteSettings( return(", found, ") )");
   return found;
 }
 
-void pfParameters::SaveEntry(const std::string& name, const std::string& path,
-                             const std::string& filterName, const WholeFile& old,
-                             std::string* failure) {
-  if (old.state == FileState::refused) {
-    warnUnread(path);
-    if (failure != nullptr) *failure = "cannot be read";
-    return;
-  }
-  std::string content = old.content;
-  if (old.state == FileState::absent) {
-    content = std::string(presetOwnerKeyword) + " " + filterName + lineEnd;
-  }
+bool pfParameters::SaveEntry(const std::string& name, const std::string& path,
+                             const std::string& filterName, std::string* failure) {
   std::string values;
   for (pfParameter* parameter : parameters_) {
     if (parameter->storedInPreset) values += valueLine(*parameter);
   }
-  const auto failed = platform::replaceWholeFile(path, withPreset(content, name, values, lineEnd));
-  if (!failed) return;
-  warnUnwritten(path, *failed);
-  if (failure != nullptr) *failure = failed->reason;
+  bool valid = true;
+  bool read = true;
+  const auto failed =
+      platform::changeWholeFile(path, [&](const WholeFile& old) -> std::optional<std::string> {
+        std::string owner = filterName;
+        valid = isOurs(old, owner);
+        read = old.state != FileState::refused;
+        if (!valid || !read) return std::nullopt;
+        const bool isNew = old.state == FileState::absent;
+        const std::string header = std::string(presetOwnerKeyword) + " " + filterName + lineEnd;
+        return withPreset(isNew ? header : old.content, name, values, lineEnd);
+      });
+  if (failed) warnUnwritten(path, *failed);
+  if (!read) warnUnread(path);
+  if (failure != nullptr && failed) *failure = failed->reason;
+  if (failure != nullptr && !read) *failure = "cannot be read";
+  return valid;
 }
 
 void pfParameters::LoadEntry(PresetTokens& tokens, UndoHistory* history) {

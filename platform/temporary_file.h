@@ -14,8 +14,9 @@ class TemporaryFile {
   TemporaryFile(const TemporaryFile&) = delete;
   TemporaryFile& operator=(const TemporaryFile&) = delete;
 
-  // Takes the name for this process alone, with what a process that ended left under it.
-  bool open();
+  // Takes the name for this object alone, with what a process that ended left under it.
+  enum class Taken { own, byAnother, failed };
+  Taken open();
   bool write(const char* bytes, std::size_t size);
   bool flush();  // to the disk
   bool putInPlace();
@@ -23,6 +24,10 @@ class TemporaryFile {
 
  private:
   bool failed();  // notes the system's last error
+  Taken refused(Taken why) {
+    failed();
+    return why;
+  }
 
   std::string place_;
   std::string path_;

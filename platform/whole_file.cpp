@@ -1,6 +1,9 @@
 #include "platform/whole_file.h"
 
 #include <algorithm>
+#include <chrono>
+#include <thread>
+#include <utility>
 
 #include "platform/temporary_file.h"
 
@@ -8,11 +11,12 @@ namespace radiashafts::platform {
 
 bool (*replaceFault)(ReplaceStep step) = nullptr;
 
-std::optional<ReplaceFailure> replaceWholeFile(const std::string& path,
-                                               const std::string& content) {
+std::optional<ReplaceFailure> changeWholeFile(const std::string& path, const FileChange& change) {
+  using namespace std::chrono_literals;
   TemporaryFile file(path);
   std::optional<ReplaceFailure> failure;
   const auto step = [&](ReplaceStep which, auto action) {
+    failure.reset();
     if (replaceFault != nullptr && replaceFault(which)) {
       failure = {which, "fault on request"};
     } else if (!action()) {
@@ -20,10 +24,20 @@ std::optional<ReplaceFailure> replaceWholeFile(const std::string& path,
     }
     return !failure;
   };
-  if (!step(ReplaceStep::open, [&] { return file.open(); })) return failure;
-  for (std::size_t done = 0; done < content.size(); done += replaceBlock) {
-    const std::size_t size = std::min(replaceBlock, content.size() - done);
-    const auto write = [&] { return file.write(content.data() + done, size); };
+  const auto end = std::chrono::steady_clock::now() + 1s;
+  auto taken = TemporaryFile::Taken::failed;
+  const auto take = [&] { return (taken = file.open()) == TemporaryFile::Taken::own; };
+  while (!step(ReplaceStep::open, take)) {
+    const bool waits =
+        std::exchange(taken, TemporaryFile::Taken::failed) == TemporaryFile::Taken::byAnother;
+    if (!waits || std::chrono::steady_clock::now() >= end) return failure;
+    std::this_thread::sleep_for(5ms);
+  }
+  const auto content = change(readWholeFile(path));
+  if (!content) return std::nullopt;
+  for (std::size_t done = 0; done < content->size(); done += replaceBlock) {
+    const std::size_t size = std::min(replaceBlock, content->size() - done);
+    const auto write = [&] { return file.write(content->data() + done, size); };
     if (!step(ReplaceStep::write, write)) return failure;
   }
   if (step(ReplaceStep::flush, [&] { return file.flush(); })) {

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -36,13 +37,18 @@ struct ReplaceFailure {
   std::string reason;  // in the system's words
 };
 
-// Puts a file with the content in the path's place in one step, a new one where there is none.
-// Whatever fails, or wherever the process ends, the path holds its old bytes or the new ones, which
-// have reached the disk. The content is gathered beside it, under its name followed by "tmp"; who
-// finds another process at that has failed. On Linux links are followed and rights kept.
-std::optional<ReplaceFailure> replaceWholeFile(const std::string& path, const std::string& content);
+// The new content for a file as it stands; none leaves it alone.
+using FileChange = std::function<std::optional<std::string>(const WholeFile& old)>;
 
-// Where set, asked before each step; a step that it answers with true fails. For tests.
+// Puts a file with the changed content in the path's place in one step, a new one where there is
+// none. Whatever fails, or wherever the process ends, the path holds its old bytes or the new ones,
+// which have reached the disk. The content is gathered beside it, under its name followed by "tmp".
+// Who has that file open is alone at the change, from reading to the end; others wait for a second
+// and have failed then. On Linux links are followed and rights kept.
+std::optional<ReplaceFailure> changeWholeFile(const std::string& path, const FileChange& change);
+
+// Where set, asked before each step and before each further try to open; a step that it answers
+// with true fails. For tests.
 extern bool (*replaceFault)(ReplaceStep step);
 
 // What the system's text files end a line with.

@@ -9,9 +9,12 @@
 #include <string_view>
 #include <type_traits>
 
+#include <OpenImageIO/filesystem.h>
 #include <OpenImageIO/imageio.h>
+#include <OpenImageIO/strutil.h>
 
 #include "platform/silence.h"
+#include "standin/oiio_threads.h"
 #include "standin/partial_file.h"
 #include "standin/picture_file.h"
 #include "standin/word_scale.h"
@@ -24,6 +27,12 @@ using OIIO::ImageInput;
 using OIIO::ImageOutput;
 using OIIO::ImageSpec;
 using OIIO::TypeDesc;
+
+// The pool of one format is apart from the library's.
+void keepFromThreads() {
+  static const bool kept = threadsAreScarce() && OIIO::attribute("exr_threads", -1);
+  static_cast<void>(kept);
+}
 
 struct OiioMetadata final : PictureMetadata {
   ImageSpec spec;
@@ -132,14 +141,49 @@ bool isTruncatedJpeg(const fs::path& path) {
   return lastScan == std::string::npos || bytes.find("\xFF\xD9", lastScan) == std::string::npos;
 }
 
+// What the library knows the formats of names by; it cuts them at a question mark.
+std::string extensionOf(const fs::path& path) {
+  const std::string extension = path.extension().string();
+  return extension.substr(0, extension.find('?'));
+}
+
+// Null with a message in the library's store.
+std::unique_ptr<ImageInput> openAnyName(const fs::path& path) {
+  ImageSpec wish;
+  wish.attribute("oiio:UnassociatedAlpha", 1);
+  const std::string name = path.string();
+  if (name.find('?') == std::string::npos) return ImageInput::open(name, &wish);
+  const auto all = OIIO::Strutil::splits(OIIO::get_string_attribute("input_format_list"), ",");
+  std::vector<std::string> formats{"x" + extensionOf(path)};
+  formats.insert(formats.end(), all.begin(), all.end());
+  for (const std::string& format : formats) {
+    auto input = ImageInput::create(format);
+    ImageSpec found;
+    if (input != nullptr && input->open(name, found, wish)) return input;
+  }
+  return nullptr;
+}
+
+std::unique_ptr<ImageOutput> outputFor(const fs::path& path) {
+  const std::string extension = path.extension().string();
+  const bool cut = extension != extensionOf(path);
+  auto output = cut || extension.empty() ? nullptr : ImageOutput::create("x" + extension);
+  if (output == nullptr) {
+    static_cast<void>(OIIO::geterror());
+    fail(path, "no picture format that can be written has the extension '" + extension + "'");
+  }
+  return output;
+}
+
 std::unique_ptr<ImageInput> openInput(const fs::path& path, ImageSpec& spec) {
   std::error_code error;
   if (!fs::exists(path, error)) fail(path, "no such file");
   if (fs::is_directory(path, error)) fail(path, "is a directory");
-  ImageSpec wish;
-  wish.attribute("oiio:UnassociatedAlpha", 1);
-  auto input = ImageInput::open(path.string(), &wish);
-  if (input == nullptr) fail(path, OIIO::geterror());
+  auto input = openAnyName(path);
+  if (input == nullptr) {
+    const std::string reason = OIIO::geterror();
+    fail(path, reason.empty() ? "no picture of a format that can be read" : reason);
+  }
   spec = input->spec();
   if (spec.width > hostapi::maximumSide || spec.height > hostapi::maximumSide) {
     fail(path, "a side of " + std::to_string(std::max(spec.width, spec.height)) +
@@ -182,6 +226,10 @@ void dropChannels(Picture& picture, ImageSpec& spec, const ImageOutput& output,
   if (!output.supports("nchannels")) {
     kept = std::min(kept, picture.colorPlanes + (picture.hasAlpha && output.supports("alpha")));
   }
+  // This encoder ends the program where it gets any other number.
+  if (std::string_view(output.format_name()) == "dpx") {
+    kept = std::min(kept, picture.colorPlanes + (picture.hasAlpha && picture.colorPlanes == 3));
+  }
   if (kept == picture.planes) return;
   notes.push_back(path.string() + ": " + output.format_name() + " holds " + std::to_string(kept) +
                   " of the picture's " + std::to_string(picture.planes) +
@@ -209,40 +257,86 @@ void notePages(const PictureFile& file, const fs::path& path, std::vector<std::s
   }
 }
 
-// The JPEG encoder ends the whole program when the disk is full.
-void needSpace(const fs::path& path, const Picture& picture) {
-  const fs::path directory = path.parent_path().empty() ? fs::path(".") : path.parent_path();
-  std::error_code error;
-  const fs::space_info space = fs::space(directory, error);
-  if (!error && space.available < picture.bytes.size()) fail(path, "not enough space on the disk");
+// Whether the encoder keeps every sample as it gets it.
+bool isExact(const ImageOutput& output) {
+  constexpr std::string_view formats[] = {"bmp", "dpx", "fits", "iff",   "openexr", "png",
+                                          "pnm", "rla", "sgi",  "targa", "tiff",    "zfile"};
+  if (std::find(std::begin(formats), std::end(formats), output.format_name()) ==
+      std::end(formats)) {
+    return false;
+  }
+  const std::string_view compression = output.spec().get_string_attribute("compression");
+  for (const std::string_view lossy : {"jpeg", "b44", "dwa", "pxr24"}) {
+    if (compression.substr(0, lossy.size()) == lossy) return false;
+  }
+  return output.spec().get_string_attribute("tiff:ColorSpace") != "CMYK";
 }
 
-// Reads the written file once, since not every encoder tells that the disk was full. Notes what the
-// format did not take of the picture's description.
-void verify(const fs::path& written, const fs::path& path, const ImageSpec& wanted,
-            std::vector<std::string>& notes) {
-  const auto input = ImageInput::open(written.string());
-  if (input == nullptr) {
-    static_cast<void>(OIIO::geterror());
-    fail(path, "could not be written whole");
+// Reads the file strip by strip, and compares it with the picture where the encoder is exact: not
+// every one tells that the disk was full.
+bool isWhole(ImageInput& input, const ImageOutput& output, const Picture& picture) {
+  const ImageSpec& spec = input.spec();
+  const TypeDesc type = output.spec().format;
+  const bool exact = isExact(output);
+  if (exact && (spec.width != picture.width || spec.height != picture.height ||
+                spec.nchannels != picture.planes)) {
+    return false;
   }
-  const ImageSpec& spec = input->spec();
-  constexpr int rowsAtOnce = 64;
-  std::vector<std::uint8_t> rows(spec.scanline_bytes(true) * rowsAtOnce);
-  for (int y = 0; y < spec.height && spec.tile_width == 0; y += rowsAtOnce) {
+  const int rowsAtOnce = spec.tile_width == 0 ? 64 : spec.tile_height;
+  const std::size_t rowSamples =
+      static_cast<std::size_t>(spec.width) * static_cast<std::size_t>(spec.nchannels);
+  std::vector<std::uint8_t> expected(rowSamples * type.size());  // a row of them
+  std::vector<std::uint8_t> rows(expected.size() * static_cast<std::size_t>(rowsAtOnce));
+  for (int y = 0; y < spec.height; y += rowsAtOnce) {
     const int end = std::min(y + rowsAtOnce, spec.height);
-    if (!input->read_scanlines(0, 0, spec.y + y, spec.y + end, 0, 0, spec.nchannels,
-                               TypeDesc::UNKNOWN, rows.data())) {
-      static_cast<void>(input->geterror());
-      fail(path, "could not be written whole");
+    const bool read =
+        spec.tile_width == 0
+            ? input.read_scanlines(0, 0, spec.y + y, spec.y + end, 0, 0, spec.nchannels, type,
+                                   rows.data())
+            : input.read_tiles(0, 0, spec.x, spec.x + spec.width, spec.y + y, spec.y + end, spec.z,
+                               spec.z + 1, 0, spec.nchannels, type, rows.data());
+    if (!read) {
+      static_cast<void>(input.geterror());
+      return false;
+    }
+    for (int row = y; exact && row < end; ++row) {
+      OIIO::convert_pixel_values(typeOf(picture.depth),
+                                 &picture.bytes[static_cast<std::size_t>(row) * picture.rowBytes()],
+                                 type, expected.data(), static_cast<int>(rowSamples));
+      const std::uint8_t* const found = &rows[static_cast<std::size_t>(row - y) * expected.size()];
+      if (std::memcmp(found, expected.data(), expected.size()) != 0) return false;
     }
   }
-  const bool truncated =
-      std::string_view(input->format_name()) == "jpeg" && isTruncatedJpeg(written);
-  if (truncated) fail(path, "could not be written whole");
+  return true;
+}
+
+// An encoder whose last bytes found no room may not say so: then there is none for another byte.
+bool hasRoomBehind(const fs::path& file) {
+  std::error_code error;
+  const std::uintmax_t size = fs::file_size(file, error);
+  std::ofstream stream(file, std::ios::binary | std::ios::app);
+  stream.put('\0');
+  stream.close();
+  fs::resize_file(file, size, error);
+  return !error && !stream.fail();
+}
+
+// Looks whether the written file is what it should be. Notes what the format did not take of the
+// picture's description.
+void verify(const fs::path& written, const fs::path& path, const ImageOutput& output,
+            const PictureFile& file, std::vector<std::string>& notes) {
+  const auto input = openAnyName(written);
+  if (input == nullptr || !isWhole(*input, output, file.picture) || !hasRoomBehind(written)) {
+    static_cast<void>(OIIO::geterror());
+    fail(path, "the written file does not hold the picture");
+  }
+  const ImageSpec& spec = input->spec();
   const auto noteLoss = [&](const char* what) {
     notes.push_back(path.string() + ": " + input->format_name() + " does not keep the " + what);
   };
+  const auto* metadata = dynamic_cast<const OiioMetadata*>(file.metadata.get());
+  if (metadata == nullptr) return;
+  const ImageSpec& wanted = metadata->spec;
   if (wanted.get_int_attribute("Orientation", 1) != spec.get_int_attribute("Orientation", 1)) {
     noteLoss("orientation");
   }
@@ -252,9 +346,30 @@ void verify(const fs::path& written, const fs::path& path, const ImageSpec& want
   }
 }
 
+// An encoder's file in memory, for one that ends the program when the disk is full.
+class MemoryFile {
+ public:
+  bool take(ImageOutput& output) { return taken_ = output.set_ioproxy(&proxy_); }
+  // True where nothing was taken.
+  bool writeTo(const fs::path& path) const {
+    if (!taken_) return true;
+    std::ofstream stream(path, std::ios::binary);
+    stream.write(reinterpret_cast<const char*>(bytes_.data()),
+                 static_cast<std::streamsize>(bytes_.size()));
+    stream.close();
+    return !stream.fail();
+  }
+
+ private:
+  bool taken_ = false;
+  std::vector<unsigned char> bytes_;
+  OIIO::Filesystem::IOVecOutput proxy_{bytes_};
+};
+
 }  // namespace
 
 PictureFile readPictureFile(const fs::path& path) {
+  keepFromThreads();
   const platform::SilencedStandardError silenced;
   auto metadata = std::make_shared<OiioMetadata>();
   const auto input = openInput(path, metadata->spec);
@@ -276,6 +391,7 @@ PictureFile readPictureFile(const fs::path& path) {
 }
 
 Mask readMaskFile(const fs::path& path) {
+  keepFromThreads();
   const platform::SilencedStandardError silenced;
   ImageSpec spec;
   const auto input = openInput(path, spec);
@@ -292,23 +408,21 @@ Mask readMaskFile(const fs::path& path) {
 
 void checkWritable(const fs::path& path, const Picture&) {
   const platform::SilencedStandardError silenced;
-  const fs::path directory = path.parent_path();
-  std::error_code error;
-  if (!directory.empty() && !fs::is_directory(directory, error)) fail(path, "no such directory");
-  if (ImageOutput::create(path.string()) == nullptr) {
-    static_cast<void>(OIIO::geterror());
-    fail(path, "no picture format that can be written has the extension '" +
-                   path.extension().string() + "'");
-  }
+  if (const std::string reason = PartialFile::obstacle(path); !reason.empty()) fail(path, reason);
+  outputFor(path);
 }
 
 WriteResult writePictureFile(const fs::path& path, PictureFile&& file,
                              const std::function<bool()>& aborted) {
   const platform::SilencedStandardError silenced;
+  keepFromThreads();
+  MemoryFile memory;
   PartialFile partial(path);
-  const auto output = ImageOutput::create(partial.path().string());
-  if (output == nullptr) fail(path, OIIO::geterror());
-
+  const auto output = outputFor(path);
+  // Its encoder would wait for threads for ever.
+  if (std::string_view(output->format_name()) == "heif" && threadsAreScarce()) {
+    fail(path, "the system lets this process have too few threads for this format");
+  }
   WriteResult result;
   Picture& picture = file.picture;
   ImageSpec spec = outputSpec(file, *output);
@@ -322,7 +436,7 @@ WriteResult writePictureFile(const fs::path& path, PictureFile&& file,
   if (picture.depth == 32 && std::string_view(output->format_name()) == "png") {
     spec.set_format(TypeDesc::UINT16);
   }
-  if (std::string_view(output->format_name()) == "jpeg") needSpace(path, picture);
+  if (std::string_view(output->format_name()) == "jpeg") memory.take(*output);
   if (!output->open(partial.path().string(), spec)) fail(path, output->geterror());
   if (output->spec().format != wanted) {
     result.notes.push_back(path.string() + ": " + output->format_name() + " holds " +
@@ -342,8 +456,9 @@ WriteResult writePictureFile(const fs::path& path, PictureFile&& file,
                                             stopped, const_cast<std::function<bool()>*>(&aborted));
   if (aborted()) return result;
   if (!complete || !output->close()) fail(path, output->geterror());
-
-  verify(partial.path(), path, spec, result.notes);
+  if (!memory.writeTo(partial.path())) fail(path, "the written file does not hold the picture");
+  verify(partial.path(), path, *output, file, result.notes);
+  if (aborted()) return result;
   if (const std::string error = partial.putInPlace(); !error.empty()) fail(path, error);
   result.written = true;
   return result;

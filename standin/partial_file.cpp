@@ -2,6 +2,8 @@
 
 #include <random>
 
+#include "platform/file_rights.h"
+
 namespace radiashafts::standin {
 
 namespace fs = std::filesystem;
@@ -19,11 +21,22 @@ fs::path behindLinks(const fs::path& place) {
 }  // namespace
 
 PartialFile::PartialFile(const fs::path& place) : place_(behindLinks(place)) {
-  fs::path name = ".";
-  name += place_.stem();
-  name += ".partial-" + std::to_string(std::random_device()());
+  fs::path name = ".partial-" + std::to_string(std::random_device()());
   name += place_.extension();
   path_ = place_.parent_path() / name;
+}
+
+std::string PartialFile::obstacle(const fs::path& place) {
+  std::error_code error;
+  const fs::path directory = place.parent_path();
+  if (!directory.empty() && !fs::is_directory(directory, error)) return "no such directory";
+  const fs::file_status status = fs::status(place, error);
+  if (fs::is_directory(status)) return "is a directory";
+  if (!fs::exists(status)) {
+    return fs::is_symlink(fs::symlink_status(place, error)) ? "is a link to nothing" : "";
+  }
+  if (!fs::is_regular_file(status)) return "is no plain file";
+  return platform::mayChange(place) ? "" : "is read-only";
 }
 
 PartialFile::~PartialFile() {
@@ -32,6 +45,7 @@ PartialFile::~PartialFile() {
 }
 
 std::string PartialFile::putInPlace() {
+  if (std::string reason = obstacle(place_); !reason.empty()) return reason;
   std::error_code error;
   const fs::file_status replaced = fs::status(place_, error);
   if (fs::is_regular_file(replaced)) fs::permissions(path_, replaced.permissions(), error);

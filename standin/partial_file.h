@@ -8,7 +8,10 @@ namespace radiashafts::standin {
 
 class PartialFile {
  public:
-  // A name in the place's folder, with the place's extension.
+  // Why the place holds no file or what may not be replaced; empty where one can be put there.
+  static std::string obstacle(const std::filesystem::path& place);
+
+  // A short name without special characters in the place's folder, with the place's extension.
   explicit PartialFile(const std::filesystem::path& place);
   ~PartialFile();  // removes what was not put in place
   PartialFile(const PartialFile&) = delete;

@@ -311,6 +311,42 @@ void writeWithCodec(const fs::path& path, const fs::path& place, Picture& pictur
   check(encoding.encoder->Commit(), place, "writing");
 }
 
+// Reads the file row by row and compares what it holds of the picture's channels with those of the
+// picture, which is as it was written. Not every codec hands out all that it was given.
+void verify(const fs::path& path, const fs::path& place, const Picture& picture) {
+  const GUID* const container = containerOf(place);
+  if (container == &GUID_ContainerFormatJpeg) return;
+  const StoredFormat* format = nullptr;
+  const auto source = knownSource(path, openFrame(path), format);
+  UINT width = 0;
+  UINT height = 0;
+  check(source->GetSize(&width, &height), place, "reading back");
+  const auto planes = static_cast<std::size_t>(format->colorPlanes + (format->alpha ? 1 : 0));
+  const bool comparable =
+      format->depth == picture.depth && format->colorPlanes == picture.colorPlanes;
+  const std::size_t kept =
+      std::min(planes, static_cast<std::size_t>(picture.planes)) * picture.sampleBytes();
+  std::vector<std::uint8_t> row(static_cast<std::size_t>(format->depth / 8 * format->samples) *
+                                width);
+  std::vector<std::uint8_t> pixels(static_cast<std::size_t>(format->depth) / 8 * planes * width);
+  bool same =
+      width == static_cast<UINT>(picture.width) && height == static_cast<UINT>(picture.height);
+  for (UINT y = 0; same && y < height; ++y) {
+    const WICRect line{0, static_cast<INT>(y), static_cast<INT>(width), 1};
+    check(source->CopyPixels(&line, static_cast<UINT>(row.size()), static_cast<UINT>(row.size()),
+                             row.data()),
+          place, "reading back");
+    if (!comparable) continue;
+    exchange(*format, row.data(), pixels.data(), width, true);
+    const std::uint8_t* expected = &picture.bytes[y * picture.rowBytes()];
+    for (std::size_t x = 0; same && x < width; ++x) {
+      same = std::memcmp(&pixels[x * planes * picture.sampleBytes()],
+                         expected + x * picture.pixelBytes(), kept) == 0;
+    }
+  }
+  if (!same) fail(place, "the written file does not hold the picture");
+}
+
 }  // namespace
 
 PictureFile readPictureFile(const fs::path& path) {
@@ -324,9 +360,7 @@ Mask readMaskFile(const fs::path& path) {
 }
 
 void checkWritable(const fs::path& path, const Picture& picture) {
-  const fs::path directory = path.parent_path();
-  std::error_code error;
-  if (!directory.empty() && !fs::is_directory(directory, error)) fail(path, "no such directory");
+  if (const std::string reason = PartialFile::obstacle(path); !reason.empty()) fail(path, reason);
   if (isFloatMap(path)) {
     if (picture.depth != 32 || picture.hasAlpha) {
       fail(path, "a float map holds floats without alpha");
@@ -345,6 +379,7 @@ WriteResult writePictureFile(const fs::path& path, PictureFile&& file,
     writeFloatMap(partial.path(), path, file.picture);
   } else {
     writeWithCodec(partial.path(), path, file.picture, aborted);
+    if (!aborted()) verify(partial.path(), path, file.picture);
   }
   if (aborted()) return {};
   if (const std::string error = partial.putInPlace(); !error.empty()) fail(path, error);

@@ -1,6 +1,7 @@
 // The command line as a user meets it: the program is run, its files and messages are looked at.
 
 #include <array>
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -8,7 +9,10 @@
 #include <sstream>
 
 #include <OpenImageIO/imageio.h>
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <pty.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -51,10 +55,9 @@ class CommandLine : public testing::Test {
   }
   ~CommandLine() override { fs::remove_all(folder_); }
 
-  Answer run(const std::string& arguments) const {
-    const std::string command = "cd " + folder_.string() +
-                                " && XDG_CONFIG_HOME=$PWD " RADIASHAFTS_PROGRAM " " + arguments +
-                                " >out.txt 2>err.txt";
+  Answer run(const std::string& arguments, const std::string& runner = "") const {
+    const std::string command = "cd " + folder_.string() + " && XDG_CONFIG_HOME=$PWD " + runner +
+                                " " RADIASHAFTS_PROGRAM " " + arguments + " >out.txt 2>err.txt";
     const int status = std::system(command.c_str());
     return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, contentOf(folder_ / "out.txt"),
             contentOf(folder_ / "err.txt")};
@@ -199,6 +202,12 @@ TEST_F(CommandLine, BadInputGetsOneLineAndTouchesNoOutput) {
   ASSERT_EQ(run("in.png short.jpg --quiet").exitCode, 0);
   fs::resize_file(path("short.jpg"), fs::file_size(path("short.jpg")) - 40);
   std::ofstream(path("wide.ppm")) << "P5 40000 1 255\n" << std::string(40000, 'x');
+  std::ofstream(path("kept.png")) << "precious";
+  chmod(path("kept.png").c_str(), 0444);
+  mkfifo(path("pipe.png").c_str(), 0600);
+  fs::create_symlink("nowhere.png", path("lost.png"));
+  fs::create_symlink("/dev/full", path("device.png"));
+  fs::create_directory(path("folder.png"));
 
   struct {
     const char* arguments;
@@ -214,6 +223,15 @@ TEST_F(CommandLine, BadInputGetsOneLineAndTouchesNoOutput) {
       {"in.png out.png --mask in.png", 3, "in.png"},
       {"in.png nowhere/out.png", 4, "nowhere/out.png"},
       {"in.png out.nothing", 4, "out.nothing"},
+      {"in.png 'out.png?'", 4, "out.png?"},
+      {"in.png kept.png", 4, "kept.png"},
+      {"in.png pipe.png", 4, "pipe.png"},
+      {"in.png lost.png", 4, "lost.png"},
+      {"in.png device.png", 4, "device.png"},
+      {"in.png folder.png", 4, "folder.png"},
+      {"\"$(printf 'a\\nb\\033c\\302\\233d\\377')\" out.png", 3, "a\\nb\\x1bc\\xc2\\x9bd\\xff:"},
+      {"in.png --output-dir \"$(printf 'a\\nb')\"", 2, "a\\nb:"},
+      {"--list-presets \"$(printf 'a\\nb')\"", 3, "a\\nb:"},
       {"in.png out.png --ray-size 3", 2, "--ray-size"},
       {"in.png out.png --ray-length long", 2, "--ray-length"},
       {"in.png out.png --intensity nan", 2, "--intensity"},
@@ -245,6 +263,31 @@ TEST_F(CommandLine, BadInputGetsOneLineAndTouchesNoOutput) {
     EXPECT_EQ(std::count(answer.err.begin(), answer.err.end(), '\n'), 1) << answer.err;
     EXPECT_NE(answer.err.find(c.culprit), std::string::npos) << c.arguments << ": " << answer.err;
     EXPECT_EQ(contentOf(path("out.png")), "precious") << c.arguments;
+  }
+  EXPECT_EQ(contentOf(path("kept.png")), "precious");
+  EXPECT_TRUE(fs::is_fifo(path("pipe.png")) && fs::is_symlink(path("device.png")));
+  EXPECT_FALSE(exists("lost.png"));
+}
+
+// The last byte, or a quarter of the file, finds no room.
+TEST_F(CommandLine, AFullDiskLeavesTheOldPicture) {
+  write<std::uint8_t>("in.tif", 3, TypeDesc::UINT8);
+  fs::create_directory(path("results"));
+  for (const char* name : {"o.bmp", "o.exr", "o.gif", "o.hdr", "o.jpg", "o.png", "o.ppm", "o.sgi",
+                           "o.tga", "o.tif", "o.webp"}) {
+    const std::string place = std::string("results/") + name;
+    ASSERT_EQ(run("in.tif --quiet " + place).exitCode, 0) << name;
+    const std::uintmax_t size = fs::file_size(path(place));
+    for (const std::uintmax_t room : {size - 1, size * 3 / 4}) {
+      std::ofstream(path(place)) << "precious";
+      const Answer answer = run("in.tif " + place, "prlimit --fsize=" + std::to_string(room));
+      EXPECT_EQ(answer.exitCode, 4) << name << room;
+      EXPECT_EQ(answer.err.rfind("radiashafts: " + place, 0), 0U) << answer.err;
+      EXPECT_EQ(std::count(answer.err.begin(), answer.err.end(), '\n'), 1) << answer.err;
+      EXPECT_EQ(contentOf(path(place)), "precious") << name;
+    }
+    fs::remove(path(place));
+    EXPECT_TRUE(fs::is_empty(path("results"))) << name;
   }
 }
 
@@ -331,30 +374,110 @@ TEST_F(CommandLine, LastUsedValuesAreThoseOfTheUsersStore) {
   EXPECT_NE(contentOf(path("p.cfg")).find("-0.125000\nIntensity 0.333333\n"), std::string::npos);
 }
 
-TEST_F(CommandLine, AnInterruptLeavesNothingBehind) {
-  ImageSpec spec(6000, 4000, 3, TypeDesc::UINT8);
-  const auto output = ImageOutput::create(path("big.bmp").string());
-  ASSERT_TRUE(output->open(path("big.bmp").string(), spec));
-  const std::vector<std::uint8_t> samples(6000U * 4000U * 3U, 90);
-  ASSERT_TRUE(output->write_image(TypeDesc::UINT8, samples.data()) && output->close());
+// The program on a terminal of its own.
+class OnTerminal {
+ public:
+  explicit OnTerminal(std::vector<std::string> arguments) {
+    arguments.insert(arguments.begin(), RADIASHAFTS_PROGRAM);
+    process_ = forkpty(&terminal_, nullptr, nullptr, nullptr);
+    if (process_ != 0) return;
+    std::vector<char*> pointers;
+    for (std::string& argument : arguments) pointers.push_back(argument.data());
+    pointers.push_back(nullptr);
+    execv(RADIASHAFTS_PROGRAM, pointers.data());
+    _exit(1);
+  }
+  ~OnTerminal() { close(terminal_); }
+  OnTerminal(const OnTerminal&) = delete;
+  OnTerminal& operator=(const OnTerminal&) = delete;
+
+  // Reads on; false when the program has closed the terminal without saying the text.
+  bool says(const std::string& text) {
+    char byte;
+    while (said_.find(text) == std::string::npos) {
+      if (read(terminal_, &byte, 1) != 1) return false;
+      said_ += byte;
+    }
+    return true;
+  }
+  // The exit code, when the program has been asked to end.
+  int endedBy(int signal) {
+    kill(process_, signal);
+    EXPECT_TRUE(says("radiashafts: interrupted\r\n")) << said_;
+    int status = 0;
+    waitpid(process_, &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+  }
+
+ private:
+  int terminal_ = -1;
+  pid_t process_ = -1;
+  std::string said_;
+};
+
+TEST_F(CommandLine, ARequestToEndIsFollowedAnywhereAndLeavesNothingBehind) {
+  ASSERT_EQ(mkfifo(path("pipe.png").c_str(), 0600), 0);
   fs::create_directory(path("results"));
-  // timeout(1) sends the interrupt while the rays are on their way: slow ones, for a fast machine.
-  const std::string command = "timeout --preserve-status -s INT 1.5 " RADIASHAFTS_PROGRAM
-                              " --selection-soften 1.3 --saturation 0.5 " +
-                              path("big.bmp").string() + " --output-dir " +
-                              path("results").string() + " 2>" + path("err.txt").string();
-  const int status = std::system(command.c_str());
-  EXPECT_EQ(WEXITSTATUS(status), 130);
-  EXPECT_EQ(contentOf(path("err.txt")), "radiashafts: interrupted\n");
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+    SCOPED_TRACE(signal);
+    OnTerminal reading({path("pipe.png"), path("results/out.png")});
+    const int pipe = open(path("pipe.png").c_str(), O_WRONLY);  // returns when it is read
+    EXPECT_EQ(reading.endedBy(signal), 128 + signal);
+    close(pipe);
+  }
+  const std::vector<std::uint8_t> samples(6000U * 4000U * 3U, 90);
+  const auto output = ImageOutput::create("x.bmp");
+  ASSERT_TRUE(output->open(path("big.bmp").string(), ImageSpec(6000, 4000, 3, TypeDesc::UINT8)));
+  ASSERT_TRUE(output->write_image(TypeDesc::UINT8, samples.data()) && output->close());
+  OnTerminal rendering({path("big.bmp"), path("results/out.png"), "--selection-soften", "1.3"});
+  EXPECT_TRUE(rendering.says("big.bmp ["));
+  EXPECT_EQ(rendering.endedBy(SIGTERM), 128 + SIGTERM);
+  OnTerminal writing({path("big.bmp"), path("results/out.png"), "--intensity", "0"});
+  while (fs::is_empty(path("results"))) usleep(1000);
+  EXPECT_EQ(writing.endedBy(SIGHUP), 128 + SIGHUP);
   EXPECT_TRUE(fs::is_empty(path("results")));
 }
 
-TEST_F(CommandLine, WritesManyFilesIntoADirectoryAndRefusesToWriteOneTwice) {
+// From none at all to enough. Root gets any number, so another user asks.
+TEST_F(CommandLine, FewThreadsGiveThePictureOrOneLine) {
+  write<std::uint8_t>("in.tif", 4, TypeDesc::UINT8);
+  ASSERT_EQ(run("in.tif in.exr --quiet").exitCode +
+                run(std::string("in.exr usual.exr") + untouched).exitCode,
+            0);
+  fs::permissions(path(""), fs::perms::all);
+  for (const char* file : {"out.txt", "err.txt"}) fs::permissions(path(file), fs::perms::all);
+  const std::string user = geteuid() == 0 ? "setpriv --reuid=65534 --clear-groups " : "";
+  int pictures = 0;
+  for (int threads = 1; threads < 10; threads += 2) {
+    const Answer answer = run(std::string("in.exr out.exr") + untouched,
+                              user + "prlimit --nproc=" + std::to_string(threads));
+    if (answer.exitCode == 0) {
+      EXPECT_TRUE(contentOf(path("out.exr")) == contentOf(path("usual.exr"))) << threads;
+      ++pictures;
+    } else {
+      EXPECT_EQ(answer.exitCode, 5) << threads;
+      EXPECT_EQ(std::count(answer.err.begin(), answer.err.end(), '\n'), 1) << answer.err;
+    }
+    fs::remove(path("out.exr"));
+  }
+  EXPECT_TRUE(pictures > 0 || geteuid() != 0);  // a user's other processes count too
+}
+
+TEST_F(CommandLine, WritesManyFilesOfAnyNameIntoADirectoryAndRefusesToWriteOneTwice) {
+  const std::string names[] = {"a.png", "b?c.png", std::string(251, 'n') + ".png", "d.png?e=1"};
   write<std::uint8_t>("a.png", 3, TypeDesc::UINT8);
-  write<std::uint8_t>("b.png", 1, TypeDesc::UINT8);
-  fs::create_directory(path("results"));
-  EXPECT_EQ(run("a.png b.png --output-dir results --quiet").exitCode, 0);
-  EXPECT_TRUE(exists("results/a.png") && exists("results/b.png"));
+  for (const std::string& name : names) {
+    if (name != names[0]) fs::copy_file(path("a.png"), path(name));
+  }
+  for (const char* directory : {"results", "what?"}) {
+    fs::create_directory(path(directory));
+    const std::string to = std::string(" --quiet --output-dir '") + directory + "'";
+    EXPECT_EQ(run("'" + names[0] + "' '" + names[1] + "' " + names[2] + to).exitCode, 0);
+    for (int i = 0; i < 3; ++i) {
+      EXPECT_EQ(contentOf(path(directory) / names[i]), contentOf(path("results/a.png"))) << i;
+    }
+    EXPECT_EQ(run("'" + names[3] + "' '" + directory + "/e.png' --quiet").exitCode, 0);
+  }
   EXPECT_EQ(run("a.png ./a.png --output-dir results").exitCode, 2);
 }
 

@@ -81,12 +81,28 @@ TEST_F(UserStore, LivesInTheHomeWhereNoOtherFolderIsNamed) {
   setenv("HOME", home.c_str(), 1);
 }
 
+// Processes that keep values and presets at once, and one that deletes its presets again. A preset
+// is in the file when that was told.
 TEST_F(UserStore, ManyWritersLoseNothing) {
   constexpr int writers = 8;
+  const auto nameOf = [](int i, std::uint32_t n) { return std::to_string(i) + std::to_string(n); };
+  PresetSet set;
+  const std::string path = folder_.path("p.cfg");
   for (int i = 0; i < writers; ++i) {
     if (fork() != 0) continue;
     for (std::uint32_t n = 0; n < 5; ++n) {
-      UserKey::createForWriting("A")->writeNumber(std::to_string(i) + std::to_string(n), n);
+      UserKey::createForWriting("A")->writeNumber(nameOf(i, n), n);
+      std::string failure;
+      do {
+        failure.clear();
+        set.parameters.SaveSettings(nameOf(i, n), path, "Us", &failure);
+      } while (!failure.empty());
+      if (i == 0 && n > 0) {
+        const std::string gone = nameOf(i, n - 1);
+        while (set.parameters.LoadSettings(gone, path, nullptr) &&
+               !set.parameters.DeleteSettings(gone, path)) {
+        }
+      }
     }
     _exit(0);
   }
@@ -94,7 +110,9 @@ TEST_F(UserStore, ManyWritersLoseNothing) {
   const auto key = UserKey::openForReading("A");
   for (int i = 0; i < writers; ++i) {
     for (std::uint32_t n = 0; n < 5; ++n) {
-      EXPECT_EQ(key->readNumber(std::to_string(i) + std::to_string(n)), n);
+      EXPECT_EQ(key->readNumber(nameOf(i, n)), n);
+      EXPECT_EQ(set.parameters.LoadSettings(nameOf(i, n), path, nullptr), i > 0 || n == 4)
+          << nameOf(i, n);
     }
   }
 }
@@ -155,8 +173,12 @@ TEST(PresetsOnThisSystem, AFullDiskLeavesTheOldFile) {
   EXPECT_EQ(file.folder.fileCount(), 1);
 }
 
-TEST(PresetsOnThisSystem, LinksAndRightsStay) {
+TEST(PresetsOnThisSystem, LinksRightsAndLongNamesStay) {
   PresetFile file;
+  chmod(file.path.c_str(), 0444);
+  file.save();
+  EXPECT_NE(file.failure, "");
+  EXPECT_EQ(file.folder.read("p.cfg"), old);
   fs::create_directory(file.folder.path("elsewhere"));
   fs::rename(file.path, file.folder.path("elsewhere/real.cfg"));
   fs::create_symlink("elsewhere/real.cfg", file.path);
@@ -167,18 +189,37 @@ TEST(PresetsOnThisSystem, LinksAndRightsStay) {
   struct stat facts {};
   stat(file.path.c_str(), &facts);
   EXPECT_EQ(facts.st_mode & 0777, 0640U);
+  for (const int length : {249, 252}) {
+    file.path = file.folder.path(std::string(static_cast<std::size_t>(length), 'n') + "tmp");
+    EXPECT_TRUE(file.save("A") && file.save("B")) << length;
+    EXPECT_EQ(file.failure, "") << length;
+    EXPECT_TRUE(file.set.parameters.LoadSettings("A", file.path, nullptr)) << length;
+  }
+  EXPECT_EQ(file.folder.fileCount(), 4);
 }
 
-TEST(PresetsOnThisSystem, WhoFindsAnotherAtTheFileLeavesBothAlone) {
+int other = -1;
+int tries = 0;
+
+TEST(PresetsOnThisSystem, WhoFindsAnotherAtTheFileWaitsAndThenLeavesBothAlone) {
   PresetFile file;
   file.folder.write("p.cfgtmp", "half");
-  const int other = open((file.path + "tmp").c_str(), O_RDONLY);
+  other = open((file.path + "tmp").c_str(), O_RDONLY | O_CLOEXEC);
   ASSERT_EQ(flock(other, LOCK_EX), 0);
   EXPECT_TRUE(file.save());
   EXPECT_NE(file.failure, "");
+  EXPECT_FALSE(file.set.parameters.DeleteSettings("A", file.path));
   EXPECT_EQ(file.folder.read("p.cfg"), old);
   EXPECT_EQ(file.folder.read("p.cfgtmp"), "half");
-  close(other);
+  tries = 0;
+  platform::replaceFault = [](ReplaceStep) {
+    if (++tries == 3) close(other);
+    return false;
+  };
+  EXPECT_TRUE(file.save());
+  platform::replaceFault = nullptr;
+  EXPECT_EQ(file.failure, "");
+  EXPECT_NE(file.folder.read("p.cfg"), old);
 }
 
 TEST(PresetsOnThisSystem, PipesAndDevicesAreNoPresetFiles) {

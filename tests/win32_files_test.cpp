@@ -2,6 +2,9 @@
 
 #include <windows.h>
 
+#include <thread>
+#include <vector>
+
 #include <gtest/gtest.h>
 
 #include "tests/support/preset_set.h"
@@ -51,6 +54,33 @@ TEST(PresetsOnThisSystem, AFileThatIsOpenElsewhereStaysAsItWas) {
   file.close();
   EXPECT_EQ(file.folder.read("p.cfg"), old);
   EXPECT_EQ(file.save(), "");
+  EXPECT_EQ(file.folder.fileCount(), 1);
+}
+
+// Threads stand for processes: a file that is open is shared with neither.
+TEST(PresetsOnThisSystem, ManyWritersLoseNothing) {
+  PresetFile file;
+  constexpr int writers = 4;
+  constexpr int saves = 5;
+  const auto nameOf = [](int i, int n) { return std::to_string(i) + std::to_string(n); };
+  std::vector<std::thread> threads;
+  for (int i = 0; i < writers; ++i) {
+    threads.emplace_back([&, i] {
+      PresetSet set;
+      std::string failure;
+      for (int n = 0; n < saves; n += failure.empty()) {
+        failure.clear();
+        set.parameters.SaveSettings(nameOf(i, n), file.folder.path("p.cfg"), "Us", &failure);
+      }
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  for (int i = 0; i < writers; ++i) {
+    for (int n = 0; n < saves; ++n) {
+      EXPECT_TRUE(
+          file.set.parameters.LoadSettings(nameOf(i, n), file.folder.path("p.cfg"), nullptr));
+    }
+  }
   EXPECT_EQ(file.folder.fileCount(), 1);
 }
 

@@ -166,14 +166,15 @@ class StoreLock {
 
 void store(const fs::path& file, const std::string& key, const Values& values) {
   const StoreLock lock(file.parent_path());
-  const WholeFile old = readWholeFile(file.string());
-  if (old.state == FileState::refused || old.state == FileState::unfit) return;
-  std::vector<std::string> lines = linesOf(old.content);
-  ensureKey(lines, key);
-  for (const auto& [name, value] : values) setLine(lines, key, name, value);
-  std::string content;
-  for (const std::string& line : lines) content += line + "\n";
-  if (content != old.content) replaceWholeFile(file.string(), content);
+  changeWholeFile(file.string(), [&](const WholeFile& old) -> std::optional<std::string> {
+    if (old.state == FileState::refused || old.state == FileState::unfit) return std::nullopt;
+    std::vector<std::string> lines = linesOf(old.content);
+    ensureKey(lines, key);
+    for (const auto& [name, value] : values) setLine(lines, key, name, value);
+    std::string content;
+    for (const std::string& line : lines) content += line + "\n";
+    return content == old.content ? std::nullopt : std::optional(content);
+  });
 }
 
 }  // namespace

@@ -10,6 +10,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "platform/file_rights.h"
 #include "platform/temporary_file.h"
 
 namespace radiashafts::platform {
@@ -24,6 +25,16 @@ std::string resolved(const std::string& path) {
   std::error_code error;
   const std::filesystem::path place = std::filesystem::canonical(path, error);
   return error ? path : place.string();
+}
+
+// Under its name followed by "tmp"; that of a name that leaves no room for it is cut well short of
+// any such name.
+std::string besideOf(const std::string& place) {
+  constexpr std::size_t longest = 255 - 3;  // bytes that file systems take, less those behind it
+  constexpr std::size_t cut = 200;
+  const std::filesystem::path path(place);
+  const std::string name = path.filename();
+  return path.parent_path() / (name.substr(0, name.size() > longest ? cut : longest) + "tmp");
 }
 
 FileState readContent(int file, std::string& content) {
@@ -67,7 +78,7 @@ WholeFile readWholeFile(const std::string& path) {
 }
 
 TemporaryFile::TemporaryFile(const std::string& place)
-    : place_(resolved(place)), path_(place_ + "tmp") {}
+    : place_(resolved(place)), path_(besideOf(place_)) {}
 
 TemporaryFile::~TemporaryFile() {
   if (opened_) unlink(path_.c_str());
@@ -79,32 +90,35 @@ bool TemporaryFile::failed() {
   return false;
 }
 
-bool TemporaryFile::open() {
+TemporaryFile::Taken TemporaryFile::open() {
   struct stat old {};
   const bool replaces = stat(place_.c_str(), &old) == 0;
   // A folder that may be written would let a file be replaced that may not.
-  if (replaces && access(place_.c_str(), W_OK) != 0) return failed();
-  const int file = ::open(path_.c_str(), O_WRONLY | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0666);
-  if (file < 0) return failed();
+  if (replaces && !mayChange(place_)) {
+    errno = EACCES;
+    return refused(Taken::failed);
+  }
+  constexpr int flags = O_WRONLY | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
+  const int file = ::open(path_.c_str(), flags, 0666);
+  if (file < 0) return refused(Taken::failed);
   struct stat taken {};
   struct stat named {};
   const bool own = flock(file, LOCK_EX | LOCK_NB) == 0 && fstat(file, &taken) == 0 &&
                    lstat(path_.c_str(), &named) == 0 && taken.st_ino == named.st_ino &&
                    S_ISREG(taken.st_mode) && ftruncate(file, 0) == 0;
   if (!own) {
-    errno = EBUSY;
-    failed();
     close(file);
-    return false;
+    errno = EBUSY;
+    return refused(Taken::byAnother);
   }
   handle_ = file;
   opened_ = true;
   if (replaces) {
     // Another user's file stays that user's where the system lets it.
     if (fchown(file, old.st_uid, old.st_gid) != 0) errno = 0;
-    if (fchmod(file, old.st_mode & 0777) != 0) return failed();
+    if (fchmod(file, old.st_mode & 0777) != 0) return refused(Taken::failed);
   }
-  return true;
+  return Taken::own;
 }
 
 bool TemporaryFile::write(const char* bytes, std::size_t size) {

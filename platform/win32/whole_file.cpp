@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <system_error>
+#include <vector>
 
 #include "platform/temporary_file.h"
 
@@ -33,6 +34,17 @@ FileState stateOfUnopened(const std::string& path, DWORD error) {
   const bool folder =
       attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
   return folder ? FileState::unfit : FileState::refused;
+}
+
+std::wstring wholePath(const std::string& path) {
+  std::wstring wide(path.size(), L'\0');
+  wide.resize(static_cast<std::size_t>(
+      MultiByteToWideChar(CP_ACP, 0, path.data(), static_cast<int>(path.size()), wide.data(),
+                          static_cast<int>(wide.size()))));
+  std::wstring whole(GetFullPathNameW(wide.c_str(), 0, nullptr, nullptr), L'\0');
+  whole.resize(
+      GetFullPathNameW(wide.c_str(), static_cast<DWORD>(whole.size()), whole.data(), nullptr));
+  return whole;
 }
 
 }  // namespace
@@ -79,19 +91,22 @@ bool TemporaryFile::failed() {
   return false;
 }
 
-bool TemporaryFile::open() {
+TemporaryFile::Taken TemporaryFile::open() {
   const DWORD attributes = GetFileAttributesA(place_.c_str());
   if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) != 0) {
     SetLastError(ERROR_ACCESS_DENIED);
-    return failed();
+    return refused(Taken::failed);
   }
-  // Shared with nobody: while a process is at it, no other one can take or rename it.
-  const HANDLE file = CreateFileA(path_.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
-                                  FILE_ATTRIBUTE_NORMAL, nullptr);
-  if (file == INVALID_HANDLE_VALUE) return failed();
+  // Shared with readers alone: while a process is at it, no other one can take or rename it, and
+  // when it has its new name, whoever reads need not wait for it to be closed.
+  const HANDLE file = CreateFileA(path_.c_str(), GENERIC_WRITE | DELETE, FILE_SHARE_READ, nullptr,
+                                  CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+  if (file == INVALID_HANDLE_VALUE) {
+    return refused(GetLastError() == ERROR_SHARING_VIOLATION ? Taken::byAnother : Taken::failed);
+  }
   handle_ = reinterpret_cast<std::intptr_t>(file);
   opened_ = true;
-  return true;
+  return Taken::own;
 }
 
 bool TemporaryFile::write(const char* bytes, std::size_t size) {
@@ -105,14 +120,22 @@ bool TemporaryFile::flush() {
   return FlushFileBuffers(fileOf(handle_)) != 0 || failed();
 }
 
-// What looks at every new file of the machine may hold this one for a moment.
+// Renames the open file, so that nobody can come between. What looks at every new file of the
+// machine may hold the old one for a moment.
 bool TemporaryFile::putInPlace() {
-  constexpr DWORD flags = MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH;
   constexpr int attempts = 10;
   constexpr DWORD pause = 50;  // milliseconds
-  CloseHandle(fileOf(handle_));
-  handle_ = -1;
-  for (int attempt = 1; MoveFileExA(path_.c_str(), place_.c_str(), flags) == 0; ++attempt) {
+  const std::wstring place = wholePath(place_);
+  std::vector<std::byte> room(sizeof(FILE_RENAME_INFO) + place.size() * sizeof(wchar_t));
+  auto& request = *reinterpret_cast<FILE_RENAME_INFO*>(room.data());
+  request.ReplaceIfExists = TRUE;
+  request.FileNameLength = static_cast<DWORD>(place.size() * sizeof(wchar_t));
+  std::copy(place.begin(), place.end(), request.FileName);
+  const auto rename = [&] {
+    return SetFileInformationByHandle(fileOf(handle_), FileRenameInfo, &request,
+                                      static_cast<DWORD>(room.size())) != 0;
+  };
+  for (int attempt = 1; !rename(); ++attempt) {
     const DWORD error = GetLastError();
     const bool held = error == ERROR_ACCESS_DENIED || error == ERROR_SHARING_VIOLATION;
     if (!held || attempt == attempts) {
@@ -122,6 +145,7 @@ bool TemporaryFile::putInPlace() {
     Sleep(pause);
   }
   opened_ = false;
+  FlushFileBuffers(fileOf(handle_));  // the new name is to be on the disk too
   return true;
 }
 

@@ -165,7 +165,8 @@ class Host {
   void edit(const std::vector<Edit>& edits) {
     FilterRecord& record = *record_;
     for (const auto& [word, value] : edits) {
-      std::memcpy(reinterpret_cast<char*>(&record.imageSize) + 2 * word, &value, sizeof value);
+      std::memcpy(reinterpret_cast<char*>(&record.imageSize) + 2 * std::size_t{word}, &value,
+                  sizeof value);
     }
     record.platformData = nullptr;
     record.displayPixels = nullptr;

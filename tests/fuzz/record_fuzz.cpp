@@ -192,7 +192,8 @@ class Host {
     if (standin::callFails(Service::advanceState)) return requestRefused;
     FilterRecord& r = *record_;
     const auto pixelBytes = [&r] { return r.planes * (r.depth == 32 ? 4 : r.depth == 16 ? 2 : 1); };
-    r.inRowBytes = r.outRowBytes = r.outRect.right * pixelBytes() + padding_;
+    const auto tight = std::int64_t{r.outRect.right} * pixelBytes() + padding_;
+    r.inRowBytes = r.outRowBytes = static_cast<std::int32_t>(tight);
     r.maskRowBytes = r.outRect.right + padding_;
     edit(answer_);
     Buffer asked[] = {{r.inRect, r.inRowBytes, pixelBytes()},

@@ -135,6 +135,9 @@ bool drawToPreview(const hostapi::FilterRecord& record, BitmapOrder order, int b
   }
   const Layout layout = layoutOf(record);
   if (record.outData == nullptr || layout.colors <= 0) return false;
+  const hostapi::Rect& rect = record.outRect;
+  if (rect.right - rect.left > hostapi::maximumSide) return false;
+  if (rect.bottom - rect.top > hostapi::maximumSide) return false;
   switch (record.depth) {
     case 32:
       drawPixels<float>(record, layout, order, bitmapWidth, bitmap);

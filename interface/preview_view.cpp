@@ -41,9 +41,11 @@ void PreviewView::UpdateUndoButtons() {
   }
 }
 
+// A host may answer with any rectangle.
 Extent PreviewView::renderedSize() const {
   const hostapi::Rect& rect = record_->outRect;
-  return {rect.right - rect.left, rect.bottom - rect.top};
+  return {std::clamp(rect.right - rect.left, 0, hostapi::maximumSide),
+          std::clamp(rect.bottom - rect.top, 0, hostapi::maximumSide)};
 }
 
 const PreviewGeometry& PreviewView::geometry() {

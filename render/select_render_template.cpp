@@ -54,6 +54,12 @@ int sampleDepth(std::int64_t depth) {
   }
 }
 
+// Whether what the host has filled for the rectangle is as large as the picture. Hosts clip
+// requests.
+bool covers(const hostapi::Rect& rect, std::int32_t width, std::int32_t height) {
+  return rect.right - rect.left >= width && rect.bottom - rect.top >= height;
+}
+
 }  // namespace
 
 PictureLayout pictureLayoutOf(const hostapi::FilterRecord* record) {
@@ -81,7 +87,7 @@ std::int16_t selectRenderTemplate(HalvorsundHost& host, const EffectParameters& 
     return static_cast<std::int32_t>(GetRecordValue(record, v));
   };
   const PictureLayout layout = pictureLayoutOf(record);
-  const HostBuffers buffers{
+  HostBuffers buffers{
       .width = value(RenderValue::outRight) - value(RenderValue::outLeft),
       .height = value(RenderValue::outBottom) - value(RenderValue::outTop),
       .planes = value(RenderValue::planes),
@@ -96,6 +102,9 @@ std::int16_t selectRenderTemplate(HalvorsundHost& host, const EffectParameters& 
   if (buffers.width <= 0 || buffers.height <= 0) return 0;
   if (buffers.width > hostapi::maximumSide || buffers.height > hostapi::maximumSide) return 0;
   if (buffers.input == nullptr || buffers.output == nullptr) return 0;
+  if (!covers(record->inRect, buffers.width, buffers.height)) return 0;
+  // Without a mask its rectangle is not ours, and hosts leave pointers behind.
+  if (!covers(record->maskRect, buffers.width, buffers.height)) buffers.mask = nullptr;
 
   // Whole image pixels for a view pixel: the divisions are of integers.
   const std::int32_t scaleX = record->imageSize.h / buffers.width;

@@ -19,8 +19,9 @@ struct PictureLayout {
 PictureLayout pictureLayoutOf(const hostapi::FilterRecord* record);
 
 // Renders what stands in the record's buffers with the parameters as they are now. previewLevel is
-// added to the view's scale; 0 for a final render. A picture that the effect does not treat, or an
-// empty one, is left alone with status 0.
+// added to the view's scale; 0 for a final render. A picture that the effect does not treat, an
+// empty one, or one whose input is smaller than the output is left alone with status 0. So is a
+// mask that is smaller.
 std::int16_t selectRenderTemplate(HalvorsundHost& host, const EffectParameters& parameters,
                                   std::int32_t previewLevel, const hostapi::FilterRecord* record);
 

@@ -138,7 +138,7 @@ TEST(ThreadCounts, GiveIdenticalBytes) {
     parameters.SelectionSoften.SetValue(0.8);
     hostapi::FilterRecord record{};
     record.imageSize = {143, 161};
-    record.outRect = {0, 0, 143, 161};
+    record.inRect = record.outRect = record.maskRect = {0, 0, 143, 161};
     record.planes = static_cast<std::int16_t>(input.planes);
     record.depth = input.depth;
     record.imageMode = standin::imageModeOf(input);

@@ -1,27 +1,18 @@
-// Any bytes offered as a preset file. The input is a name's length, the name and the file. What has
-// to hold is checked with aborts, so that a fuzzer and a plain program see it alike.
+// Any bytes offered as a preset file. The input is a name's length, the name and the file.
 
 #include <algorithm>
 #include <cmath>
-#include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 
 #include "parameters/effect_parameters.h"
 #include "parameters/parameters.h"
 #include "parameters/preset_file.h"
+#include "tests/fuzz/fuzzing.h"
 #include "tests/support/test_folder.h"
 
 namespace radiashafts::test {
 namespace {
 
 using Names = std::vector<std::string>;
-
-void require(bool holds, const char* what) {
-  if (holds) return;
-  std::fprintf(stderr, "does not hold: %s\n", what);
-  std::abort();
-}
 
 // A number that rounds to zero from below is read as the zero that a parameter may have already.
 std::string withOneZero(std::string text) {
@@ -123,12 +114,10 @@ class Trial {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace radiashafts;
-  if (size == 0) return 0;
-  const std::string input(data + 1, data + size);
-  const std::size_t length = std::min<std::size_t>(data[0], input.size());
-  const std::string name = presetNameOf(input.substr(0, length));
+  test::Input input(data, size);
+  const std::string name = presetNameOf(input.takeText(input.take()));
   if (name.empty()) return 0;
-  test::Trial trial(input.substr(length));
+  test::Trial trial(input.takeText(size));
   trial.loadEach();
   trial.save(name);
   trial.remove(name);

@@ -21,8 +21,8 @@ class Console {
   void close();
 
  private:
-  [[maybe_unused]] bool ownsConsole_ = false;  // where the system has consoles to own
-  std::atomic<std::uintptr_t> handle_{0};      // read by every thread that logs
+  bool ownsConsole_ = false;
+  std::atomic<std::uintptr_t> handle_{0};  // read by every thread that logs
 };
 
 }  // namespace radiashafts::platform

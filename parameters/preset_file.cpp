@@ -163,7 +163,7 @@ std::string withoutPreset(const std::string& file, const PresetEntry& entry,
 std::string presetNumber(double value) {
   constexpr int decimals = 6;
   constexpr double largest = 1e240;
-  std::array<char, maximumPresetToken> text{};
+  std::array<char, maximumPresetToken> text;
   value = std::isfinite(value) ? std::clamp(value, -largest, largest) : 0.0;
   const auto written = std::to_chars(text.data(), text.data() + text.size(), value,
                                      std::chars_format::fixed, decimals);

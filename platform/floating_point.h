@@ -20,7 +20,7 @@ class DefaultFloatingPoint {
 
  private:
   std::uint32_t mxcsr_;
-  std::array<std::uint32_t, 7> x87_{};  // control, status, tags and the last operation
+  std::array<std::uint32_t, 7> x87_;  // control, status, tags and the last operation
 };
 
 }  // namespace radiashafts::platform

@@ -194,7 +194,7 @@ class HslRangeSelectionFilter final : public RowFilter {
     for (std::int32_t first = 0; first < target.width; first += blockPixels) {
       const std::int32_t count = std::min(blockPixels, target.width - first);
       std::array<double, blockPixels> selected{};
-      std::array<double, blockPixels * selectionColors> colors{};
+      std::array<double, static_cast<std::size_t>(blockPixels) * selectionColors> colors{};
       for (std::int32_t i = 0; i < count; ++i) {
         const std::int32_t x = first + i + sourceShiftX;
         if (static_cast<std::uint32_t>(x) >= selectionColumns) continue;

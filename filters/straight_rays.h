@@ -289,7 +289,7 @@ class RadiashaftsStraightFilter final : public HalvorsundFilter {
   // Channels are added in double precision, the weight in single.
   static void addShare(float* sum, Lanes share, const PixelLanes& sums) {
     for (int group = 0; group < groups; ++group) {
-      float* const sumOfGroup = sum + group * laneCount;
+      float* const sumOfGroup = sum + static_cast<std::ptrdiff_t>(group) * laneCount;
       const std::size_t bytes =
           std::min(laneCount, AccumulationPixel::samples - group * laneCount) * sizeof(float);
       const Lanes product = share * sums[group];

@@ -9,6 +9,7 @@ namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET {
 // Reads and writes cost what those of aligned samples do.
 template <class Sample>
 struct [[gnu::packed]] StoredSample {
+  // NOLINTNEXTLINE(google-explicit-constructor): it is a sample wherever one is wanted.
   operator Sample() const { return value; }
   StoredSample& operator=(Sample sample) {
     value = sample;

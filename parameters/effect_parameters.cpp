@@ -87,22 +87,23 @@ ParameterNumbers NumbersOf(const pfParameter& parameter, const ParameterFacts& f
   }
 }
 
-void SetNumbers(pfParameter& parameter, const ParameterFacts& facts, const ParameterNumbers& v) {
+void SetNumbers(pfParameter& parameter, const ParameterFacts& facts,
+                const ParameterNumbers& numbers) {
   switch (facts.kind) {
     case ParameterKind::position:
-      static_cast<pfParameterPosition&>(parameter).SetValue(v[0], v[1]);
+      static_cast<pfParameterPosition&>(parameter).SetValue(numbers[0], numbers[1]);
       break;
     case ParameterKind::color:
-      static_cast<pfParameterRGB&>(parameter).SetValue(v[0], v[1], v[2]);
+      static_cast<pfParameterRGB&>(parameter).SetValue(numbers[0], numbers[1], numbers[2]);
       break;
     case ParameterKind::number:
-      static_cast<pfParameterFloat&>(parameter).SetValue(v[0]);
+      static_cast<pfParameterFloat&>(parameter).SetValue(numbers[0]);
       break;
     case ParameterKind::boolean:
-      static_cast<pfParameterBool&>(parameter).SetValue(v[0] != 0.0);
+      static_cast<pfParameterBool&>(parameter).SetValue(numbers[0] != 0.0);
       break;
     case ParameterKind::list:
-      static_cast<pfParameterList&>(parameter).SetValue(static_cast<std::int32_t>(v[0]));
+      static_cast<pfParameterList&>(parameter).SetValue(static_cast<std::int32_t>(numbers[0]));
       break;
   }
 }

@@ -67,10 +67,10 @@ void ThreadPool::change(const Edit& edit) {
   } while (!handshake_.compare_exchange_weak(now, next));
 }
 
-void ThreadPool::AttendWorker(void* argument) {
+void ThreadPool::AttendWorker(void* slot) {
   platform::setDefaultFloatingPoint();
-  WorkerSlot& slot = *static_cast<WorkerSlot*>(argument);
-  slot.pool->attend(slot);
+  auto& own = *static_cast<WorkerSlot*>(slot);
+  own.pool->attend(own);
 }
 
 void ThreadPool::attend(WorkerSlot& slot) {

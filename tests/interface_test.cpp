@@ -211,7 +211,7 @@ TEST(PreviewPixels, AreThePicturesOverACheckerboard) {
           EXPECT_EQ(drawToPreview(r, order, bitmapWidth, bitmap.data()), shown);
           for (int y = 0; shown && y < height; ++y) {
             std::uint8_t* to =
-                &expected[static_cast<std::size_t>((host ? y : height - 1 - y) * bitmapWidth * 3)];
+                &expected[static_cast<std::size_t>(host ? y : height - 1 - y) * bitmapWidth * 3];
             for (int i = 0; i < 3 * width; ++i) {
               const int ofTwo[] = {1, 0, -1};
               const int plane = c.colors == 1   ? 0

@@ -6,7 +6,8 @@ build_packages=(g++ cmake ninja-build pkg-config libopenimageio-dev libcli11-dev
   libbenchmark-dev)
 picture_packages=(mate-backgrounds)
 windows_packages=(g++-mingw-w64-x86-64-posix)
-test_packages=(clang-format fonts-wine googletest icoutils openbox wine64 xauth xvfb)
+test_packages=(clang-format clang-tidy cppcheck fonts-wine googletest icoutils openbox wine64
+  xauth xvfb)
 
 say() { printf '== %s\n' "$*" >&2; }
 

@@ -5,6 +5,7 @@
 namespace radiashafts::platform {
 
 void Console::open(const char*, int, int) {
+  ownsConsole_ = false;  // it is the process's standard error
   handle_ = 1;
 }
 

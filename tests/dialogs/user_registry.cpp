@@ -1,6 +1,7 @@
 #include "tests/dialogs/user_registry.h"
 
 #include <ostream>
+#include <string_view>
 
 namespace radiashafts::test {
 namespace {
@@ -29,7 +30,8 @@ void write(const char* key, const char* name, const RegistryValue& value) {
 std::ostream& operator<<(std::ostream& stream, const RegistryValue& value) {
   stream << "type " << value.type << ':';
   for (const unsigned char byte : value.bytes) stream << ' ' << static_cast<int>(byte);
-  return value.type == REG_SZ ? stream << " (" << value.bytes.c_str() << ')' : stream;
+  return value.type == REG_SZ ? stream << " (" << std::string_view(value.bytes.c_str()) << ')'
+                              : stream;
 }
 
 RegistryValue numberValue(std::int32_t number) {

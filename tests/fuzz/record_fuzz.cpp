@@ -76,8 +76,9 @@ class Host {
     const int failsAt = input.take();
     setFilter(takeParameters(input));
 
-    *record_ = {.imageSize = {9, 12}, .planes = 3, .imageMode = hostapi::modeRGB};
-    record_->inNonLayerPlanes = 3;
+    record_->imageSize = {9, 12};
+    record_->planes = record_->inNonLayerPlanes = 3;
+    record_->imageMode = hostapi::modeRGB;
     if (!has(noProgress)) record_->progressProc = [](std::int32_t, std::int32_t) {};
     if (!has(noAbort)) record_->abortProc = [] { return hostapi::Boolean(--host->abortAt_ == 0); };
     basicSuite_.AcquireSuite = acquireSuite;
@@ -172,7 +173,8 @@ class Host {
     record.displayPixels = nullptr;
     record.colorServices = nullptr;
     record.handleProcs = standin::handleProcs();
-    record.advanceState = has(noAdvance) ? nullptr : [] { return host->advance(); };
+    record.advanceState = nullptr;
+    if (!has(noAdvance)) record.advanceState = [] { return host->advance(); };
     record.descriptorParameters = has(noDescriptors) ? nullptr : &descriptors_;
     record.sSPBasic = about_->sSPBasic = has(noSuites) ? nullptr : &basicSuite_;
     record.inData = data_[0];

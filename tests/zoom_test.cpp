@@ -14,7 +14,7 @@ namespace {
 using Gray = PixelArray<PixelRGB<LayoutGrayPixel<-1>, std::uint8_t, 0, 0, 255>, 0, 0>;
 
 Gray pictureIn(std::vector<std::uint8_t>& bytes, int width, int height) {
-  bytes.assign(static_cast<std::size_t>(width * height), 0xEE);
+  bytes.assign(static_cast<std::size_t>(width) * height, 0xEE);
   return tightView<Gray>(width, height, bytes.data());
 }
 

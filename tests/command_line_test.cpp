@@ -342,7 +342,7 @@ TEST_F(CommandLine, EachPresetOfTheCollectionMakesAPictureOfItsOwn) {
       if (!facts.storedInPreset) continue;
       ASSERT_TRUE(file >> word && word == facts.name) << word << " for " << facts.name;
       for (int i = 0; i < valueCount(facts.kind); ++i) {
-        double value;
+        double value = 0.0;
         ASSERT_TRUE(file >> value) << facts.name;
         if (facts.kind == ParameterKind::position) continue;
         EXPECT_TRUE(facts.minimum <= value && value <= facts.maximum) << facts.name;

@@ -393,7 +393,7 @@ class OnTerminal {
 
   // Reads on; false when the program has closed the terminal without saying the text.
   bool says(const std::string& text) {
-    char byte;
+    char byte = 0;
     while (said_.find(text) == std::string::npos) {
       if (read(terminal_, &byte, 1) != 1) return false;
       said_ += byte;

@@ -14,7 +14,6 @@ namespace {
 
 constexpr int xEdit = 1031;
 constexpr int yEdit = 1032;
-constexpr int intensityEdit = 1013;
 
 class Preview : public DialogTest {};
 

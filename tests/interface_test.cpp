@@ -232,7 +232,7 @@ using Pixel = std::array<int, 3>;
 struct DrawnSample {
   const std::vector<std::uint8_t> sample = drawingSample();
   Pixel at(int x, int y) const {
-    const auto* pixel = &sample[static_cast<std::size_t>((y * sampleWidth + x) * 3)];
+    const auto* pixel = &sample[(static_cast<std::size_t>(y) * sampleWidth + x) * 3];
     return {pixel[0], pixel[1], pixel[2]};
   }
   template <class Draw>

@@ -28,7 +28,7 @@ void render(benchmark::State& state, int width, int height) {
       {hostapi::fourCharacterCode("SELS"), argument(4) / 100.0},
   };
   standin::Picture output = input;
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     standin::StandInHost host(input, nullptr);
     if (host.run(moduleEntry(), script, output).status != 0) state.SkipWithError("render failed");
   }

@@ -125,6 +125,7 @@ bool pfParameterUIBool::OnChange() {
 void pfParameterUIList::Update() {
   if (panel == nullptr) return;
   std::vector<std::string> entries;
+  entries.reserve(static_cast<std::size_t>(bound().EntryCount()));
   for (int i = 0; i < bound().EntryCount(); ++i) entries.push_back(bound().GetEntry(i));
   panel->setEntries(firstId(), entries, bound().value() - 1);
   UpdateState();

@@ -24,7 +24,6 @@ constexpr int sliderHeight = 11;
 constexpr int labelHeight = 8;
 constexpr int labelDrop = 2;  // centres a label on the row of an edit
 constexpr int rowPitch = 13;
-constexpr int comboHeight = 12;
 constexpr int droppedHeight = 140;
 constexpr int gap = 3;
 

@@ -321,7 +321,7 @@ void verify(const fs::path& path, const fs::path& place, const Picture& picture)
   UINT width = 0;
   UINT height = 0;
   check(source->GetSize(&width, &height), place, "reading back");
-  const auto planes = static_cast<std::size_t>(format->colorPlanes + (format->alpha ? 1 : 0));
+  const auto planes = static_cast<std::size_t>(format->colorPlanes) + (format->alpha ? 1 : 0);
   const bool comparable =
       format->depth == picture.depth && format->colorPlanes == picture.colorPlanes;
   const std::size_t kept =

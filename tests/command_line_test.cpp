@@ -342,7 +342,7 @@ TEST_F(CommandLine, EachPresetOfTheCollectionMakesAPictureOfItsOwn) {
       if (!facts.storedInPreset) continue;
       ASSERT_TRUE(file >> word && word == facts.name) << word << " for " << facts.name;
       for (int i = 0; i < valueCount(facts.kind); ++i) {
-        double value;
+        double value = 0.0;
         ASSERT_TRUE(file >> value) << facts.name;
         if (facts.kind == ParameterKind::position) continue;
         EXPECT_TRUE(facts.minimum <= value && value <= facts.maximum) << facts.name;
@@ -393,7 +393,7 @@ class OnTerminal {
 
   // Reads on; false when the program has closed the terminal without saying the text.
   bool says(const std::string& text) {
-    char byte;
+    char byte = 0;
     while (said_.find(text) == std::string::npos) {
       if (read(terminal_, &byte, 1) != 1) return false;
       said_ += byte;

@@ -95,7 +95,7 @@ TEST(Presets, DeletingClosesTheGap) {
 // The owner after asking; whether the file is ours; its names.
 TEST(Presets, AnyFileIsLookedAtAndOnlyOurOwnIsTouched) {
   const std::string longToken(10000, 'x');
-  const std::string noise = std::string("\0\x1a\xff\xfe\n\r name \x80", 13) + longToken;
+  const std::string noise = std::string("\0\x1a\xff\xfe\n\r name \x80\0", 14) + longToken;
   struct {
     std::string content;
     bool ours;

@@ -14,7 +14,6 @@ namespace {
 
 constexpr int xEdit = 1031;
 constexpr int yEdit = 1032;
-constexpr int intensityEdit = 1013;
 
 class Preview : public DialogTest {};
 
@@ -38,9 +37,10 @@ standin::Picture reduced(const standin::Picture& picture, int factor) {
 standin::Picture expectedPreview(const standin::Picture& picture, const judge::Values& values,
                                  int factor) {
   const standin::Picture small = reduced(picture, factor);
+  const int wholeScaleX = picture.width / small.width;
+  const int wholeScaleY = picture.height / small.height;
   const judge::Picture render =
-      judge::render(judgePicture(small), nullptr, values, picture.width / small.width,
-                    picture.height / small.height);
+      judge::render(judgePicture(small), nullptr, values, wholeScaleX, wholeScaleY);
   const double toByte = picture.depth == 8 ? 1.0 : picture.depth == 16 ? 255.0 / 32768 : 255.0;
   // At 16 bits the scale of alpha ends a little late.
   const double toOpacity = picture.depth == 8 ? 1 / 255.0 : picture.depth == 16 ? 1 / 35768.0 : 1.0;
@@ -51,7 +51,7 @@ standin::Picture expectedPreview(const standin::Picture& picture, const judge::V
   shown.allocate();
   for (int y = 0; y < small.height; ++y) {
     for (int x = 0; x < small.width; ++x) {
-      const auto pixel = static_cast<std::size_t>(y * small.width + x);
+      const auto pixel = static_cast<std::size_t>(y) * small.width + x;
       const double* from = &render.samples[pixel * static_cast<std::size_t>(small.planes)];
       const int cell =
           x * picture.width / small.width / 16 + y * picture.height / small.height / 16;
@@ -155,7 +155,7 @@ TEST_F(Preview, ShowsTheRenderAtEveryDepthHoweverTheHostDraws) {
           const standin::Picture expected = expectedPreview(picture, values, factor);
           int difference = 256;
           EXPECT_TRUE(eventually(
-              [&] {
+              [&, magnified = magnified] {
                 difference = worstDifference(dialogs, expected, magnified);
                 return difference <= 2;
               },
@@ -223,7 +223,7 @@ TEST_F(Preview, TheHandleIsDroppedWhereThePointerIs) {
     dialogs.hideHandle();
     moveMouse({frame.right + 30, frame.top});
     POINT place{};
-    EXPECT_TRUE(eventually([&] {
+    EXPECT_TRUE(eventually([&, step = step] {
       place = placeAt(to);
       return std::abs(dialogs.number(xEdit) - place.x) <= step &&
              std::abs(dialogs.number(yEdit) - place.y) <= step;

@@ -261,7 +261,7 @@ void randomRun(Random& random) {
 
 TEST(Soak, ManyRunsLeaveTheProcessAsTheFirstOnesDid) {
   Random random(testSeed());
-  const int runs = isLongTest() ? 2000 : 200;
+  const int runs = roundsOf(2000);
   ProcessUsage before;
   for (int run = 0; run < runs; ++run) {
     randomRun(random);

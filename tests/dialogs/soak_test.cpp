@@ -105,11 +105,19 @@ TEST_F(Soak, OpeningsLeaveNothingBehind) {
       EXPECT_EQ(run.result.status, hostapi::userCanceledError);
       EXPECT_EQ(run.result.leaked, 0);
     }
-    Sleep(1000);  // threads of the system's pools end in their own time
-    return processUsage();
   };
-  const ProcessUsage before = openAndClose(warmUp);
-  const ProcessUsage after = openAndClose(openings);
+  openAndClose(warmUp);
+  Sleep(1000);
+  const ProcessUsage before = processUsage();
+  openAndClose(openings);
+  // Threads of the system's pools end in their own time.
+  ProcessUsage after;
+  eventually(
+      [&] {
+        after = processUsage();
+        return after.threads <= before.threads && after.handles <= before.handles + 2;
+      },
+      120'000);
   SCOPED_TRACE(testing::Message() << "before: " << before << "; after: " << after);
   EXPECT_EQ(user.opened(), openings);
   EXPECT_LE(after.threads, before.threads);

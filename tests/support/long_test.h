@@ -10,9 +10,9 @@ inline bool isLongTest() {
   return std::getenv("RADIASHAFTS_LONG") != nullptr;
 }
 
-// A number of rounds in the long form, or the share of it that this build does in the short one.
-inline int shareOf(int rounds) {
-  return isLongTest() ? rounds : rounds / RADIASHAFTS_TEST_SHARE;
+// A number of rounds in the long form, or a tenth of it in the short one.
+inline int roundsOf(int inLongForm) {
+  return isLongTest() ? inLongForm : inLongForm / 10;
 }
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)

@@ -43,10 +43,7 @@ class Monitor {
   }
 
   // Announces a change that was made without the lock.
-  void announce() {
-    const std::lock_guard guard(*this);
-    announceChange();
-  }
+  void announce();
 
   // Gives the processor to a thread that waits for it, if there is one.
   static void letOthersRun();

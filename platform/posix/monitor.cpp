@@ -33,6 +33,11 @@ void Monitor::announceChange() {
   state_->changed.notify_all();
 }
 
+void Monitor::announce() {
+  const std::lock_guard guard(*this);
+  announceChange();
+}
+
 void Monitor::letOthersRun() {
   sched_yield();
 }

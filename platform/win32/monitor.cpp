@@ -27,6 +27,11 @@ void Monitor::announceChange() {
   WakeAllConditionVariable(&state_->changed);
 }
 
+void Monitor::announce() {
+  const std::lock_guard guard(*this);
+  announceChange();
+}
+
 void Monitor::letOthersRun() {
   SwitchToThread();
 }

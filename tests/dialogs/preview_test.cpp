@@ -165,7 +165,9 @@ TEST_F(Preview, ShowsTheRenderAtEveryDepthHoweverTheHostDraws) {
         }
         dialogs.clickOn(IDCANCEL);
         host.result();
-        if (hostDraws) EXPECT_GT(drawings, 3);
+        if (hostDraws) {
+          EXPECT_GT(drawings, 3);
+        }
         EXPECT_EQ(style, nullptr) << "a host's style is its own";
       }
     }

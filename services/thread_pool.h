@@ -76,13 +76,13 @@ class ThreadPool {
   };
 
   // All that the caller and its workers tell each other, in one number.
-  struct Handshake {
+  struct alignas(8) Handshake {
     std::uint32_t call = 0;      // number of the latest call
     std::uint16_t places = 0;    // workers that may still enter it
     std::uint8_t inside = 0;     // workers that are in it
     std::uint8_t dismissed = 0;  // 1 when workers are to leave the module's code
   };
-  static_assert(sizeof(Handshake) == 8);
+  static_assert(sizeof(Handshake) == 8 && std::atomic<Handshake>::is_always_lock_free);
 
   static void AttendWorker(void* slot);
   void attend(WorkerSlot& slot);

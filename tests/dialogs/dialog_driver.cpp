@@ -189,9 +189,12 @@ HWND DialogDriver::focused() const {
 void DialogDriver::takeFocus(int id) const {
   for (const ParameterFacts& facts : effectTable) {
     if (facts.kind != ParameterKind::number || facts.controls[1] != id) continue;
-    takeFocus(facts.controls[0]);
-    pressKey(VK_TAB, true);
-    eventually([&] { return focused() == control(id); });
+    // The key goes to whoever has the focus, so it is pressed only once the edit has it.
+    eventually([&] {
+      takeFocus(facts.controls[0]);
+      pressKey(VK_TAB, true);
+      return eventually([&] { return focused() == control(id); }, 500);
+    });
     return;
   }
   activate();

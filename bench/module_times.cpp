@@ -7,9 +7,9 @@
 #include <stdexcept>
 
 #include "bench/generated_picture.h"
-#include "platform/arguments.h"
-#include "platform/module.h"
 #include "standin/stand_in_host.h"
+#include "standin/system/arguments.h"
+#include "standin/system/module.h"
 
 namespace radiashafts::bench {
 namespace {
@@ -33,13 +33,13 @@ void printTimes(standin::EntryPoint entry, int depth, double soften, int renders
 
 int main(int argc, char** argv) {
   using namespace radiashafts;
-  const std::vector<std::string> arguments = platform::programArguments(argc, argv);
+  const std::vector<std::string> arguments = standin::programArguments(argc, argv);
   if (arguments.size() != 4) {
     std::fputs("usage: module_times MODULE DEPTH SOFTEN RENDERS\n", stderr);
     return 2;
   }
   try {
-    platform::Module module;
+    standin::Module module;
     if (!module.load(arguments[0])) throw std::runtime_error(module.error());
     const auto entry = reinterpret_cast<standin::EntryPoint>(module.symbol("ENTRYPOINT"));
     if (entry == nullptr) throw std::runtime_error(arguments[0] + " exports no ENTRYPOINT");

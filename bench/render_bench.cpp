@@ -6,14 +6,14 @@
 #include <sys/resource.h>
 
 #include "bench/generated_picture.h"
-#include "platform/module.h"
 #include "standin/stand_in_host.h"
+#include "standin/system/module.h"
 
 namespace radiashafts {
 namespace {
 
 standin::EntryPoint moduleEntry() {
-  static platform::Module module;
+  static standin::Module module;
   if (!module.load(RADIASHAFTS_MODULE_PATH)) std::abort();
   return reinterpret_cast<standin::EntryPoint>(module.symbol("ENTRYPOINT"));
 }

@@ -10,8 +10,8 @@
 #include "cli/parameter_options.h"
 #include "cli/preset_options.h"
 #include "cli/printable.h"
-#include "platform/arguments.h"
-#include "platform/module.h"
+#include "standin/system/arguments.h"
+#include "standin/system/module.h"
 
 namespace radiashafts::cli {
 namespace {
@@ -142,7 +142,7 @@ ParsedCommandLine parseCommandLine(int argc, char** argv) {
   const ParameterOptions parameters(app);
 
   try {
-    std::vector<std::string> arguments = platform::programArguments(argc, argv);
+    std::vector<std::string> arguments = standin::programArguments(argc, argv);
     std::reverse(arguments.begin(), arguments.end());  // as the parser takes them
     app.parse(arguments);
     if (listWanted) {
@@ -171,7 +171,7 @@ ParsedCommandLine parseCommandLine(int argc, char** argv) {
   if (!mask.empty()) commandLine.mask = pathOf(mask);
   std::error_code error;
   commandLine.module = module.empty()
-                           ? platform::executablePath().parent_path() / RADIASHAFTS_MODULE_NAME
+                           ? standin::executablePath().parent_path() / RADIASHAFTS_MODULE_NAME
                            : std::filesystem::absolute(pathOf(module), error);
   return parsed;
 }

@@ -13,7 +13,7 @@
 
 namespace radiashafts::cli {
 
-// Beside these there is platform::interruptCode().
+// Beside these there is standin::interruptCode().
 enum ExitCode : int {
   exitSuccess = 0,
   exitUsage = 2,   // the command line

@@ -25,11 +25,11 @@ std::uint8_t byteOf(const std::uint8_t* sample, int depth) {
 
 }  // namespace
 
-platform::ShownPicture shownPicture(const standin::Picture& picture,
-                                    const platform::ShownPicture& room) {
+standin::ShownPicture shownPicture(const standin::Picture& picture,
+                                   const standin::ShownPicture& room) {
   const double scale = std::min({1.0, static_cast<double>(room.width) / picture.width,
                                  static_cast<double>(room.height) / picture.height});
-  platform::ShownPicture shown;
+  standin::ShownPicture shown;
   shown.width = std::max(static_cast<int>(picture.width * scale), 1);
   shown.height = std::max(static_cast<int>(picture.height * scale), 1);
   const auto stride = (static_cast<std::size_t>(shown.width) * 3 + 3) / 4 * 4;

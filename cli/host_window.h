@@ -3,13 +3,13 @@
 
 #include <string>
 
-#include "platform/picture_window.h"
 #include "standin/picture.h"
+#include "standin/system/picture_window.h"
 
 namespace radiashafts::cli {
 
 // The picture reduced to fit in the room, by the nearest pixel.
-platform::ShownPicture shownPicture(const standin::Picture& picture,
-                                    const platform::ShownPicture& room);
+standin::ShownPicture shownPicture(const standin::Picture& picture,
+                                   const standin::ShownPicture& room);
 
 }  // namespace radiashafts::cli

@@ -9,11 +9,11 @@
 #include "cli/parameter_options.h"
 #include "cli/printable.h"
 #include "cli/progress_bar.h"
-#include "platform/interrupt.h"
-#include "platform/module.h"
 #include "standin/picture_file.h"
 #include "standin/plugin_properties.h"
 #include "standin/stand_in_host.h"
+#include "standin/system/interrupt.h"
+#include "standin/system/module.h"
 
 namespace radiashafts::cli {
 namespace {
@@ -22,7 +22,7 @@ constexpr char interrupted[] = "interrupted";
 constexpr char interruptedLine[] = "radiashafts: interrupted\n";
 
 bool wasInterrupted() {
-  return platform::interruptCode() != 0;
+  return standin::interruptCode() != 0;
 }
 
 void checkMask(const CommandLine& commandLine, const standin::Mask& mask,
@@ -44,10 +44,10 @@ double filter(const CommandLine& commandLine, const Job& job, standin::EntryPoin
               const standin::Mask* mask, standin::Picture& picture) {
   ProgressBar bar(job.input.filename().string(), !commandLine.quiet);
   standin::HostTraits traits = commandLine.traits;
-  std::optional<platform::PictureWindow> window;
+  std::optional<standin::PictureWindow> window;
   if (traits.playInfo == hostapi::playDisplay && commandLine.ownWindow) {
     window.emplace(job.input.filename().string(),
-                   shownPicture(picture, platform::PictureWindow::room()));
+                   shownPicture(picture, standin::PictureWindow::room()));
     traits.ownerWindow = window->handle();
   }
   standin::StandInHost host(picture, mask, traits);
@@ -62,7 +62,7 @@ double filter(const CommandLine& commandLine, const Job& job, standin::EntryPoin
   const standin::RunResult result = host.run(entry, commandLine.script, output);
   const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - start;
   if (commandLine.printScript) printScript(std::cout, result.script);
-  if (wasInterrupted()) throw Failure{platform::interruptCode(), interrupted};
+  if (wasInterrupted()) throw Failure{standin::interruptCode(), interrupted};
   if (result.status == hostapi::userCanceledError) {
     throw Failure{exitRender, job.input.string() + ": the filter was cancelled, status -128"};
   }
@@ -76,7 +76,7 @@ double filter(const CommandLine& commandLine, const Job& job, standin::EntryPoin
 void process(const CommandLine& commandLine, const Job& job, standin::EntryPoint entry,
              const standin::Mask* mask) {
   standin::PictureFile file = [&job] {
-    const platform::EndsAtOnce endsAtOnce(interruptedLine);
+    const standin::EndsAtOnce endsAtOnce(interruptedLine);
     return standin::readPictureFile(job.input);
   }();
   if (mask != nullptr) checkMask(commandLine, *mask, file.picture);
@@ -96,7 +96,7 @@ void process(const CommandLine& commandLine, const Job& job, standin::EntryPoint
   } catch (const standin::PictureFileError& error) {
     throw Failure{exitOutput, error.what()};
   }
-  if (!result.written) throw Failure{platform::interruptCode(), interrupted};
+  if (!result.written) throw Failure{standin::interruptCode(), interrupted};
   if (commandLine.quiet) return;
   for (const std::string& note : result.notes) printLine(std::cerr, "note: " + note);
   std::printf("%s: %d x %d pixels, %d bits a channel, rays in %.2f s\n",
@@ -117,11 +117,11 @@ std::string entryNameOf(const std::filesystem::path& module) {
 }
 
 void run(const CommandLine& commandLine) {
-  platform::Module module;
+  standin::Module module;
   standin::EntryPoint entry = nullptr;
   std::optional<standin::Mask> mask;
   {
-    const platform::EndsAtOnce endsAtOnce(interruptedLine);
+    const standin::EndsAtOnce endsAtOnce(interruptedLine);
     const std::string entryName = entryNameOf(commandLine.module);
     if (!module.load(commandLine.module)) throw Failure{exitRender, module.error()};
     entry = reinterpret_cast<standin::EntryPoint>(module.symbol(entryName.c_str()));
@@ -141,7 +141,7 @@ int guarded(int argc, char** argv) {
     return exitCode;
   };
   try {
-    platform::noteInterrupts();
+    standin::noteInterrupts();
     const ParsedCommandLine parsed = parseCommandLine(argc, argv);
     if (parsed.exitCode) return *parsed.exitCode;
     run(parsed.commandLine);

@@ -5,7 +5,7 @@
 
 #include "cli/command_line.h"
 #include "cli/printable.h"
-#include "interface/remembered_settings.h"
+#include "interface/model/remembered_settings.h"
 #include "parameters/preset_file.h"
 #include "platform/whole_file.h"
 

@@ -4,12 +4,12 @@
 #include <cstdio>
 
 #include "cli/printable.h"
-#include "platform/terminal.h"
+#include "standin/system/terminal.h"
 
 namespace radiashafts::cli {
 
 ProgressBar::ProgressBar(const std::string& label, bool wanted)
-    : label_(printable(label)), visible_(wanted && platform::errorIsTerminal()) {}
+    : label_(printable(label)), visible_(wanted && standin::errorIsTerminal()) {}
 
 ProgressBar::~ProgressBar() {
   if (visible_ && shownPercent_ >= 0) std::fputs("\r\033[K", stderr);

@@ -11,13 +11,13 @@
 #include <type_traits>
 
 #include "filters/clear.h"
-#include "filters/pipeline.h"
 #include "filters/ray_decay.h"
 #include "image/halvorsund_filter.h"
 #include "image/instruction_set.h"
 #include "image/lanes.h"
 #include "image/pixel.h"
 #include "image/pixel_array.h"
+#include "threads/pipeline.h"
 
 namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET {
 
@@ -27,7 +27,7 @@ namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET {
 //
 // The result is bit for bit that of one thread walking the sides top, right, bottom and left, ray
 // by ray. Rays that step in the same direction meet in a pixel only at the same step, so blocks of
-// their steps are the stages of a pipeline and chunks of rays its portions: a thread has a strip of
+// their steps are the stages of a pipeline through which chunks of rays go: a thread has a strip of
 // the picture to itself, and the rays pass through it in their order.
 template <class Image>
 class RadiashaftsStraightFilter final : public HalvorsundFilter {
@@ -163,7 +163,7 @@ class RadiashaftsStraightFilter final : public HalvorsundFilter {
     const std::int32_t chunks = (count + raysInChunk - 1) / raysInChunk;
     const std::int32_t blocks = (longest + stepsInBlock - 1) / stepsInBlock;
 
-    const auto work = [&](std::int32_t block, std::int32_t chunk, std::int32_t threadIndex) {
+    auto work = [&](std::int32_t block, std::int32_t chunk, std::int32_t threadIndex) {
       const std::int32_t firstStep = block * stepsInBlock;
       const std::int32_t firstRay = chunk * raysInChunk;
       const std::int32_t rays = std::min(raysInChunk, count - firstRay);
@@ -181,7 +181,13 @@ class RadiashaftsStraightFilter final : public HalvorsundFilter {
       }
       return host->NoErrorCode();
     };
-    return Pipeline(blocks, chunks).run(*host, work);
+    const auto callWork = [](void* context, std::int32_t block, std::int32_t chunk,
+                             std::int32_t threadIndex) {
+      return (*static_cast<decltype(work)*>(context))(block, chunk, threadIndex);
+    };
+    Pipeline pipeline(blocks, chunks, {&work, callWork});
+    const std::int32_t status = host->RunIterations(blocks, pipeline.stageCallback());
+    return status != host->NoErrorCode() ? status : pipeline.status();
   }
 
   // Where the steps of a ray cross the lines of pixels that lie across the walk: between which two

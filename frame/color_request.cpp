@@ -7,8 +7,8 @@
 #include "hostapi/color_services.h"
 #include "hostapi/constants.h"
 #include "image/color.h"
-#include "interface/chosen_color.h"
-#include "interface/preview_geometry.h"
+#include "interface/model/chosen_color.h"
+#include "interface/model/preview_geometry.h"
 #include "platform/host_call.h"
 
 namespace radiashafts {

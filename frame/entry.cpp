@@ -8,7 +8,7 @@
 #include "frame/pf_filter_radiashafts.h"
 #include "platform/export.h"
 #include "platform/floating_point.h"
-#include "services/thread_pool.h"
+#include "threads/thread_pool.h"
 
 namespace radiashafts {
 namespace {

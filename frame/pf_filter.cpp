@@ -5,7 +5,7 @@
 
 #include "diagnostics/debug_log.h"
 #include "hostapi/constants.h"
-#include "interface/live_preview.h"
+#include "interface/model/live_preview.h"
 #include "platform/host_call.h"
 #include "platform/pump.h"
 #include "platform/tick.h"

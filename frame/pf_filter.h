@@ -8,11 +8,11 @@
 
 #include "hostapi/constants.h"
 #include "hostapi/filter_record.h"
-#include "interface/edited_filter.h"
-#include "interface/preview.h"
-#include "interface/widgets.h"
+#include "image/halvorsund_host.h"
+#include "interface/model/edited_filter.h"
+#include "interface/model/preview.h"
+#include "interface/model/widgets.h"
 #include "platform/recursive_lock.h"
-#include "services/halvorsund_host.h"
 
 namespace radiashafts {
 

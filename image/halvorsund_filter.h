@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <limits>
 
+#include "image/halvorsund_host.h"
 #include "image/instruction_set.h"
-#include "services/halvorsund_host.h"
 
 namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET {
 

@@ -3,9 +3,9 @@
 
 #include <cstdint>
 
+#include "image/halvorsund_host.h"
 #include "image/instruction_set.h"
 #include "render/render_values.h"
-#include "services/halvorsund_host.h"
 
 namespace radiashafts {
 

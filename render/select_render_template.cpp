@@ -8,12 +8,12 @@
 
 #include "diagnostics/debug_log.h"
 #include "hostapi/constants.h"
-#include "platform/processors.h"
 #include "render/configurations.h"
 #include "render/record_values.h"
 #include "render/render_template.h"
 #include "render/render_values.h"
-#include "services/thread_pool.h"
+#include "threads/processors.h"
+#include "threads/thread_pool.h"
 
 namespace radiashafts {
 namespace {
@@ -35,7 +35,7 @@ constexpr auto avx2RenderTable = makeRenderTable<InstructionSet::avx2>(configura
 const auto& renderTable() {
   static const bool fast = [] {
     const char* wanted = std::getenv("RADIASHAFTS_INSTRUCTION_SET");
-    return platform::hasAvx2() && (wanted == nullptr || std::strcmp(wanted, "sse2") != 0);
+    return hasAvx2() && (wanted == nullptr || std::strcmp(wanted, "sse2") != 0);
   }();
   return fast ? avx2RenderTable : sse2RenderTable;
 }
@@ -117,7 +117,7 @@ std::int16_t selectRenderTemplate(HalvorsundHost& host, const EffectParameters& 
   };
   const int number = configurationNumber(layout.depth, layout.hasAlpha, layout.colorPlanes);
   const RenderFunction render = renderTable()[static_cast<std::size_t>(number - 1)];
-  const ThreadPool::Attendance attendance(ThreadPool::Instance());
+  const ThreadPool::KeepRunning keepRunning(ThreadPool::Instance());
   return static_cast<std::int16_t>(render(host, buffers, renderValuesOf(parameters, view)));
 }
 

@@ -4,8 +4,8 @@
 #include <cstdint>
 
 #include "hostapi/filter_record.h"
+#include "image/halvorsund_host.h"
 #include "parameters/effect_parameters.h"
-#include "services/halvorsund_host.h"
 
 namespace radiashafts {
 

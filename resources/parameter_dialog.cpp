@@ -4,7 +4,7 @@
 #include <sstream>
 #include <string_view>
 
-#include "interface/dialog_ids.h"
+#include "interface/win32/dialog_ids.h"
 #include "parameters/effect_table.h"
 
 namespace radiashafts::resources {

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <new>
 
-#include "platform/huge_pages.h"
 #include "standin/descriptors.h"
 #include "standin/host_fault.h"
+#include "standin/system/huge_pages.h"
 
 namespace radiashafts::standin {
 namespace {
@@ -37,7 +37,7 @@ void* newBuffer(std::uint32_t* requestedSize, std::uint32_t minimumSize) {
   auto* block =
       static_cast<std::uint8_t*>(::operator new(total, std::align_val_t(guardSize), std::nothrow));
   if (block == nullptr) return nullptr;
-  platform::preferHugePages(block, total);
+  standin::preferHugePages(block, total);
   std::fill_n(block, guardSize, guardByte);
   std::fill(block + guardSize + size, block + total, guardByte);
   reinterpret_cast<Header*>(block)->size = static_cast<std::uint32_t>(size);

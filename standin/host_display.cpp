@@ -4,7 +4,7 @@
 #include <memory>
 
 #include "hostapi/constants.h"
-#include "platform/drawing.h"
+#include "standin/system/drawing.h"
 
 namespace radiashafts::standin {
 
@@ -38,7 +38,7 @@ hostapi::OSErr displayPixels(const hostapi::PSPixelMap* source, const hostapi::V
       *to++ = from[0];
     }
   }
-  return platform::drawPixels(deviceContext, column, row, width, height, pixels.get())
+  return standin::drawPixels(deviceContext, column, row, width, height, pixels.get())
              ? hostapi::OSErr{0}
              : refused;
 }

@@ -13,10 +13,10 @@
 #include <OpenImageIO/imageio.h>
 #include <OpenImageIO/strutil.h>
 
-#include "platform/silence.h"
 #include "standin/oiio_threads.h"
 #include "standin/partial_file.h"
 #include "standin/picture_file.h"
+#include "standin/system/silence.h"
 #include "standin/word_scale.h"
 
 namespace radiashafts::standin {
@@ -370,7 +370,7 @@ class MemoryFile {
 
 PictureFile readPictureFile(const fs::path& path) {
   keepFromThreads();
-  const platform::SilencedStandardError silenced;
+  const standin::SilencedStandardError silenced;
   auto metadata = std::make_shared<OiioMetadata>();
   const auto input = openInput(path, metadata->spec);
   const ImageSpec& spec = metadata->spec;
@@ -392,7 +392,7 @@ PictureFile readPictureFile(const fs::path& path) {
 
 Mask readMaskFile(const fs::path& path) {
   keepFromThreads();
-  const platform::SilencedStandardError silenced;
+  const standin::SilencedStandardError silenced;
   ImageSpec spec;
   const auto input = openInput(path, spec);
   if (spec.nchannels != 1 || spec.format != TypeDesc::UINT8) {
@@ -407,14 +407,14 @@ Mask readMaskFile(const fs::path& path) {
 }
 
 void checkWritable(const fs::path& path, const Picture&) {
-  const platform::SilencedStandardError silenced;
+  const standin::SilencedStandardError silenced;
   if (const std::string reason = PartialFile::obstacle(path); !reason.empty()) fail(path, reason);
   outputFor(path);
 }
 
 WriteResult writePictureFile(const fs::path& path, PictureFile&& file,
                              const std::function<bool()>& aborted) {
-  const platform::SilencedStandardError silenced;
+  const standin::SilencedStandardError silenced;
   keepFromThreads();
   MemoryFile memory;
   PartialFile partial(path);

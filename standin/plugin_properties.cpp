@@ -4,7 +4,7 @@
 #include <stdexcept>
 
 #include "hostapi/types.h"
-#include "platform/module_resource.h"
+#include "standin/system/module_resource.h"
 
 namespace radiashafts::standin {
 namespace {
@@ -84,8 +84,8 @@ PluginProperties parsePluginProperties(const Bytes& resource) {
 }
 
 std::string entryPointOf(const std::filesystem::path& module) {
-  if (!platform::modulesHaveResources) return "ENTRYPOINT";
-  const auto resource = platform::moduleResource(module, "PIPL", propertyListId);
+  if (!standin::modulesHaveResources) return "ENTRYPOINT";
+  const auto resource = standin::moduleResource(module, "PIPL", propertyListId);
   if (!resource) throw std::runtime_error("it has no property list");
   const PluginProperties properties = parsePluginProperties(*resource);
   if (!properties.isFilter) throw std::runtime_error("it is no filter");

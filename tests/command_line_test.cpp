@@ -16,7 +16,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "interface/remembered_settings.h"
+#include "interface/model/remembered_settings.h"
 #include "parameters/effect_parameters.h"
 #include "standin/picture_file.h"
 #include "tests/support/module_under_test.h"

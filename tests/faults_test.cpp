@@ -7,8 +7,8 @@
 #include <gtest/gtest.h>
 
 #include "diagnostics/debug_log.h"
-#include "interface/preview.h"
-#include "interface/preview_view.h"
+#include "interface/model/preview.h"
+#include "interface/model/preview_view.h"
 #include "platform/pump.h"
 #include "standin/stand_in_host.h"
 #include "tests/support/failing_memory.h"

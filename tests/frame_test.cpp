@@ -8,7 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "frame/pf_filter.h"
-#include "interface/live_preview.h"
+#include "interface/model/live_preview.h"
 #include "standin/descriptors.h"
 #include "standin/host_buffer_suite.h"
 #include "tests/support/closed_windows.h"

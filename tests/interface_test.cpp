@@ -9,9 +9,9 @@
 #include <gtest/gtest.h>
 
 #include "frame/pf_filter_radiashafts.h"
-#include "interface/host_drawing.h"
-#include "interface/preview_pixels.h"
-#include "interface/preview_view.h"
+#include "interface/model/host_drawing.h"
+#include "interface/model/preview_pixels.h"
+#include "interface/model/preview_view.h"
 #include "platform/tick.h"
 #include "tests/support/fake_interface.h"
 

@@ -7,9 +7,9 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "services/thread_pool.h"
 #include "tests/support/module_under_test.h"
 #include "tests/support/test_pictures.h"
+#include "threads/thread_pool.h"
 
 namespace radiashafts::test {
 namespace {

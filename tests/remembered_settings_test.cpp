@@ -1,6 +1,6 @@
 // What is kept between runs, in the user's own store of the system.
 
-#include "interface/remembered_settings.h"
+#include "interface/model/remembered_settings.h"
 
 #include <cmath>
 #include <cstring>

@@ -12,8 +12,8 @@
 #include <gtest/gtest.h>
 
 #include "diagnostics/debug_log.h"
-#include "services/thread_pool.h"
 #include "tests/support/long_test.h"
+#include "threads/thread_pool.h"
 
 namespace radiashafts {
 namespace {
@@ -76,11 +76,11 @@ TEST(ThreadPool, EveryCallComesBackHoweverLateItsWorkersAre) {
     ThreadPool pool;
     pool.init(threads);
     // A worker that comes late for one call meets the next one only while they stay at hand.
-    std::optional<ThreadPool::Attendance> attendance(pool);
+    std::optional<ThreadPool::KeepRunning> keepRunning(pool);
     std::atomic<int> entered{0};
     const auto fail = [&](std::int32_t, std::int32_t) { return ++entered, -128; };
     for (int call = 0; call < test::roundsOf(calls); ++call) {
-      if (call % 1000 == 999) attendance.emplace(pool);
+      if (call % 1000 == 999) keepRunning.emplace(pool);
       entered = 0;
       ASSERT_EQ(iterate(pool, 1000, fail), -128);
       const int inCall = entered;
@@ -96,7 +96,7 @@ TEST(ThreadPool, AnExceptionComesBackOnceAllThreadsAreDone) {
   for (const auto& [threads, throwing] : {std::pair{1, 0}, {2, 0}, {2, 1}, {7, 3}}) {
     ThreadPool pool;
     pool.init(threads);
-    const ThreadPool::Attendance attendance(pool);
+    const ThreadPool::KeepRunning keepRunning(pool);
     for (int call = 0; call < 100; ++call) {
       std::atomic<int> inside{0};
       std::atomic<bool> thrown{false};

@@ -10,9 +10,9 @@
 #include <gtest/gtest.h>
 
 #include "frame/pf_filter_radiashafts.h"
-#include "interface/number_text.h"
-#include "interface/parameter_editing.h"
-#include "interface/preview_pointer.h"
+#include "interface/model/number_text.h"
+#include "interface/model/parameter_editing.h"
+#include "interface/model/preview_pointer.h"
 #include "standin/descriptors.h"
 #include "tests/support/fake_interface.h"
 

@@ -13,7 +13,7 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/module.h"
+#include "standin/system/module.h"
 #include "tests/support/module_under_test.h"
 #include "tests/support/process_usage.h"
 #include "tests/support/test_pictures.h"
@@ -293,7 +293,7 @@ TEST(StandInHost, DrawsPlanarPixelsWhereItIsAsked) {
 }
 
 void loadRunUnload() {
-  platform::Module module;
+  standin::Module module;
   ASSERT_TRUE(module.load(RADIASHAFTS_MODULE_PATH)) << module.error();
   const auto entry = reinterpret_cast<standin::EntryPoint>(module.symbol("ENTRYPOINT"));
   Random random(5);
@@ -337,7 +337,7 @@ TEST(WindowsModuleDeathTest, AProcessEndsWithTheModuleLoaded) {
       testing::ExitedWithCode(0), "");
   EXPECT_EXIT(
       {
-        auto* module = new platform::Module;
+        auto* module = new standin::Module;
         module->load(RADIASHAFTS_MODULE_PATH);
         Random random(5);
         const standin::Picture input = randomPicture(random, 18, 50, 40);

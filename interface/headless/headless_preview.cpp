@@ -1,9 +1,9 @@
 // The interface of a module without windows: it never opens, and says so in the log.
 
 #include "diagnostics/debug_log.h"
-#include "interface/live_preview.h"
-#include "interface/preview.h"
-#include "interface/remembered_settings.h"
+#include "interface/model/live_preview.h"
+#include "interface/model/preview.h"
+#include "interface/model/remembered_settings.h"
 
 namespace radiashafts {
 namespace {

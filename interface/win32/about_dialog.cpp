@@ -1,6 +1,6 @@
 #include "diagnostics/debug_log.h"
-#include "interface/dialog_ids.h"
-#include "interface/preview.h"
+#include "interface/model/preview.h"
+#include "interface/win32/dialog_ids.h"
 #include "interface/win32/interface_end.h"
 #include "interface/win32/visual_style.h"
 

@@ -3,8 +3,8 @@
 
 #include <windows.h>
 
-#include "interface/control_panel.h"
-#include "interface/remembered_settings.h"
+#include "interface/model/control_panel.h"
+#include "interface/model/remembered_settings.h"
 
 namespace radiashafts {
 

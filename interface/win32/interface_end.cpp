@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "interface/live_preview.h"
+#include "interface/model/live_preview.h"
 
 namespace radiashafts {
 namespace {

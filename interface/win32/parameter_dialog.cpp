@@ -5,9 +5,9 @@
 #include <windowsx.h>
 
 #include "diagnostics/debug_log.h"
-#include "interface/dialog_ids.h"
-#include "interface/live_preview.h"
-#include "interface/remembered_settings.h"
+#include "interface/model/live_preview.h"
+#include "interface/model/remembered_settings.h"
+#include "interface/win32/dialog_ids.h"
 #include "interface/win32/interface_end.h"
 #include "interface/win32/preview_win32.h"
 

@@ -7,7 +7,7 @@
 
 #include <commdlg.h>
 
-#include "interface/dialog_ids.h"
+#include "interface/win32/dialog_ids.h"
 #include "interface/win32/interface_end.h"
 #include "interface/win32/preview_win32.h"
 #include "interface/win32/visual_style.h"

@@ -6,8 +6,8 @@
 
 #include <windowsx.h>
 
-#include "interface/dialog_ids.h"
-#include "interface/remembered_settings.h"
+#include "interface/model/remembered_settings.h"
+#include "interface/win32/dialog_ids.h"
 #include "interface/win32/interface_end.h"
 #include "interface/win32/preview_win32.h"
 

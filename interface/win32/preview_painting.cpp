@@ -8,7 +8,7 @@
 
 #include "diagnostics/debug_log.h"
 #include "hostapi/constants.h"
-#include "interface/host_drawing.h"
+#include "interface/model/host_drawing.h"
 #include "platform/host_call.h"
 
 namespace radiashafts {

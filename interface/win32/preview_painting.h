@@ -5,7 +5,7 @@
 
 #include <optional>
 
-#include "interface/preview_view.h"
+#include "interface/model/preview_view.h"
 
 namespace radiashafts {
 

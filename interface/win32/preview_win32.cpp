@@ -5,10 +5,10 @@
 #include <commdlg.h>
 
 #include "diagnostics/debug_log.h"
-#include "interface/chosen_color.h"
-#include "interface/dialog_ids.h"
-#include "interface/live_preview.h"
-#include "interface/remembered_settings.h"
+#include "interface/model/chosen_color.h"
+#include "interface/model/live_preview.h"
+#include "interface/model/remembered_settings.h"
+#include "interface/win32/dialog_ids.h"
 #include "interface/win32/interface_end.h"
 #include "interface/win32/visual_style.h"
 

@@ -3,12 +3,12 @@
 
 #include <windows.h>
 
-#include "interface/parameter_editing.h"
-#include "interface/preset_row.h"
-#include "interface/preview.h"
-#include "interface/preview_pointer.h"
-#include "interface/preview_view.h"
-#include "interface/preview_windows.h"
+#include "interface/model/parameter_editing.h"
+#include "interface/model/preset_row.h"
+#include "interface/model/preview.h"
+#include "interface/model/preview_pointer.h"
+#include "interface/model/preview_view.h"
+#include "interface/model/preview_windows.h"
 #include "interface/win32/dialog_controls.h"
 #include "interface/win32/host_window.h"
 #include "interface/win32/preview_painting.h"

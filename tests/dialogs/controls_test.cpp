@@ -5,7 +5,7 @@
 #include <cctype>
 #include <cmath>
 
-#include "interface/dialog_ids.h"
+#include "interface/win32/dialog_ids.h"
 #include "parameters/effect_parameters.h"
 #include "parameters/effect_table.h"
 #include "tests/dialogs/dialog_test.h"

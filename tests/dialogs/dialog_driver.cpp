@@ -6,7 +6,7 @@
 
 #include <commctrl.h>
 
-#include "interface/dialog_ids.h"
+#include "interface/win32/dialog_ids.h"
 #include "parameters/effect_table.h"
 #include "tests/dialogs/screen.h"
 

@@ -2,7 +2,7 @@
 
 #include <functional>
 
-#include "interface/dialog_ids.h"
+#include "interface/win32/dialog_ids.h"
 #include "parameters/effect_table.h"
 #include "tests/dialogs/dialog_test.h"
 #include "tests/dialogs/screen.h"

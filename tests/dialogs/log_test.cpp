@@ -6,7 +6,7 @@
 #include <regex>
 #include <sstream>
 
-#include "interface/dialog_ids.h"
+#include "interface/win32/dialog_ids.h"
 #include "tests/dialogs/dialog_test.h"
 #include "tests/dialogs/user_registry.h"
 

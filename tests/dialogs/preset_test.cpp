@@ -3,7 +3,7 @@
 #include <fstream>
 #include <iterator>
 
-#include "interface/dialog_ids.h"
+#include "interface/win32/dialog_ids.h"
 #include "tests/dialogs/dialog_test.h"
 #include "tests/dialogs/screen.h"
 #include "tests/dialogs/system_dialogs.h"

@@ -6,7 +6,7 @@
 #include <set>
 
 #include "hostapi/filter_record.h"
-#include "interface/dialog_ids.h"
+#include "interface/win32/dialog_ids.h"
 #include "parameters/effect_table.h"
 #include "tests/dialogs/dialog_test.h"
 #include "tests/dialogs/screen.h"

@@ -5,7 +5,7 @@
 
 #include <cstring>
 
-#include "interface/dialog_ids.h"
+#include "interface/win32/dialog_ids.h"
 #include "tests/dialogs/dialog_test.h"
 #include "tests/dialogs/screen.h"
 #include "tests/support/test_pictures.h"

@@ -5,7 +5,7 @@
 #include <atomic>
 #include <iostream>
 
-#include "interface/dialog_ids.h"
+#include "interface/win32/dialog_ids.h"
 #include "tests/dialogs/dialog_test.h"
 #include "tests/support/long_test.h"
 #include "tests/support/process_usage.h"

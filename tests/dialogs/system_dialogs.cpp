@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <ostream>
 
-#include "interface/dialog_ids.h"
+#include "interface/win32/dialog_ids.h"
 
 namespace radiashafts::test {
 namespace {

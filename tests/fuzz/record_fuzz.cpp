@@ -7,8 +7,8 @@
 
 #include <sanitizer/asan_interface.h>
 
-#include "interface/preview.h"
-#include "interface/preview_view.h"
+#include "interface/model/preview.h"
+#include "interface/model/preview_view.h"
 #include "standin/descriptors.h"
 #include "tests/fuzz/fuzzing.h"
 #include "tests/support/fake_interface.h"

@@ -8,10 +8,10 @@
 #include <string>
 
 #include "hostapi/constants.h"
-#include "interface/control_panel.h"
-#include "interface/edited_filter.h"
-#include "interface/live_preview.h"
-#include "interface/preview_windows.h"
+#include "interface/model/control_panel.h"
+#include "interface/model/edited_filter.h"
+#include "interface/model/live_preview.h"
+#include "interface/model/preview_windows.h"
 
 namespace radiashafts::test {
 

@@ -3,12 +3,12 @@
 #include <cstdlib>
 #include <iostream>
 
-#include "platform/module.h"
+#include "standin/system/module.h"
 
 namespace radiashafts::test {
 
 standin::EntryPoint moduleEntry() {
-  static platform::Module module;
+  static standin::Module module;
   static const auto entry = [] {
     if (!module.load(RADIASHAFTS_MODULE_PATH)) {
       std::cerr << module.error() << '\n';

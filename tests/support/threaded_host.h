@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <atomic>
 
-#include "services/halvorsund_host.h"
+#include "image/halvorsund_host.h"
 
 namespace radiashafts::test {
 

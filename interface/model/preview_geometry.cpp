@@ -1,0 +1,99 @@
+#include "interface/model/preview_geometry.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace radiashafts {
+
+int wholePixels(double value) {
+  constexpr double farthest = 1 << 29;
+  if (std::isnan(value)) return 0;
+  return static_cast<int>(std::clamp(value, -farthest, farthest));
+}
+
+Extent PreviewGeometry::display() const {
+  return {wholePixels(image.width / viewScale), wholePixels(image.height / viewScale)};
+}
+
+void PreviewGeometry::limitPan() {
+  const auto limit = [this](int value, int imageSide, int frameSide) {
+    return std::max(std::min(value, wholePixels(imageSide - frameSide * viewScale)), 0);
+  };
+  pan = {limit(pan.x, image.width, frame.width), limit(pan.y, image.height, frame.height)};
+}
+
+Point PreviewGeometry::centre(double scale) const {
+  const auto middle = [scale](int imageSide, int frameSide, int panned) {
+    if (imageSide / scale < frameSide) return imageSide / 2;
+    return wholePixels(frameSide * scale * 0.5 + panned);
+  };
+  return {middle(image.width, frame.width, pan.x), middle(image.height, frame.height, pan.y)};
+}
+
+void PreviewGeometry::panTo(Point centre) {
+  pan = {wholePixels(centre.x - viewScale * 0.5 * frame.width),
+         wholePixels(centre.y - viewScale * 0.5 * frame.height)};
+}
+
+Box PreviewGeometry::destination() const {
+  const Extent shown = display();
+  Box box{0, 0, frame.width, frame.height};
+  if (shown.width <= frame.width) {
+    box.left = (frame.width - shown.width) / 2;
+    box.right = box.left + shown.width;
+  }
+  if (shown.height <= frame.height) {
+    box.top = (frame.height - shown.height) / 2;
+    box.bottom = box.top + shown.height;
+  }
+  return box;
+}
+
+Box PreviewGeometry::source() const {
+  const Box to = destination();
+  return {pan.x, pan.y, pan.x + wholePixels(to.width() * viewScale),
+          pan.y + wholePixels(to.height() * viewScale)};
+}
+
+std::array<Box, 4> PreviewGeometry::margins() const {
+  constexpr int past = 200;
+  const Box to = destination();
+  const int bottom = frame.height + past;
+  return {{{0, 0, frame.width, to.top},
+           {0, to.bottom, frame.width, bottom},
+           {0, 0, to.left, bottom},
+           {to.right, 0, frame.width, bottom}}};
+}
+
+Point PreviewGeometry::handle(double x, double y) const {
+  const Extent shown = display();
+  const Box to = destination();
+  return {
+      wholePixels(to.left - pan.x / viewScale + shown.width * x),
+      wholePixels(shown.height * y + to.top - (shown.height - to.height()) + pan.y / viewScale)};
+}
+
+// The display's size is rounded here and truncated when it is drawn; a pixel's difference, and
+// wanted.
+std::array<double, 2> PreviewGeometry::clientToImage(Point point,
+                                                     std::array<double, 2> otherwise) const {
+  const int shownWidth = wholePixels(image.width / viewScale + 0.5);
+  const int shownHeight = wholePixels(image.height / viewScale + 0.5);
+  int x = point.x;
+  int y = point.y;
+  if (shownWidth < frame.width) {
+    x -= (frame.width - shownWidth) / 2;
+  } else {
+    x = wholePixels(pan.x / viewScale + x);
+  }
+  if (shownHeight < frame.height) {
+    y -= (frame.height - shownHeight) / 2;
+  } else {
+    y = wholePixels((shownHeight - frame.height) - pan.y / viewScale + y);
+  }
+  if (shownWidth > 0) otherwise[0] = static_cast<double>(x) / shownWidth;
+  if (shownHeight > 0) otherwise[1] = static_cast<double>(y) / shownHeight;
+  return otherwise;
+}
+
+}  // namespace radiashafts

@@ -1,0 +1,88 @@
+#include "interface/model/preview_pointer.h"
+
+#include <locale>
+#include <sstream>
+
+namespace radiashafts {
+
+void PreviewPointer::letGo() {
+  draggedOrigin_ = nullptr;
+  leftDrag_ = false;
+  panActive_ = false;
+}
+
+bool PreviewPointer::isInFrame(Point point) const {
+  const Extent frame = windows_.frameSize();
+  return point.x >= 0 && point.y >= 0 && point.x <= frame.width && point.y <= frame.height;
+}
+
+void PreviewPointer::OnLeftDown(Point point) {
+  if (!view_.isOpen() || !isInFrame(point)) return;
+  leftDrag_ = true;
+  windows_.captureMouse();
+  if (editing_.pipetteActive()) return;
+  draggedOrigin_ = editing_.FindOriginParameter();
+  if (draggedOrigin_ == nullptr) return;
+  view_.filter().undoHistory.PushStep(draggedOrigin_->CreateUndo());
+  dragOriginTo(point);
+}
+
+void PreviewPointer::dragOriginTo(Point point) {
+  const auto [x, y] = view_.geometry().clientToImage(point, draggedOrigin_->value());
+  draggedOrigin_->SetValue(x, y);
+  draggedOrigin_->NotifyWidget();
+  view_.RequestRender();
+}
+
+void PreviewPointer::OnLeftUp() {
+  draggedOrigin_ = nullptr;
+  leftDrag_ = false;
+  windows_.releaseMouse();
+  if (!editing_.pipetteActive()) return;
+  editing_.dropPipette();
+  view_.RequestRender();
+}
+
+void PreviewPointer::OnRightDown(Point point) {
+  if (!view_.isOpen() || !isInFrame(point)) return;
+  rightDown_ = point;
+  panActive_ = true;
+  view_.limitPan();
+  panStart_ = view_.geometry().pan;
+  windows_.captureMouse();
+}
+
+void PreviewPointer::OnRightUp() {
+  panActive_ = false;
+  windows_.releaseMouse();
+  windows_.invalidateFrame();
+}
+
+void PreviewPointer::OnMove(Point point) {
+  if (!view_.isOpen()) return;
+  tellPlace(point);
+  if (panActive_) {
+    const double scale = view_.geometry().viewScale;
+    view_.panTo({wholePixels(panStart_.x - (point.x - rightDown_.x) * scale),
+                 wholePixels(panStart_.y - (rightDown_.y - point.y) * scale)});
+  }
+  if (leftDrag_ && draggedOrigin_ != nullptr) dragOriginTo(point);
+  if (editing_.pipetteActive()) {
+    if (const auto color = windows_.screenColor(point)) editing_.pipetteTakes(*color);
+  }
+}
+
+// In pixels of the whole image, to a tenth.
+void PreviewPointer::tellPlace(Point point) {
+  const auto [x, y] = view_.geometry().clientToImage(point, {0.0, 0.0});
+  const Extent image = view_.renderedSize();
+  const int step = view_.imagePixelsPerStep();
+  const auto tenths = [](double value) { return wholePixels(value * 10.0) * 0.1; };
+  std::ostringstream text;
+  text.imbue(std::locale::classic());
+  text << "Preview:  x: " << tenths(x * image.width * step)
+       << " y: " << tenths(y * image.height * step);
+  windows_.setCaption(text.str());
+}
+
+}  // namespace radiashafts

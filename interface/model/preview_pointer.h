@@ -1,0 +1,41 @@
+// The mouse in the preview: the left button drags the light, the right one the picture, and the
+// pipette takes colours.
+#pragma once
+
+#include "interface/model/parameter_editing.h"
+#include "interface/model/preview_view.h"
+
+namespace radiashafts {
+
+class PreviewPointer {
+ public:
+  PreviewPointer(PreviewWindows& windows, PreviewView& view, ParameterEditing& editing)
+      : windows_(windows), view_(view), editing_(editing) {}
+  PreviewPointer(const PreviewPointer&) = delete;
+  PreviewPointer& operator=(const PreviewPointer&) = delete;
+
+  void letGo();  // of everything that is dragged
+
+  // Points of the preview's client area. A press anywhere in the frame moves the light there.
+  void OnLeftDown(Point point);
+  void OnLeftUp();
+  void OnRightDown(Point point);
+  void OnRightUp();
+  void OnMove(Point point);
+
+ private:
+  bool isInFrame(Point point) const;
+  void dragOriginTo(Point point);
+  void tellPlace(Point point);
+
+  PreviewWindows& windows_;
+  PreviewView& view_;
+  ParameterEditing& editing_;
+  pfParameterPosition* draggedOrigin_ = nullptr;
+  bool leftDrag_ = false;
+  bool panActive_ = false;
+  Point rightDown_;
+  Point panStart_;
+};
+
+}  // namespace radiashafts

@@ -1,0 +1,37 @@
+// The two dialogs as the code that decides sees them.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "interface/model/preview_geometry.h"
+
+namespace radiashafts {
+
+class PreviewWindows {
+ public:
+  virtual ~PreviewWindows() = default;
+
+  virtual Extent frameSize() const = 0;  // of the preview's frame, screen pixels
+  virtual void invalidateFrame() = 0;
+  virtual void paintNow() = 0;  // what is invalid in the preview
+  virtual void bitmapChanged() = 0;
+  virtual void setPercentage(const std::string& text) = 0;
+  virtual void setCaption(const std::string& text) = 0;  // of the preview
+  virtual void enableHistory(bool undo, bool redo) = 0;
+
+  virtual void captureMouse() = 0;  // for the preview
+  virtual void releaseMouse() = 0;
+
+  virtual void usePipetteCursor(bool pipette) = 0;
+  // The colour at a point of the preview's client area; none where it cannot be read.
+  virtual std::optional<std::array<std::uint8_t, 3>> screenColor(Point point) = 0;
+
+  virtual void enableDialogs(bool enabled) = 0;
+  // The place of a control in the parameter dialog's client area.
+  virtual Box controlBox(int id) const = 0;
+};
+
+}  // namespace radiashafts

@@ -1,0 +1,198 @@
+#include "interface/model/widgets.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "interface/model/number_text.h"
+
+namespace radiashafts {
+namespace {
+
+constexpr double sliderSteps = 100.0;  // of a value of 1
+
+int sliderPosition(double value) {
+  return wholePixels(std::round(value * sliderSteps));
+}
+
+}  // namespace
+
+void pfParameterUIControls::UpdateState() {
+  for (const int id : ids_) {
+    if (id == 0) continue;
+    panel->enable(id, enabled);
+    panel->show(id, visible);
+    panel->invalidate(id);
+  }
+}
+
+void pfParameterUIControls::ShowText(int id, const std::string& text) {
+  showing = true;
+  panel->setText(id, text);
+  showing = false;
+}
+
+void pfParameterUIFloat::Init() {
+  const double range = std::abs(bound().maximum - bound().minimum);
+  panel->setSliderRange(secondId(), sliderPosition(bound().minimum),
+                        sliderPosition(bound().maximum),
+                        std::max(static_cast<int>(range * sliderSteps / 10.0), 1));
+  Update();
+}
+
+// The slider goes by way of its neighbours, or the system sees no need to repaint its thumb.
+void pfParameterUIFloat::Update() {
+  if (panel == nullptr) return;
+  const double value = bound().value();
+  if (!panel->hasFocus(secondId())) {
+    panel->setSliderPosition(secondId(), sliderPosition(value + 1.0), false);
+    panel->setSliderPosition(secondId(), sliderPosition(value), true);
+    panel->setSliderPosition(secondId(), sliderPosition(value - 1.0), false);
+    panel->setSliderPosition(secondId(), sliderPosition(value), true);
+  }
+  if (!panel->hasFocus(firstId())) ShowText(firstId(), numberText(value));
+  UpdateState();
+}
+
+bool pfParameterUIFloat::OnChange() {
+  if (panel == nullptr || showing) return false;
+  if (panel->hasFocus(firstId())) return TakeEdit();
+  if (panel->hasFocus(secondId())) return TakeSlider();
+  return false;
+}
+
+bool pfParameterUIFloat::TakeEdit() {
+  std::optional<double> number = parseNumber(panel->text(firstId()));
+  if (!number) return false;
+  if (bound().useMinimum) number = std::max(*number, bound().minimum);
+  if (bound().useMaximum) number = std::min(*number, bound().maximum);
+  const bool renderNeeded = bound().SetValue(*number);
+  bound().Validate();
+  return renderNeeded;
+}
+
+bool pfParameterUIFloat::TakeSlider() {
+  const bool renderNeeded = bound().SetValue(panel->sliderPosition(secondId()) * 0.01);
+  bound().Validate();
+  return renderNeeded;
+}
+
+// A text that nobody touched says the value to six digits only, and is not taken for it.
+void pfParameterUIFloat::OnKillFocus(int id) {
+  if (panel == nullptr || id != firstId()) return;
+  if (panel->text(firstId()) != numberText(bound().value())) TakeEdit();
+  Update();
+}
+
+// A text that already means the value stays as the user typed it.
+void pfParameterUIPosition::Update() {
+  if (panel == nullptr) return;
+  const Extent image = panel->imageSize();
+  const auto updateEdit = [this](int id, int side, double value) {
+    const std::optional<double> pixels = parseNumber(panel->text(id));
+    if (pixels && *pixels / side == value) return;
+    ShowText(id, std::to_string(wholePixels(side * value)));
+  };
+  updateEdit(firstId(), image.width, bound().x());
+  updateEdit(secondId(), image.height, bound().y());
+  UpdateState();
+}
+
+bool pfParameterUIPosition::OnChange() {
+  if (panel == nullptr || showing) return false;
+  const Extent image = panel->imageSize();
+  const auto taken = [this](int id, int side, double value) {
+    const std::optional<double> pixels =
+        panel->hasFocus(id) ? parseNumber(panel->text(id)) : std::nullopt;
+    return pixels && side > 0 ? *pixels / side : value;
+  };
+  return bound().SetValue(taken(firstId(), image.width, bound().x()),
+                          taken(secondId(), image.height, bound().y()));
+}
+
+void pfParameterUIBool::Update() {
+  if (panel == nullptr) return;
+  panel->setChecked(firstId(), bound().value());
+  UpdateState();
+}
+
+bool pfParameterUIBool::OnChange() {
+  if (panel == nullptr || !panel->hasFocus(firstId()) || panel->isIndeterminate(firstId())) {
+    return false;
+  }
+  return bound().SetValue(panel->isChecked(firstId()));
+}
+
+void pfParameterUIList::Update() {
+  if (panel == nullptr) return;
+  std::vector<std::string> entries;
+  entries.reserve(static_cast<std::size_t>(bound().EntryCount()));
+  for (int i = 0; i < bound().EntryCount(); ++i) entries.push_back(bound().GetEntry(i));
+  panel->setEntries(firstId(), entries, bound().value() - 1);
+  UpdateState();
+}
+
+bool pfParameterUIList::OnChange() {
+  if (panel == nullptr) return false;
+  const int entry = panel->selectedEntry(firstId()) + 1;
+  return entry >= 1 && entry <= bound().EntryCount() && bound().SetValue(entry);
+}
+
+// The control only places the swatch and stays hidden.
+void pfParameterUIRGB::Update() {
+  if (panel != nullptr) panel->invalidate(firstId());
+}
+
+WidgetList makeWidgets(EffectParameters& effect) {
+  const std::array<pfParameter*, effectTable.size()> order{&effect.Origin,
+                                                           &effect.Intensity,
+                                                           &effect.RayLength,
+                                                           &effect.Radius,
+                                                           &effect.Contrast,
+                                                           &effect.GammaCorrection,
+                                                           &effect.ColorBalance,
+                                                           &effect.UseImageColor,
+                                                           &effect.ColorLow,
+                                                           &effect.ColorHigh,
+                                                           &effect.Hue,
+                                                           &effect.Saturation,
+                                                           &effect.Lightness,
+                                                           &effect.SelectionLow,
+                                                           &effect.SelectionHigh,
+                                                           &effect.SelectionSoften,
+                                                           &effect.SelectionClimax,
+                                                           &effect.Mode,
+                                                           &effect.BlendMode,
+                                                           &effect.SelectionShow,
+                                                           &effect.Randomize,
+                                                           &effect.RandomizeButton};
+  const auto make = [](const ParameterFacts& facts) -> std::unique_ptr<pfParameterUIControls> {
+    switch (facts.kind) {
+      case ParameterKind::position:
+        return std::make_unique<pfParameterUIPosition>(facts.controls);
+      case ParameterKind::boolean:
+        return std::make_unique<pfParameterUIBool>(facts.controls);
+      case ParameterKind::color:
+        return std::make_unique<pfParameterUIRGB>(facts.controls);
+      case ParameterKind::list:
+        return std::make_unique<pfParameterUIList>(facts.controls);
+      default:
+        return std::make_unique<pfParameterUIFloat>(facts.controls);
+    }
+  };
+  WidgetList widgets;
+  for (pfParameter* parameter : order) {
+    const auto row =
+        std::find(effect.all.begin(), effect.all.end(), parameter) - effect.all.begin();
+    widgets.push_back(make(effectTable[static_cast<std::size_t>(row)]));
+    AttachWidget(*widgets.back(), *parameter);
+  }
+  return widgets;
+}
+
+pfParameterUIControls* FindWidgetByControl(int id, const WidgetList& widgets) {
+  const auto owner = std::find_if(widgets.begin(), widgets.end(),
+                                  [id](const auto& widget) { return widget->OwnsControl(id); });
+  return owner == widgets.end() ? nullptr : owner->get();
+}
+
+}  // namespace radiashafts

@@ -1,8 +1,0 @@
-#pragma once
-
-namespace radiashafts::platform {
-
-// Whether standard error goes to a terminal that a bar can be drawn on.
-bool errorIsTerminal();
-
-}  // namespace radiashafts::platform

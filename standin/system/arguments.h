@@ -1,0 +1,11 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace radiashafts::standin {
+
+// The program's arguments behind its name, in UTF-8 on every system.
+std::vector<std::string> programArguments(int argc, char** argv);
+
+}  // namespace radiashafts::standin

@@ -1,0 +1,55 @@
+// Work in stages on a row of chunks, in parallel, with the effects of one thread that takes chunk
+// after chunk through all the stages.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <memory>
+
+#include "threads/monitor.h"
+#include "threads/thread_pool.h"
+
+namespace radiashafts {
+
+// Every chunk goes through all the stages, and every stage takes the chunks in their order, on one
+// thread. So a chunk may carry data from stage to stage, and memory that only one stage writes is
+// written in the order of the chunks, while the stages run at the same time.
+//
+// One run: give stageCallback to as many iterations as there are stages. The pool hands iterations
+// out in rising order, so the stage that another one waits for is always running or done.
+class Pipeline {
+ public:
+  // Work on one chunk in one stage. The status 0 is success.
+  struct Work {
+    using Function = std::int32_t (*)(void* context, std::int32_t stage, std::int32_t chunk,
+                                      std::int32_t threadIndex);
+    void* context = nullptr;
+    Function function = nullptr;
+  };
+
+  // Throws std::bad_alloc.
+  Pipeline(std::int32_t stages, std::int32_t chunks, Work work);
+
+  // Runs one stage. A status other than 0, or an exception, ends the work of all stages; the
+  // exception is passed on.
+  IterationCallback stageCallback();
+
+  // The last status other than 0, of any thread, once the run is over.
+  std::int32_t status() const { return status_; }
+
+ private:
+  using Counter = std::atomic<std::int32_t>;
+
+  std::int32_t runStage(std::int32_t stage, std::int32_t threadIndex);
+  std::int32_t workOn(std::int32_t stage, std::int32_t chunk, std::int32_t threadIndex);
+  bool awaitChunk(std::int32_t stage, std::int32_t chunk);
+  void stop(std::int32_t status);
+
+  std::int32_t chunks_;
+  Work work_;
+  Monitor monitor_;
+  std::unique_ptr<Counter[]> passed_;  // chunks that have passed each stage
+  Counter status_ = 0;
+};
+
+}  // namespace radiashafts

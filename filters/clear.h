@@ -8,7 +8,8 @@
 #include "image/instruction_set.h"
 #include "image/pixel_array.h"
 
-namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET {
+namespace radiashafts {
+inline namespace RADIASHAFTS_INSTRUCTION_SET {
 
 template <class Image>
 class ClearImageFilter final : public RowFilter {
@@ -28,4 +29,5 @@ class ClearImageFilter final : public RowFilter {
   }
 };
 
-}  // namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET
+}  // namespace RADIASHAFTS_INSTRUCTION_SET
+}  // namespace radiashafts

@@ -10,7 +10,8 @@
 #include "image/pixel_array.h"
 #include "image/sampling.h"
 
-namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET {
+namespace radiashafts {
+inline namespace RADIASHAFTS_INSTRUCTION_SET {
 
 // Each pixel is read from (x + offsetX, y + offsetY). Offsets are less than 1 in size and have
 // exact sums with coordinates, such as a half.
@@ -59,4 +60,5 @@ class MoveSubPixelImageFilter final : public HalvorsundFilter {
   }
 };
 
-}  // namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET
+}  // namespace RADIASHAFTS_INSTRUCTION_SET
+}  // namespace radiashafts

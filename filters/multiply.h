@@ -8,7 +8,8 @@
 #include "image/pixel.h"
 #include "image/pixel_array.h"
 
-namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET {
+namespace radiashafts {
+inline namespace RADIASHAFTS_INSTRUCTION_SET {
 
 // The mask is read at the image's own (x, y), so it is at least as large.
 template <class Image, class Mask>
@@ -36,4 +37,5 @@ class MultImageFilter final : public RowFilter {
   }
 };
 
-}  // namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET
+}  // namespace RADIASHAFTS_INSTRUCTION_SET
+}  // namespace radiashafts

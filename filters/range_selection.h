@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <type_traits>
 
+#include "filters/selection_parameters.h"
 #include "image/color.h"
 #include "image/halvorsund_filter.h"
 #include "image/instruction_set.h"
@@ -15,27 +16,8 @@
 #include "image/pixel_array.h"
 #include "image/power.h"
 
-namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET {
-
-// One axis, in the scale 0 to 1. climax moves the curve's apex from the start of the range (-1) to
-// its end (+1); soften is the exponent of the curve, 0 for a hard edge.
-struct SelectionAxis {
-  double low = 0.0;
-  double high = 1.0;
-  double climax = 1.0;
-  double soften = 0.0;
-};
-
-struct SelectionParameters {
-  bool selectionOnly = false;   // write the selection itself, not the picture times it
-  bool selectionActive = true;  // false: copy, without any test
-  SelectionAxis hue;
-  SelectionAxis saturation;
-  SelectionAxis lightness;
-  double hueOffset = 0.0;  // added to both ends of the range
-  double saturationOffset = 0.0;
-  double lightnessOffset = 0.0;
-};
+namespace radiashafts {
+inline namespace RADIASHAFTS_INSTRUCTION_SET {
 
 // An axis made ready for testing.
 class AxisCurve {
@@ -263,4 +245,5 @@ class HslRangeSelectionFilter final : public RowFilter {
   }
 };
 
-}  // namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET
+}  // namespace RADIASHAFTS_INSTRUCTION_SET
+}  // namespace radiashafts

@@ -7,7 +7,8 @@
 #include "image/instruction_set.h"
 #include "image/power.h"
 
-namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET {
+namespace radiashafts {
+inline namespace RADIASHAFTS_INSTRUCTION_SET {
 
 // Steps after which a ray has fallen to 1/1024, for a picture of width x height and a length
 // already squared. A picture with a diagonal of 800 pixels has 1000 at full length.
@@ -26,4 +27,5 @@ inline double decayFactorFor(double steps) {
   return factor > smallest ? factor : smallest;
 }
 
-}  // namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET
+}  // namespace RADIASHAFTS_INSTRUCTION_SET
+}  // namespace radiashafts

@@ -10,7 +10,8 @@
 #include "image/pixel.h"
 #include "image/pixel_array.h"
 
-namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET {
+namespace radiashafts {
+inline namespace RADIASHAFTS_INSTRUCTION_SET {
 
 // Each pixel becomes the mean of itself and the pixel one step nearer to the origin, which counts
 // for all the weight it has gathered, times decayFactor. The nearer pixel is already updated, so
@@ -196,4 +197,5 @@ class RadiashaftsSmoothFilter final : public HalvorsundFilter {
   float* weightPlane_ = nullptr;
 };
 
-}  // namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET
+}  // namespace RADIASHAFTS_INSTRUCTION_SET
+}  // namespace radiashafts

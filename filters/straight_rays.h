@@ -19,7 +19,8 @@
 #include "image/pixel_array.h"
 #include "threads/pipeline.h"
 
-namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET {
+namespace radiashafts {
+inline namespace RADIASHAFTS_INSTRUCTION_SET {
 
 // Each ray walks outward with a running sum of what it has passed, which decays at every step, and
 // deposits sum and weight in an accumulation image. The last step divides sums by weights: every
@@ -359,4 +360,5 @@ class RadiashaftsStraightFilter final : public HalvorsundFilter {
   std::atomic<std::int32_t> progressCounter_{0};
 };
 
-}  // namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET
+}  // namespace RADIASHAFTS_INSTRUCTION_SET
+}  // namespace radiashafts

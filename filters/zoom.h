@@ -12,7 +12,8 @@
 #include "image/pixel.h"
 #include "image/pixel_array.h"
 
-namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET {
+namespace radiashafts {
+inline namespace RADIASHAFTS_INSTRUCTION_SET {
 
 // What lies outside the source. Any other number stands for zero.
 enum Extension : std::int32_t {
@@ -212,4 +213,5 @@ class ZoomFilter final : public RowFilter {
   AreaTable areaTable_;
 };
 
-}  // namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET
+}  // namespace RADIASHAFTS_INSTRUCTION_SET
+}  // namespace radiashafts

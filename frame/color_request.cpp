@@ -7,6 +7,7 @@
 #include "hostapi/color_services.h"
 #include "hostapi/constants.h"
 #include "image/color.h"
+#include "image/unit_scale.h"
 #include "interface/model/chosen_color.h"
 #include "interface/model/preview_geometry.h"
 #include "platform/host_call.h"
@@ -47,9 +48,9 @@ bool pfFilter::RequestColor(hostapi::FilterRecord* record, double* red, double* 
     trace("result space = ", info.resultSpace);
     chosen = code == 0;
     if (chosen) {
-      *red = components[0] * channelOfByte;
-      *green = components[1] * channelOfByte;
-      *blue = components[2] * channelOfByte;
+      *red = components[0] * byteToUnit;
+      *green = components[1] * byteToUnit;
+      *blue = components[2] * byteToUnit;
     }
   }
   // The interface's own chooser does not write into the components: on a greyscale picture it
@@ -58,7 +59,7 @@ bool pfFilter::RequestColor(hostapi::FilterRecord* record, double* red, double* 
     *red = *green = *blue =
         (components[0] * luminanceWeights[0] + components[2] * luminanceWeights[2] +
          components[1] * luminanceWeights[1]) *
-        channelOfByte;
+        byteToUnit;
   }
   trace("pfFilter::RequestColor( return(", chosen, ") fRed(", *red, "), fGreen(", *green,
         "), fBlue(", *blue, ") )");

@@ -1,7 +1,7 @@
 #include "frame/pf_filter_radiashafts.h"
 
 #include "hostapi/constants.h"
-#include "render/select_render_template.h"
+#include "render/render_record.h"
 
 namespace radiashafts {
 namespace {
@@ -10,9 +10,9 @@ namespace {
 FilterIdentity radiashaftsIdentity() {
   return {.name = "Skein \xBBRadiashafts\xAB",
           .vendor = "Halvorsund",
-          .versionMajor = 1,
-          .versionMinor = 2,
-          .versionRevision = 2,
+          .versionMajor = RADIASHAFTS_VERSION_MAJOR,
+          .versionMinor = RADIASHAFTS_VERSION_MINOR,
+          .versionRevision = RADIASHAFTS_VERSION_PATCH,
           .description = "Gererates a fake Radiashafts Light.\nCopyright (c) 2026 Halvorsund"};
 }
 
@@ -28,7 +28,7 @@ pfFilterRadiashafts::pfFilterRadiashafts() : pfFilter(radiashaftsIdentity()) {
 }
 
 std::int16_t pfFilterRadiashafts::SelectRenderTemplate(hostapi::FilterRecord* record) {
-  return selectRenderTemplate(*this, effect, previewLevel, record);
+  return renderRecord(*this, effect, previewLevel, record);
 }
 
 void pfFilterRadiashafts::PrepareInterface(hostapi::FilterRecord* record) {
@@ -53,11 +53,6 @@ void pfFilterRadiashafts::OnRandomize(pfParameter*, void* filter) {
 }
 
 void pfFilterRadiashafts::RandomizeParameters() {
-  for (pfParameter* kept : std::initializer_list<pfParameter*>{
-           &effect.RandomizeButton, &effect.Randomize, &effect.BlendMode, &effect.SelectionShow,
-           &effect.UseImageColor}) {
-    kept->randomizable = false;
-  }
   parameters.RandomizeAll(effect.Randomize.value(), undoHistory);
   preview->RequestRender();
 }

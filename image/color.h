@@ -7,7 +7,8 @@
 #include "image/instruction_set.h"
 #include "image/lanes.h"
 
-namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET {
+namespace radiashafts {
+inline namespace RADIASHAFTS_INSTRUCTION_SET {
 
 // How much each channel counts for a pixel's brightness. Two channels use the first two, so that
 // their weights add up to less than 1; grey uses its value alone.
@@ -78,4 +79,5 @@ inline Rgb hslToRgb(Hsl c) {
           channel(choose(blueHue < 0.0, blueHue + 6.0, blueHue))};
 }
 
-}  // namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET
+}  // namespace RADIASHAFTS_INSTRUCTION_SET
+}  // namespace radiashafts

@@ -7,7 +7,8 @@
 #include "image/halvorsund_host.h"
 #include "image/instruction_set.h"
 
-namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET {
+namespace radiashafts {
+inline namespace RADIASHAFTS_INSTRUCTION_SET {
 
 // A filter is built on the caller's stack, filled field by field, run once and dropped. It does not
 // own the host or any image.
@@ -89,4 +90,5 @@ class HostBuffer {
   void* data_ = nullptr;
 };
 
-}  // namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET
+}  // namespace RADIASHAFTS_INSTRUCTION_SET
+}  // namespace radiashafts

@@ -12,7 +12,8 @@
 
 #include "image/instruction_set.h"
 
-namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET {
+namespace radiashafts {
+inline namespace RADIASHAFTS_INSTRUCTION_SET {
 
 // As wide as the instructions. Every operation is the scalar one in each lane, to the last bit.
 // Code on lanes decides by choosing between two results that it has both worked out: what the
@@ -113,4 +114,5 @@ inline Lanes narrowed(Lanes value) {
   return toDouble(toSingle(value));
 }
 
-}  // namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET
+}  // namespace RADIASHAFTS_INSTRUCTION_SET
+}  // namespace radiashafts

@@ -8,8 +8,10 @@
 
 #include "image/instruction_set.h"
 #include "image/lanes.h"
+#include "image/unit_scale.h"
 
-namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET {
+namespace radiashafts {
+inline namespace RADIASHAFTS_INSTRUCTION_SET {
 
 // Layouts say which sample of an interleaved pixel is which channel. Alpha stands behind the
 // colours; an index of -1 says that there is none.
@@ -48,7 +50,7 @@ struct PixelRGB {
   static constexpr int rangeNumber = Range;
   static constexpr double range = Range;
   // Factor that takes a value to the scale 0 to 1; multiplied, never divided by its inverse.
-  static constexpr double toUnit = Range == 255     ? 0.00392156862745098
+  static constexpr double toUnit = Range == 255     ? byteToUnit
                                    : Range == 32768 ? 3.0517578125e-05
                                                     : 1.0;
 
@@ -104,4 +106,5 @@ typename Pixel::Sample toClampedSample(double value) {
   return static_cast<typename Pixel::Sample>(clampToStored<Pixel>(allLanes(value))[0]);
 }
 
-}  // namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET
+}  // namespace RADIASHAFTS_INSTRUCTION_SET
+}  // namespace radiashafts

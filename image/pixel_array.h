@@ -8,7 +8,8 @@
 #include "image/instruction_set.h"
 #include "image/stored_sample.h"
 
-namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET {
+namespace radiashafts {
+inline namespace RADIASHAFTS_INSTRUCTION_SET {
 
 // Strided is 1 for the host's buffers: the distance between pixels is read from the view, since
 // they may hold more planes than the pixel type uses, and samples may stand at any address. It is 0
@@ -59,4 +60,5 @@ Image tightView(std::int32_t width, std::int32_t height, void* buffer) {
   return view;
 }
 
-}  // namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET
+}  // namespace RADIASHAFTS_INSTRUCTION_SET
+}  // namespace radiashafts

@@ -7,7 +7,8 @@
 
 #include "image/instruction_set.h"
 
-namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET {
+namespace radiashafts {
+inline namespace RADIASHAFTS_INSTRUCTION_SET {
 
 // Where a row is read: shift is less than 1 in size, and its sum with any coordinate is exact, such
 // as a half.
@@ -57,4 +58,5 @@ void sampleBilinear(const Image& image, SampleRow row, std::int32_t first, std::
   if (edge + 1 < end) sampleStretch(edge + 1, end - edge - 1);
 }
 
-}  // namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET
+}  // namespace RADIASHAFTS_INSTRUCTION_SET
+}  // namespace radiashafts

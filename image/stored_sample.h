@@ -3,7 +3,8 @@
 
 #include "image/instruction_set.h"
 
-namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET {
+namespace radiashafts {
+inline namespace RADIASHAFTS_INSTRUCTION_SET {
 
 // A sample that may stand at any address: rows of a host need not begin where its type wants to.
 // Reads and writes cost what those of aligned samples do.
@@ -21,4 +22,5 @@ struct [[gnu::packed]] StoredSample {
 
 static_assert(alignof(StoredSample<float>) == 1 && sizeof(StoredSample<float>) == sizeof(float));
 
-}  // namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET
+}  // namespace RADIASHAFTS_INSTRUCTION_SET
+}  // namespace radiashafts

@@ -1,7 +1,5 @@
 #include "parameters/effect_parameters.h"
 
-#include <algorithm>
-
 #include "parameters/undo.h"
 
 namespace radiashafts {
@@ -9,6 +7,7 @@ namespace {
 
 void setUp(pfParameter& parameter, const ParameterFacts& facts) {
   parameter.SetName(facts.name);
+  parameter.randomizable = facts.randomizable;
   parameter.storedInPreset = facts.storedInPreset;
   parameter.updatesPreview = facts.updatesPreview;
   switch (facts.kind) {
@@ -53,21 +52,12 @@ EffectParameters::EffectParameters() {
 }
 
 void EffectParameters::Reset(UndoHistory* history) {
-  const std::array<pfParameter*, 20> order{
-      &Origin,          &Intensity,       &RayLength,     &Radius,
-      &ColorBalance,    &UseImageColor,   &Contrast,      &Hue,
-      &Saturation,      &Lightness,       &SelectionLow,  &SelectionHigh,
-      &SelectionSoften, &SelectionClimax, &ColorLow,      &ColorHigh,
-      &GammaCorrection, &BlendMode,       &SelectionShow, &Mode};
-  if (history != nullptr) {
-    for (pfParameter* parameter : order) history->Push(parameter->CreateUndo());
-    ++history->nGroup;
+  for (std::size_t i = 0; i < all.size(); ++i) {
+    if (!effectTable[i].storedInPreset) continue;
+    if (history != nullptr) history->Push(all[i]->CreateUndo());
+    SetNumbers(*all[i], effectTable[i], effectTable[i].defaults);
   }
-  for (pfParameter* parameter : order) {
-    const auto row = std::find(all.begin(), all.end(), parameter) - all.begin();
-    const ParameterFacts& facts = effectTable[static_cast<std::size_t>(row)];
-    SetNumbers(*parameter, facts, facts.defaults);
-  }
+  if (history != nullptr) ++history->nGroup;
 }
 
 ParameterNumbers NumbersOf(const pfParameter& parameter, const ParameterFacts& facts) {

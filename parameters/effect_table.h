@@ -7,7 +7,7 @@
 #include <span>
 
 #include "hostapi/types.h"
-#include "parameters/blend_mode.h"
+#include "parameters/modes.h"
 
 namespace radiashafts {
 
@@ -18,14 +18,6 @@ enum class ParameterKind { position, number, boolean, color, list };
 
 // Which limits Validate enforces. An open maximum is only the slider's end.
 enum class Bound { none, lower, both };
-
-// Numbers of the list values that the render decides by.
-enum class RayMode : std::int32_t { straight = 1, smooth = 2 };
-enum class SelectionShowMode : std::int32_t { normal = 1, selectedImage = 2, selectionOnly = 3 };
-
-inline constexpr std::array<const char*, 2> rayModeNames{"straight", "smooth"};
-inline constexpr std::array<const char*, 3> selectionShowNames{"normal", "selected image",
-                                                               "selection only"};
 
 // A value as scripts know it.
 struct ScriptTerm {
@@ -41,89 +33,116 @@ struct ParameterFacts {
   double minimum;
   double maximum;
   Bound bound;
-  std::array<ScriptTerm, 3> keys;  // one for each value; none where scripts do not hold it
-  std::array<int, 2> controls;     // ids in the dialog: of a number its edit and its slider, of a
-                                   // position its edits, else the one control
-  std::array<const char*, 2> labels;          // in the dialog
+  std::array<ScriptTerm, 3> keys = {};  // one for each value; none where scripts do not hold it
+  std::array<int, 2> controls;  // ids in the dialog: of a number its edit and its slider, of a
+                                // position its edits, else the one control
+  std::array<const char*, 2> labels = {};     // in the dialog
   std::span<const char* const> entries = {};  // of a list
-  bool storedInPreset = true;
+  bool randomizable = true;
+  bool storedInPreset = true;  // and set to its default by a reset
   bool updatesPreview = true;
 };
 
 // In the order of validation, of script writing and of preset files.
 // clang-format off
 inline constexpr std::array<ParameterFacts, 22> effectTable{{
-    {"Origin", ParameterKind::position, {0.5, 0.5}, 0.0, 1.0, Bound::none,
-     {{{"ORIX", "origin x", "1.0 is rightmost pixel"},
-      {"ORIY", "origin y", "1.0 is lowest pixel"}}},
-     {1031, 1032}, {"x-position", "y-position"}},
-    {"Intensity", ParameterKind::number, {2.0}, 0.0, 5.0, Bound::lower,
-     {{{"INTE", "intensity", "image multiplier"}}},
-     {1013, 1011}, {"intensity"}},
-    {"RayLength", ParameterKind::number, {1.0}, 0.0, 1.0, Bound::both,
-     {{{"RALE", "ray length", "ray length"}}},
-     {1028, 1025}, {"length"}},
-    {"Radius", ParameterKind::number, {2.0}, 0.0, 5.0, Bound::lower,
-     {{{"RADI", "radius", "effect radius"}}},
-     {1030, 1027}, {"radius"}},
-    {"Contrast", ParameterKind::number, {0.0}, 0.0, 2.0, Bound::lower,
-     {{{"CONT", "contrast", "takes effect before blending"}}},
-     {1039, 1038}, {"contrast"}},
-    {"GammaCorrection", ParameterKind::number, {1.0}, 0.0, 3.0, Bound::lower,
-     {{{"GAMA", "gamma correction", "takes effect before blending"}}},
-     {1066, 1064}, {"gamma"}},
-    {"ColorBalance", ParameterKind::number, {0.0}, -1.0, 1.0, Bound::both,
-     {{{"COBA", "color balance", "color bias"}}},
-     {1034, 1033}, {"balance"}},
-    {"UseImageColor", ParameterKind::boolean, {1.0}, 0.0, 1.0, Bound::none,
-     {{{"IMCO", "use image colors", "use image colors"}}},
-     {1076}, {"use image colors"}},
-    {"Hue", ParameterKind::number, {0.0}, -1.0, 1.0, Bound::both,
-     {{{"HSLH", "hue", "takes effect before blending"}}},
-     {1014, 1012}, {"hue"}},
-    {"Saturation", ParameterKind::number, {0.0}, -1.0, 1.0, Bound::both,
-     {{{"HSLS", "saturation", "takes effect before blending"}}},
-     {1017, 1016}, {"saturation"}},
-    {"Lightness", ParameterKind::number, {0.0}, -1.0, 1.0, Bound::both,
-     {{{"HSLL", "lightness", "takes effect before blending"}}},
-     {1019, 1018}, {"lightness"}},
-    {"SelectionLow", ParameterKind::number, {0.0}, 0.0, 255.0, Bound::both,
-     {{{"SELL", "selection low", "lower grayscale selection"}}},
-     {1067, 1065}, {"low"}},
-    {"SelectionHigh", ParameterKind::number, {255.0}, 0.0, 255.0, Bound::both,
-     {{{"SELH", "selection high", "upper grayscale selection"}}},
-     {1021, 1020}, {"high"}},
-    {"SelectionSoften", ParameterKind::number, {0.0}, 0.0, 3.0, Bound::both,
-     {{{"SELS", "selection soften", "Selection Soften based on Climax"}}},
-     {1023, 1022}, {"soften"}},
-    {"SelectionClimax", ParameterKind::number, {1.0}, -1.0, 1.0, Bound::both,
-     {{{"SELC", "selection climax", "Peak intensity when softened"}}},
-     {1026, 1024}, {"climax"}},
-    {"ColorLow", ParameterKind::color, {1.0, 1.0, 1.0}, 0.0, 1.0, Bound::both,
-     {{{"COLR", "low color red", "low intensity color"},
-      {"COLG", "low color green", "low intensity color"},
-      {"COLB", "low color blue", "low intensity color"}}},
-     {1036}, {"low color"}},
-    {"ColorHigh", ParameterKind::color, {1.0, 1.0, 1.0}, 0.0, 1.0, Bound::both,
-     {{{"COHR", "high color red", "high intensity color"},
-      {"COHG", "high color green", "high intensity color"},
-      {"COHB", "high color blue", "high intensity color"}}},
-     {1037}, {"high color"}},
-    {"Mode", ParameterKind::list, {1.0}, 1.0, 2.0, Bound::both,
-     {{{"MODE", "mode", "radiashafts mode"}}},
-     {1035}, {"mode"}, rayModeNames},
-    {"BlendMode", ParameterKind::list, {3.0}, 1.0, 23.0, Bound::both,
-     {{{"BLND", "blend mode", "transfer mode"}}},
-     {1009}, {"blend"}, blendModeNames},
-    {"SelectionShow", ParameterKind::list, {1.0}, 1.0, 3.0, Bound::both,
-     {{{"SHOW", "show mode", "what to see"}}},
-     {1029}, {"show"}, selectionShowNames},
-    {"Randomize", ParameterKind::number, {0.05}, 0.0, 1.0, Bound::lower,
-     {},
-     {1069, 1068}, {}, {}, false, false},
-    {"Randomize Button", ParameterKind::boolean, {0.0}, 0.0, 1.0, Bound::none,
-     {},
-     {1040}, {"randomize"}, {}, false, false},
+    {.name = "Origin", .kind = ParameterKind::position, .defaults = {0.5, 0.5},
+     .minimum = 0.0, .maximum = 1.0, .bound = Bound::none,
+     .keys = {{{"ORIX", "origin x", "1.0 is rightmost pixel"},
+               {"ORIY", "origin y", "1.0 is lowest pixel"}}},
+     .controls = {1031, 1032}, .labels = {"x-position", "y-position"}},
+    {.name = "Intensity", .kind = ParameterKind::number, .defaults = {2.0},
+     .minimum = 0.0, .maximum = 5.0, .bound = Bound::lower,
+     .keys = {{{"INTE", "intensity", "image multiplier"}}},
+     .controls = {1013, 1011}, .labels = {"intensity"}},
+    {.name = "RayLength", .kind = ParameterKind::number, .defaults = {1.0},
+     .minimum = 0.0, .maximum = 1.0, .bound = Bound::both,
+     .keys = {{{"RALE", "ray length", "ray length"}}},
+     .controls = {1028, 1025}, .labels = {"length"}},
+    {.name = "Radius", .kind = ParameterKind::number, .defaults = {2.0},
+     .minimum = 0.0, .maximum = 5.0, .bound = Bound::lower,
+     .keys = {{{"RADI", "radius", "effect radius"}}},
+     .controls = {1030, 1027}, .labels = {"radius"}},
+    {.name = "Contrast", .kind = ParameterKind::number, .defaults = {0.0},
+     .minimum = 0.0, .maximum = 2.0, .bound = Bound::lower,
+     .keys = {{{"CONT", "contrast", "takes effect before blending"}}},
+     .controls = {1039, 1038}, .labels = {"contrast"}},
+    {.name = "GammaCorrection", .kind = ParameterKind::number, .defaults = {1.0},
+     .minimum = 0.0, .maximum = 3.0, .bound = Bound::lower,
+     .keys = {{{"GAMA", "gamma correction", "takes effect before blending"}}},
+     .controls = {1066, 1064}, .labels = {"gamma"}},
+    {.name = "ColorBalance", .kind = ParameterKind::number, .defaults = {0.0},
+     .minimum = -1.0, .maximum = 1.0, .bound = Bound::both,
+     .keys = {{{"COBA", "color balance", "color bias"}}},
+     .controls = {1034, 1033}, .labels = {"balance"}},
+    {.name = "UseImageColor", .kind = ParameterKind::boolean, .defaults = {1.0},
+     .minimum = 0.0, .maximum = 1.0, .bound = Bound::none,
+     .keys = {{{"IMCO", "use image colors", "use image colors"}}},
+     .controls = {1076}, .labels = {"use image colors"},
+     .randomizable = false},
+    {.name = "Hue", .kind = ParameterKind::number, .defaults = {0.0},
+     .minimum = -1.0, .maximum = 1.0, .bound = Bound::both,
+     .keys = {{{"HSLH", "hue", "takes effect before blending"}}},
+     .controls = {1014, 1012}, .labels = {"hue"}},
+    {.name = "Saturation", .kind = ParameterKind::number, .defaults = {0.0},
+     .minimum = -1.0, .maximum = 1.0, .bound = Bound::both,
+     .keys = {{{"HSLS", "saturation", "takes effect before blending"}}},
+     .controls = {1017, 1016}, .labels = {"saturation"}},
+    {.name = "Lightness", .kind = ParameterKind::number, .defaults = {0.0},
+     .minimum = -1.0, .maximum = 1.0, .bound = Bound::both,
+     .keys = {{{"HSLL", "lightness", "takes effect before blending"}}},
+     .controls = {1019, 1018}, .labels = {"lightness"}},
+    {.name = "SelectionLow", .kind = ParameterKind::number, .defaults = {0.0},
+     .minimum = 0.0, .maximum = 255.0, .bound = Bound::both,
+     .keys = {{{"SELL", "selection low", "lower grayscale selection"}}},
+     .controls = {1067, 1065}, .labels = {"low"}},
+    {.name = "SelectionHigh", .kind = ParameterKind::number, .defaults = {255.0},
+     .minimum = 0.0, .maximum = 255.0, .bound = Bound::both,
+     .keys = {{{"SELH", "selection high", "upper grayscale selection"}}},
+     .controls = {1021, 1020}, .labels = {"high"}},
+    {.name = "SelectionSoften", .kind = ParameterKind::number, .defaults = {0.0},
+     .minimum = 0.0, .maximum = 3.0, .bound = Bound::both,
+     .keys = {{{"SELS", "selection soften", "Selection Soften based on Climax"}}},
+     .controls = {1023, 1022}, .labels = {"soften"}},
+    {.name = "SelectionClimax", .kind = ParameterKind::number, .defaults = {1.0},
+     .minimum = -1.0, .maximum = 1.0, .bound = Bound::both,
+     .keys = {{{"SELC", "selection climax", "Peak intensity when softened"}}},
+     .controls = {1026, 1024}, .labels = {"climax"}},
+    {.name = "ColorLow", .kind = ParameterKind::color, .defaults = {1.0, 1.0, 1.0},
+     .minimum = 0.0, .maximum = 1.0, .bound = Bound::both,
+     .keys = {{{"COLR", "low color red", "low intensity color"},
+               {"COLG", "low color green", "low intensity color"},
+               {"COLB", "low color blue", "low intensity color"}}},
+     .controls = {1036}, .labels = {"low color"}},
+    {.name = "ColorHigh", .kind = ParameterKind::color, .defaults = {1.0, 1.0, 1.0},
+     .minimum = 0.0, .maximum = 1.0, .bound = Bound::both,
+     .keys = {{{"COHR", "high color red", "high intensity color"},
+               {"COHG", "high color green", "high intensity color"},
+               {"COHB", "high color blue", "high intensity color"}}},
+     .controls = {1037}, .labels = {"high color"}},
+    {.name = "Mode", .kind = ParameterKind::list, .defaults = {1.0},
+     .minimum = 1.0, .maximum = 2.0, .bound = Bound::both,
+     .keys = {{{"MODE", "mode", "radiashafts mode"}}},
+     .controls = {1035}, .labels = {"mode"},
+     .entries = rayModeNames},
+    {.name = "BlendMode", .kind = ParameterKind::list, .defaults = {3.0},
+     .minimum = 1.0, .maximum = blendModeNames.size(), .bound = Bound::both,
+     .keys = {{{"BLND", "blend mode", "transfer mode"}}},
+     .controls = {1009}, .labels = {"blend"},
+     .entries = blendModeNames, .randomizable = false},
+    {.name = "SelectionShow", .kind = ParameterKind::list, .defaults = {1.0},
+     .minimum = 1.0, .maximum = 3.0, .bound = Bound::both,
+     .keys = {{{"SHOW", "show mode", "what to see"}}},
+     .controls = {1029}, .labels = {"show"},
+     .entries = selectionShowNames, .randomizable = false},
+    {.name = "Randomize", .kind = ParameterKind::number, .defaults = {0.05},
+     .minimum = 0.0, .maximum = 1.0, .bound = Bound::lower,
+     .controls = {1069, 1068},
+     .randomizable = false, .storedInPreset = false, .updatesPreview = false},
+    {.name = "Randomize Button", .kind = ParameterKind::boolean, .defaults = {0.0},
+     .minimum = 0.0, .maximum = 1.0, .bound = Bound::none,
+     .controls = {1040}, .labels = {"randomize"},
+     .randomizable = false, .storedInPreset = false, .updatesPreview = false},
 }};
 // clang-format on
 

@@ -6,7 +6,8 @@
 #include "image/lanes.h"
 #include "image/power.h"
 
-namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET {
+namespace radiashafts {
+inline namespace RADIASHAFTS_INSTRUCTION_SET {
 
 // An adjustment by three amounts from -1 to 1: hue up to half a turn either way, saturation,
 // lightness. It changes colours at neutral amounts too, in their last bits.
@@ -53,4 +54,5 @@ class HslAdjustment {
   double fullBoost_;
 };
 
-}  // namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET
+}  // namespace RADIASHAFTS_INSTRUCTION_SET
+}  // namespace radiashafts

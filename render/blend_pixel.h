@@ -7,9 +7,10 @@
 #include "image/instruction_set.h"
 #include "image/lanes.h"
 #include "image/pixel.h"
-#include "parameters/blend_mode.h"
+#include "parameters/modes.h"
 
-namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET {
+namespace radiashafts {
+inline namespace RADIASHAFTS_INSTRUCTION_SET {
 
 // Channels of pixels as doubles in the render's range, alpha last where the layout has it.
 template <class Pixel>
@@ -29,7 +30,9 @@ Lanes largestColor(const PixelValues<Pixel>& pixel) {
 template <class Pixel>
 class PixelBlend {
  public:
-  static void blend(PixelValues<Pixel>& base, const PixelValues<Pixel>& ray, BlendMode mode) {
+  // Flattened, so that no formula is called once for every few pixels.
+  [[gnu::flatten]] static void blend(PixelValues<Pixel>& base, const PixelValues<Pixel>& ray,
+                                     BlendMode mode) {
     PixelBlend(base, ray).apply(mode);
   }
 
@@ -47,77 +50,137 @@ class PixelBlend {
     if constexpr (!hasAlpha) baseAlpha_ = rayAlpha_ = allLanes(1.0);
   }
 
-  [[gnu::always_inline]] inline void apply(BlendMode mode) {
+  void apply(BlendMode mode) {
     switch (mode) {
-      case BlendMode::normal:
-        each([&](int k, Lanes, Lanes) {
-          if constexpr (!hasAlpha) return ray_[k];
-          return (1.0 - rayAlpha_) * baseAlpha_ * base_[k] + rayAlpha_ * ray_[k];
-        });
-        setAlpha((1.0 - rayAlpha_) * alphaOf(base_) + alphaOf(ray_));
-        return unpremultiply();
-      case BlendMode::maxWeight: {
-        const Lanes weight = 1.0 - largestColor<Pixel>(ray_) * toUnit * rayAlpha_;
-        each([&](int, Lanes b, Lanes p) { return (b - p) * weight + p; });
-        return finishAlpha();
-      }
-      case BlendMode::screen:
-        each([](int, Lanes b, Lanes p) { return (1.0 - p * toUnit) * b + p; });
-        return finishAlpha();
-      case BlendMode::overlay:
-        each([&](int k, Lanes b, Lanes p) {
-          return mixed(overlaid(b * toUnit, ray_[k] * toUnit) * range, b) + uncovered(p);
-        });
-        setAlpha(clampToRange<Pixel>(alphaOf(base_)));
-        return unpremultiply();
-      case BlendMode::addition:
-        each([](int, Lanes b, Lanes p) { return b + p; });
-        return finishAlpha();
-      case BlendMode::subtraction:
-        each([](int, Lanes b, Lanes p) { return max(b - p, Lanes{}); });
-        return finishAlpha();
-      case BlendMode::multiply:
-        each([&](int k, Lanes b, Lanes p) {
-          const Lanes product = ray_[k] * b * toUnit;
-          if constexpr (!hasAlpha) return product;
-          return (b - product) * (1.0 - rayAlpha_) + product + uncovered(p);
-        });
-        return finishCombinedAlpha();
-      case BlendMode::divide:
-        each([&](int, Lanes b, Lanes p) { return mixed(b / (p * toUnit + 0.0001), b); });
-        return finishAlpha();
-      case BlendMode::difference:
-        each([](int, Lanes b, Lanes p) { return abs(b - p); });
-        return finishAlpha();
-      case BlendMode::exclusion:
-        each([](int, Lanes b, Lanes p) { return (1.0 - p * toUnit) * b + (1.0 - b * toUnit) * p; });
-        return finishAlpha();
-      case BlendMode::lighten:
-        each([](int, Lanes b, Lanes p) { return max(b, p); });
-        return finishAlpha();
-      case BlendMode::darken:
-        each([&](int, Lanes b, Lanes p) { return mixed(min(b, p), b); });
-        return finishAlpha();
-      case BlendMode::maximum:
-        return replaceUnless(blendLuma(ray_, rayAlpha_) <= blendLuma(base_, baseAlpha_));
-      case BlendMode::minimum:
-        return replaceUnless(blendLuma(base_, baseAlpha_) <= blendLuma(ray_, rayAlpha_));
-      case BlendMode::hue:
-      case BlendMode::saturation:
-      case BlendMode::color:
-      case BlendMode::luminosity:
-        return blendHsl(mode);
-      case BlendMode::alphaAdd:
-        return setAlpha(clampToRange<Pixel>(alphaOf(base_) + blendLuma(ray_, rayAlpha_)));
-      case BlendMode::alphaSub:
-        return setAlpha(max(alphaOf(base_) - blendLuma(ray_, rayAlpha_), Lanes{}));
-      case BlendMode::alphaMult:
-        return setAlpha(clampToRange<Pixel>(alphaOf(base_) * blendLuma(ray_, rayAlpha_) * toUnit));
-      case BlendMode::alphaReplace:
-        return setAlpha(clampToRange<Pixel>(blendLuma(ray_, rayAlpha_)));
-      case BlendMode::replace:
-        break;
+#define RADIASHAFTS_CASE(number, identifier, name) \
+  case BlendMode::identifier:                      \
+    return identifier();
+      RADIASHAFTS_BLEND_MODES(RADIASHAFTS_CASE)
+#undef RADIASHAFTS_CASE
     }
+    replace();  // any other number
+  }
+
+  // The formulas, one for each blend mode.
+
+  void normal() {
+    each([&](int k, Lanes, Lanes) {
+      if constexpr (!hasAlpha) return ray_[k];
+      return (1.0 - rayAlpha_) * baseAlpha_ * base_[k] + rayAlpha_ * ray_[k];
+    });
+    setAlpha((1.0 - rayAlpha_) * alphaOf(base_) + alphaOf(ray_));
+    unpremultiply();
+  }
+
+  void maxWeight() {
+    const Lanes weight = 1.0 - largestColor<Pixel>(ray_) * toUnit * rayAlpha_;
+    each([&](int, Lanes b, Lanes p) { return (b - p) * weight + p; });
+    finishAlpha();
+  }
+
+  void screen() {
+    each([](int, Lanes b, Lanes p) { return (1.0 - p * toUnit) * b + p; });
+    finishAlpha();
+  }
+
+  void overlay() {
+    each([&](int k, Lanes b, Lanes p) {
+      return mixed(overlaid(b * toUnit, ray_[k] * toUnit) * range, b) + uncovered(p);
+    });
+    setAlpha(clampToRange<Pixel>(alphaOf(base_)));
+    unpremultiply();
+  }
+
+  void addition() {
+    each([](int, Lanes b, Lanes p) { return b + p; });
+    finishAlpha();
+  }
+
+  void subtraction() {
+    each([](int, Lanes b, Lanes p) { return max(b - p, Lanes{}); });
+    finishAlpha();
+  }
+
+  void multiply() {
+    each([&](int k, Lanes b, Lanes p) {
+      const Lanes product = ray_[k] * b * toUnit;
+      if constexpr (!hasAlpha) return product;
+      return (b - product) * (1.0 - rayAlpha_) + product + uncovered(p);
+    });
+    finishCombinedAlpha();
+  }
+
+  void divide() {
+    each([&](int, Lanes b, Lanes p) { return mixed(b / (p * toUnit + 0.0001), b); });
+    finishAlpha();
+  }
+
+  void difference() {
+    each([](int, Lanes b, Lanes p) { return abs(b - p); });
+    finishAlpha();
+  }
+
+  void exclusion() {
+    each([](int, Lanes b, Lanes p) { return (1.0 - p * toUnit) * b + (1.0 - b * toUnit) * p; });
+    finishAlpha();
+  }
+
+  void lighten() {
+    each([](int, Lanes b, Lanes p) { return max(b, p); });
+    finishAlpha();
+  }
+
+  void darken() {
+    each([&](int, Lanes b, Lanes p) { return mixed(min(b, p), b); });
+    finishAlpha();
+  }
+
+  void maximum() {
+    replaceUnless(blendLuma(ray_, rayAlpha_) <= blendLuma(base_, baseAlpha_));
+  }
+
+  void minimum() {
+    replaceUnless(blendLuma(base_, baseAlpha_) <= blendLuma(ray_, rayAlpha_));
+  }
+
+  void alphaAdd() {
+    setAlpha(clampToRange<Pixel>(alphaOf(base_) + blendLuma(ray_, rayAlpha_)));
+  }
+
+  void alphaSub() {
+    setAlpha(max(alphaOf(base_) - blendLuma(ray_, rayAlpha_), Lanes{}));
+  }
+
+  void alphaMult() {
+    setAlpha(clampToRange<Pixel>(alphaOf(base_) * blendLuma(ray_, rayAlpha_) * toUnit));
+  }
+
+  void alphaReplace() {
+    setAlpha(clampToRange<Pixel>(blendLuma(ray_, rayAlpha_)));
+  }
+
+  void hue() {
+    const auto [b, r] = premultipliedHsl();
+    setHsl({r.h, choose(r.s == 0.0, Lanes{}, b.s), b.l});
+  }
+
+  void saturation() {
+    const auto [b, r] = premultipliedHsl();
+    setHsl({b.h, r.s, b.l});
+  }
+
+  void color() {
+    const auto [b, r] = premultipliedHsl();
+    setHsl({r.h, r.s, b.l});
+  }
+
+  // Takes the ray's hue, not the base's. That is wanted in every layout.
+  void luminosity() {
+    const auto [b, r] = premultipliedHsl();
+    setHsl({r.h, b.s, r.l});
+  }
+
+  void replace() {
     base_ = ray_;
   }
 
@@ -152,34 +215,25 @@ class PixelBlend {
                   1.0 - 2.0 * (1.0 - min(ray, one)) * (1.0 - min(base, one)));
   }
 
-  // "luminosity" takes the ray's hue, not the base's. That is wanted in every layout.
-  void blendHsl(BlendMode mode) {
-    PixelValues<Pixel> premultiplied = base_;
-    PixelValues<Pixel> premultipliedRay = ray_;
+  struct HslPair {
+    Hsl base, ray;
+  };
+
+  HslPair premultipliedHsl() const {
+    PixelValues<Pixel> base = base_;
+    PixelValues<Pixel> ray = ray_;
     for (int k = 0; k < colors; ++k) {
-      premultiplied[k] = baseAlpha_ * base_[k];
-      premultipliedRay[k] = rayAlpha_ * ray_[k];
+      base[k] = baseAlpha_ * base_[k];
+      ray[k] = rayAlpha_ * ray_[k];
     }
-    const Hsl b = rgbToHsl(asRgb<colors>(premultiplied.data(), toUnit));
-    const Hsl r = rgbToHsl(asRgb<colors>(premultipliedRay.data(), toUnit));
-    Hsl target{};
-    switch (mode) {
-      case BlendMode::hue:
-        target = {r.h, choose(r.s == 0.0, Lanes{}, b.s), b.l};
-        break;
-      case BlendMode::saturation:
-        target = {b.h, r.s, b.l};
-        break;
-      case BlendMode::color:
-        target = {r.h, r.s, b.l};
-        break;
-      default:
-        target = {r.h, b.s, r.l};
-        break;
-    }
+    return {rgbToHsl(asRgb<colors>(base.data(), toUnit)),
+            rgbToHsl(asRgb<colors>(ray.data(), toUnit))};
+  }
+
+  void setHsl(Hsl target) {
     const Rgb rgb = hslToRgb(target);
     const std::array<Lanes, 3> channels{rgb.r, rgb.g, rgb.b};
-    each([&](int k, Lanes bk, Lanes pk) { return mixed(channels[k] * range, bk) + uncovered(pk); });
+    each([&](int k, Lanes b, Lanes p) { return mixed(channels[k] * range, b) + uncovered(p); });
     finishCombinedAlpha();
   }
 
@@ -207,7 +261,9 @@ class PixelBlend {
     }
   }
 
-  void unpremultiply() { divideByAlphaWhere(alphaOf(base_) > 0.0); }
+  void unpremultiply() {
+    divideByAlphaWhere(alphaOf(base_) > 0.0);
+  }
 
   void finishCombinedAlpha() {
     setAlpha(alphaOf(ray_) * (1.0 - baseAlpha_) + alphaOf(base_));
@@ -237,4 +293,5 @@ void blendPixel(PixelValues<Pixel>& base, const PixelValues<Pixel>& ray, BlendMo
   PixelBlend<Pixel>::blend(base, ray, mode);
 }
 
-}  // namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET
+}  // namespace RADIASHAFTS_INSTRUCTION_SET
+}  // namespace radiashafts

@@ -8,7 +8,8 @@
 #include "image/pixel.h"
 #include "image/pixel_array.h"
 
-namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET {
+namespace radiashafts {
+inline namespace RADIASHAFTS_INSTRUCTION_SET {
 
 inline constexpr int configurationCount = 18;
 
@@ -48,4 +49,5 @@ struct Configuration {
   using WorkingImage = PixelArray<PixelRGB<Layout, float, hasAlpha, 0, range>, 0, 0>;
 };
 
-}  // namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET
+}  // namespace RADIASHAFTS_INSTRUCTION_SET
+}  // namespace radiashafts

@@ -20,7 +20,8 @@
 #include "render/ray_shading.h"
 #include "render/render_values.h"
 
-namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET {
+namespace radiashafts {
+inline namespace RADIASHAFTS_INSTRUCTION_SET {
 
 // Image is the host's picture, Working the float image of the same layout and range, Mask the
 // host's mask.
@@ -262,4 +263,5 @@ class RadiashaftsEffect final : public RowFilter {
   double shiftY_ = 0.0;
 };
 
-}  // namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET
+}  // namespace RADIASHAFTS_INSTRUCTION_SET
+}  // namespace radiashafts

@@ -14,7 +14,8 @@
 #include "render/blend_pixel.h"
 #include "render/render_values.h"
 
-namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET {
+namespace radiashafts {
+inline namespace RADIASHAFTS_INSTRUCTION_SET {
 
 // The gamma curve of the integer pipelines, 32768 entries whatever the depth, in the render's
 // range.
@@ -140,4 +141,5 @@ class RayShading {
   const float* gammaTable_;
 };
 
-}  // namespace radiashafts::inline RADIASHAFTS_INSTRUCTION_SET
+}  // namespace RADIASHAFTS_INSTRUCTION_SET
+}  // namespace radiashafts

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <type_traits>
 
 #include "image/halvorsund_host.h"
 #include "image/instruction_set.h"
@@ -21,6 +22,7 @@ struct HostBuffers {
   void* mask;  // may be null
   std::int32_t maskRowBytes;
 };
+static_assert(std::is_trivially_copyable_v<HostBuffers>);
 
 // Renders one picture with configuration Number; the picture is the same with every set of
 // instructions. Returns a status of the host. Each number is compiled for each set in a source file

@@ -1,11 +1,12 @@
-// How parameters become the numbers of the formulas.
+// The numbers of the formulas: plain data, the same for every set of instructions.
 #pragma once
 
 #include <array>
 #include <cstdint>
+#include <type_traits>
 
-#include "filters/range_selection.h"
-#include "parameters/effect_parameters.h"
+#include "filters/selection_parameters.h"
+#include "parameters/modes.h"
 
 namespace radiashafts {
 
@@ -31,14 +32,6 @@ struct RenderValues {
   double viewScaleY = 1.0;
 };
 
-// The size of what is rendered, and the scale of the full image to it.
-struct ViewGeometry {
-  std::int32_t width;
-  std::int32_t height;
-  double scaleX;
-  double scaleY;
-};
-
-RenderValues renderValuesOf(const EffectParameters& parameters, const ViewGeometry& view);
+static_assert(std::is_trivially_copyable_v<RenderValues>);
 
 }  // namespace radiashafts

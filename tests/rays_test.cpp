@@ -9,7 +9,7 @@
 #include "filters/straight_rays.h"
 #include "parameters/effect_parameters.h"
 #include "render/configurations.h"
-#include "render/select_render_template.h"
+#include "render/render_record.h"
 #include "tests/judge/serial_judge.h"
 #include "tests/support/test_pictures.h"
 #include "tests/support/threaded_host.h"
@@ -154,7 +154,7 @@ TEST(ThreadCounts, GiveIdenticalBytes) {
       ThreadedHost host(threads);
       std::vector<std::uint8_t> output(input.bytes.size());
       record.outData = output.data();
-      ASSERT_EQ(selectRenderTemplate(host, parameters, 0, &record), 0);
+      ASSERT_EQ(renderRecord(host, parameters, 0, &record), 0);
       if (first.empty()) first = output;
       EXPECT_TRUE(output == first) << configuration << " at " << threads << " threads";
     }

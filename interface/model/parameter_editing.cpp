@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "image/color.h"
+#include "image/unit_scale.h"
 #include "interface/model/chosen_color.h"
 #include "interface/model/live_preview.h"
 
@@ -109,8 +110,8 @@ void ParameterEditing::OnSwatchRightUp(Point point) {
 }
 
 void ParameterEditing::pipetteTakes(const std::array<std::uint8_t, 3>& color) {
-  const bool renderNeeded = pickedColor_->SetValue(
-      color[0] * channelOfByte, color[1] * channelOfByte, color[2] * channelOfByte);
+  const bool renderNeeded =
+      pickedColor_->SetValue(color[0] * byteToUnit, color[1] * byteToUnit, color[2] * byteToUnit);
   if (renderNeeded) view_.RequestRender();
 }
 

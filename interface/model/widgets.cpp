@@ -143,28 +143,6 @@ void pfParameterUIRGB::Update() {
 }
 
 WidgetList makeWidgets(EffectParameters& effect) {
-  const std::array<pfParameter*, effectTable.size()> order{&effect.Origin,
-                                                           &effect.Intensity,
-                                                           &effect.RayLength,
-                                                           &effect.Radius,
-                                                           &effect.Contrast,
-                                                           &effect.GammaCorrection,
-                                                           &effect.ColorBalance,
-                                                           &effect.UseImageColor,
-                                                           &effect.ColorLow,
-                                                           &effect.ColorHigh,
-                                                           &effect.Hue,
-                                                           &effect.Saturation,
-                                                           &effect.Lightness,
-                                                           &effect.SelectionLow,
-                                                           &effect.SelectionHigh,
-                                                           &effect.SelectionSoften,
-                                                           &effect.SelectionClimax,
-                                                           &effect.Mode,
-                                                           &effect.BlendMode,
-                                                           &effect.SelectionShow,
-                                                           &effect.Randomize,
-                                                           &effect.RandomizeButton};
   const auto make = [](const ParameterFacts& facts) -> std::unique_ptr<pfParameterUIControls> {
     switch (facts.kind) {
       case ParameterKind::position:
@@ -180,11 +158,9 @@ WidgetList makeWidgets(EffectParameters& effect) {
     }
   };
   WidgetList widgets;
-  for (pfParameter* parameter : order) {
-    const auto row =
-        std::find(effect.all.begin(), effect.all.end(), parameter) - effect.all.begin();
-    widgets.push_back(make(effectTable[static_cast<std::size_t>(row)]));
-    AttachWidget(*widgets.back(), *parameter);
+  for (std::size_t i = 0; i < effectTable.size(); ++i) {
+    widgets.push_back(make(effectTable[i]));
+    AttachWidget(*widgets.back(), *effect.all[i]);
   }
   return widgets;
 }

@@ -5,6 +5,7 @@
 #include <commdlg.h>
 
 #include "diagnostics/debug_log.h"
+#include "image/unit_scale.h"
 #include "interface/model/chosen_color.h"
 #include "interface/model/live_preview.h"
 #include "interface/model/remembered_settings.h"
@@ -190,9 +191,9 @@ bool pfPreviewWin32::AlternativeColorSelection(hostapi::FilterRecord* record, do
   EnableWindow(m_hInterface, TRUE);  // the chooser rests and wakes its owner itself
   const bool chosen = ChooseColorA(&request) != FALSE;
   if (chosen) {
-    *red = GetRValue(request.rgbResult) * channelOfByte;
-    *green = GetGValue(request.rgbResult) * channelOfByte;
-    *blue = GetBValue(request.rgbResult) * channelOfByte;
+    *red = GetRValue(request.rgbResult) * byteToUnit;
+    *green = GetGValue(request.rgbResult) * byteToUnit;
+    *blue = GetBValue(request.rgbResult) * byteToUnit;
   }
   trace("pfPreviewWin32::AlternativeColorSelection( return(", chosen, ") fRed(", *red, "), fGreen(",
         *green, "), fBlue(", *blue, ") )");

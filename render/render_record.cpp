@@ -1,4 +1,4 @@
-#include "render/select_render_template.h"
+#include "render/render_record.h"
 
 #include <algorithm>
 #include <array>
@@ -9,9 +9,8 @@
 #include "diagnostics/debug_log.h"
 #include "hostapi/constants.h"
 #include "render/configurations.h"
-#include "render/record_values.h"
+#include "render/evaluate_parameters.h"
 #include "render/render_template.h"
-#include "render/render_values.h"
 #include "threads/processors.h"
 #include "threads/thread_pool.h"
 
@@ -40,7 +39,7 @@ const auto& renderTable() {
   return fast ? avx2RenderTable : sse2RenderTable;
 }
 
-int sampleDepth(std::int64_t depth) {
+int sampleDepth(std::int32_t depth) {
   switch (depth) {
     case 32:
       return 32;
@@ -63,40 +62,35 @@ bool covers(const hostapi::Rect& rect, std::int32_t width, std::int32_t height) 
 }  // namespace
 
 PictureLayout pictureLayoutOf(const hostapi::FilterRecord* record) {
-  const std::int64_t planes = GetRecordValue(record, RenderValue::planes);
-  const std::int64_t layerPlanes = GetRecordValue(record, RenderValue::inLayerPlanes);
-  const bool transparent = GetRecordValue(record, RenderValue::inTransparencyMask) != 0;
+  const int planes = record->planes;
+  const int layerPlanes = record->inLayerPlanes;
+  const bool transparent = record->inTransparencyMask != 0;
 
-  std::int64_t colors = layerPlanes;
-  if (colors == 0 && !transparent) colors = GetRecordValue(record, RenderValue::inNonLayerPlanes);
+  int colors = layerPlanes;
+  if (colors == 0 && !transparent) colors = record->inNonLayerPlanes;
   if (colors == 0) colors = planes;
-  const int limit = hostapi::largestColorCount(GetRecordValue(record, RenderValue::imageMode));
-  colors = std::clamp<std::int64_t>(colors, 0, limit);
+  colors = std::clamp(colors, 0, hostapi::largestColorCount(record->imageMode));
   if (colors > planes) colors = 0;  // the record contradicts itself
   const bool hasAlpha =
       transparent && layerPlanes + 1 <= planes && colors + 1 <= planes;  // there is room for it
-  return {static_cast<int>(colors), hasAlpha,
-          sampleDepth(GetRecordValue(record, RenderValue::depth))};
+  return {colors, hasAlpha, sampleDepth(record->depth)};
 }
 
-std::int16_t selectRenderTemplate(HalvorsundHost& host, const EffectParameters& parameters,
-                                  std::int32_t previewLevel, const hostapi::FilterRecord* record) {
+std::int16_t renderRecord(HalvorsundHost& host, const EffectParameters& parameters,
+                          std::int32_t previewLevel, const hostapi::FilterRecord* record) {
   trace("SelectRenderTemplate()");
   const LogIndent indent;
-  const auto value = [record](RenderValue v) {
-    return static_cast<std::int32_t>(GetRecordValue(record, v));
-  };
   const PictureLayout layout = pictureLayoutOf(record);
   HostBuffers buffers{
-      .width = value(RenderValue::outRight) - value(RenderValue::outLeft),
-      .height = value(RenderValue::outBottom) - value(RenderValue::outTop),
-      .planes = value(RenderValue::planes),
+      .width = record->outRect.right - record->outRect.left,
+      .height = record->outRect.bottom - record->outRect.top,
+      .planes = record->planes,
       .input = record->inData,
-      .inputRowBytes = value(RenderValue::inRowBytes),
+      .inputRowBytes = record->inRowBytes,
       .output = record->outData,
-      .outputRowBytes = value(RenderValue::outRowBytes),
+      .outputRowBytes = record->outRowBytes,
       .mask = record->maskData,
-      .maskRowBytes = value(RenderValue::maskRowBytes),
+      .maskRowBytes = record->maskRowBytes,
   };
   if (layout.colorPlanes == 0 || layout.depth == 0) return 0;
   if (buffers.width <= 0 || buffers.height <= 0) return 0;

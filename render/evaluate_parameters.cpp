@@ -1,22 +1,22 @@
-#include "render/render_values.h"
+#include "render/evaluate_parameters.h"
 
 #include <algorithm>
 #include <cmath>
 
 #include "image/pixel.h"
+#include "image/unit_scale.h"
 
 namespace radiashafts {
 namespace {
 
 // The effect selects by lightness alone; hue and saturation stay neutral.
 SelectionParameters selectionOf(const EffectParameters& parameters, SelectionShowMode show) {
-  constexpr double toUnit = 0.00392156862745098;
   SelectionParameters selection;
   selection.selectionOnly =
       show == SelectionShowMode::selectionOnly ||
       (show == SelectionShowMode::normal && !parameters.UseImageColor.value());
-  selection.lightness = {parameters.SelectionLow.value() * toUnit,
-                         parameters.SelectionHigh.value() * toUnit,
+  selection.lightness = {parameters.SelectionLow.value() * byteToUnit,
+                         parameters.SelectionHigh.value() * byteToUnit,
                          parameters.SelectionClimax.value(), parameters.SelectionSoften.value()};
   const SelectionAxis& axis = selection.lightness;
   selection.selectionActive =

@@ -22,7 +22,7 @@ PictureLayout pictureLayoutOf(const hostapi::FilterRecord* record);
 // added to the view's scale; 0 for a final render. A picture that the effect does not treat, an
 // empty one, or one whose input is smaller than the output is left alone with status 0. So is a
 // mask that is smaller.
-std::int16_t selectRenderTemplate(HalvorsundHost& host, const EffectParameters& parameters,
-                                  std::int32_t previewLevel, const hostapi::FilterRecord* record);
+std::int16_t renderRecord(HalvorsundHost& host, const EffectParameters& parameters,
+                          std::int32_t previewLevel, const hostapi::FilterRecord* record);
 
 }  // namespace radiashafts

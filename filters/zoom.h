@@ -48,7 +48,7 @@ class ZoomFilter final : public RowFilter {
     if (status != host->NoErrorCode()) return status;
     std::int32_t strips = 1;
     host->ThreadCount(&strips, target.height);
-    return runRows(strips);
+    return runIterations(strips);
   }
 
   // Handles one strip of rows. Progress counts with the source's height, so a taller target

@@ -1,6 +1,5 @@
 #include "frame/pf_filter.h"
 
-#include <algorithm>
 #include <mutex>
 
 #include "diagnostics/debug_log.h"
@@ -20,25 +19,26 @@ pfFilter::pfFilter(FilterIdentity identity)
 // The length of a selector, also of one that an exception ends.
 class pfFilter::SelectorGuard {
  public:
-  explicit SelectorGuard(pfFilter& filter) : filter_(filter) { filter_.AcquireSuites(); }
+  SelectorGuard(HostMemory& memory, hostapi::SPBasicSuite* basicSuite) : memory_(memory) {
+    memory_.acquireSuites(basicSuite);
+  }
   ~SelectorGuard() {
     nRenderStartTick = 0;
-    filter_.ReleaseKeptBlocks();
-    filter_.ReleaseSuites();
+    memory_.releaseKeptBlocks();
+    memory_.releaseSuites();
   }
   SelectorGuard(const SelectorGuard&) = delete;
   SelectorGuard& operator=(const SelectorGuard&) = delete;
 
  private:
-  pfFilter& filter_;
+  HostMemory& memory_;
 };
 
 std::int16_t pfFilter::Dispatch(std::int8_t selector, void* block) {
   auto* const record = static_cast<hostapi::FilterRecord*>(block);
-  basicSuite = selector == hostapi::selectorAbout
-                   ? static_cast<hostapi::AboutRecord*>(block)->sSPBasic
-                   : record->sSPBasic;
-  const SelectorGuard guard(*this);
+  const SelectorGuard guard(memory, selector == hostapi::selectorAbout
+                                        ? static_cast<hostapi::AboutRecord*>(block)->sSPBasic
+                                        : record->sSPBasic);
   currentRecord = record;
   return RunSelector(selector, block);
 }
@@ -61,24 +61,6 @@ std::int16_t pfFilter::RunSelector(std::int8_t selector, void* block) {
     default:
       return -1;
   }
-}
-
-// The Handle Suite keeps its last value where the host writes none.
-void pfFilter::AcquireSuites() {
-  bufferSuite = nullptr;
-  if (basicSuite == nullptr) return;
-  const void* suite = nullptr;
-  callHost(basicSuite->AcquireSuite, hostapi::bufferSuiteName, hostapi::bufferSuiteVersion, &suite);
-  bufferSuite = static_cast<const hostapi::BufferSuite1*>(suite);
-  suite = handleSuite;
-  callHost(basicSuite->AcquireSuite, hostapi::handleSuiteName, hostapi::handleSuiteVersion, &suite);
-  handleSuite = static_cast<const hostapi::HandleSuite2*>(suite);
-}
-
-void pfFilter::ReleaseSuites() {
-  if (basicSuite == nullptr) return;
-  callHost(basicSuite->ReleaseSuite, hostapi::bufferSuiteName, hostapi::bufferSuiteVersion);
-  callHost(basicSuite->ReleaseSuite, hostapi::handleSuiteName, hostapi::handleSuiteVersion);
 }
 
 std::int32_t pfFilter::Progress(std::int32_t done, std::int32_t total, std::int32_t threadIndex) {
@@ -111,57 +93,14 @@ std::int32_t pfFilter::PumpMessages(std::int32_t threadIndex) {
   return superseded ? hostapi::userCanceledError : NoErrorCode();
 }
 
-// A block of the very size, or a new one; then the view has changed, and what was kept is of no
-// use.
 void* pfFilter::Allocate(std::uint32_t size) {
   const std::lock_guard lock(memoryLock);
-  const bool inPreview = nRenderStartTick != 0;
-  for (KeptBlock& block : keptBlocks) {
-    if (!inPreview || block.pointer == nullptr || block.inUse || block.size != size) continue;
-    block.inUse = true;
-    return block.pointer;
-  }
-  ReleaseKeptBlocks();
-  void* const pointer = AllocateFromHost(size);
-  const auto empty = std::find_if(keptBlocks.begin(), keptBlocks.end(),
-                                  [](const KeptBlock& block) { return block.pointer == nullptr; });
-  if (inPreview && empty != keptBlocks.end()) *empty = {pointer, size, true};
-  return pointer;
+  return memory.allocate(size, nRenderStartTick != 0);
 }
 
 void pfFilter::Free(void* pointer) {
   const std::lock_guard lock(memoryLock);
-  if (pointer == nullptr) return;
-  const auto kept = std::find_if(keptBlocks.begin(), keptBlocks.end(),
-                                 [&](const KeptBlock& block) { return block.pointer == pointer; });
-  if (kept != keptBlocks.end()) {
-    kept->inUse = false;
-    if (nRenderStartTick != 0) return;
-    *kept = {};
-  }
-  FreeToHost(pointer);
-}
-
-void pfFilter::ReleaseKeptBlocks() {
-  for (KeptBlock& block : keptBlocks) {
-    if (block.pointer == nullptr || block.inUse) continue;
-    FreeToHost(block.pointer);
-    block = {};
-  }
-}
-
-void* pfFilter::AllocateFromHost(std::uint32_t size) {
-  if (!usesHostMemory()) return HalvorsundHost::Allocate(size);
-  std::uint32_t requested = size;
-  return callHost(bufferSuite->New, &requested, size);
-}
-
-void pfFilter::FreeToHost(void* pointer) {
-  if (!usesHostMemory()) {
-    HalvorsundHost::Free(pointer);
-  } else {
-    callHost(bufferSuite->Dispose, &pointer);
-  }
+  memory.free(pointer, nRenderStartTick != 0);
 }
 
 }  // namespace radiashafts

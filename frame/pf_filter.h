@@ -1,11 +1,11 @@
-// The filter as the host's interface wants it: selectors, the record, progress and memory.
+// The filter as the host's interface wants it: selectors, the record and progress.
 #pragma once
 
-#include <array>
 #include <chrono>
 #include <cstdint>
 #include <memory>
 
+#include "frame/host_memory.h"
 #include "hostapi/constants.h"
 #include "hostapi/filter_record.h"
 #include "image/halvorsund_host.h"
@@ -31,8 +31,8 @@ class pfFilter : public HalvorsundHost, public EditedFilter {
   // it dispatches the waiting window messages, -1 when the interface was closed; on every thread
   // -128 when a newer render is wanted 201 ms or more into this one.
   std::int32_t Progress(std::int32_t done, std::int32_t total, std::int32_t threadIndex) override;
-  // From the host's Buffer Suite where it has the Handle Suite too, else from the heap. Between the
-  // renders of a preview, which are all alike, freed blocks stay with the filter.
+  // From the host's memory. Between the renders of a preview, which are all alike, freed blocks are
+  // kept.
   void* Allocate(std::uint32_t size) override;
   void Free(void* pointer) override;
   std::int32_t OutOfMemoryCode() const override { return hostapi::memoryFullError; }
@@ -57,31 +57,15 @@ class pfFilter : public HalvorsundHost, public EditedFilter {
   class SelectorGuard;
   std::int16_t RunSelector(std::int8_t selector, void* block);
   std::int16_t RunFilter(hostapi::FilterRecord* record);
-  // A Handle Suite may be left over from an earlier host call, so both are asked for.
-  bool usesHostMemory() const { return handleSuite != nullptr && bufferSuite != nullptr; }
-  void AcquireSuites();
-  void ReleaseSuites();
   std::int32_t ReportToHost(std::int32_t done, std::int32_t total);
   std::int32_t PumpMessages(std::int32_t threadIndex);
 
-  void* AllocateFromHost(std::uint32_t size);
-  void FreeToHost(void* pointer);
-  void ReleaseKeptBlocks();
-
-  struct KeptBlock {
-    void* pointer = nullptr;
-    std::uint32_t size = 0;
-    bool inUse = false;
-  };
-
-  hostapi::SPBasicSuite* basicSuite = nullptr;  // good for one selector, like the next two
-  const hostapi::BufferSuite1* bufferSuite = nullptr;
-  const hostapi::HandleSuite2* handleSuite = nullptr;
+  HostMemory memory;
   hostapi::FilterRecord* currentRecord = nullptr;
   std::chrono::steady_clock::time_point lastLook;  // for messages, in a preview render
   std::uint32_t endedRender = 0;                   // start tick of the one the interface's end met
-  std::array<KeptBlock, 8> keptBlocks;             // more than a render asks for
-  platform::RecursiveLock memoryLock;  // a window procedure may come back while Progress pumps
+  // Of memory and of Progress. Recursive: a window procedure may come back while Progress pumps.
+  platform::RecursiveLock memoryLock;
 };
 
 }  // namespace radiashafts

@@ -37,7 +37,7 @@ class RowFilter : public HalvorsundFilter {
 
  protected:
   // Runs processRow for iterations 0 to iterations - 1 on the pool.
-  std::int32_t runRows(std::int32_t iterations) {
+  std::int32_t runIterations(std::int32_t iterations) {
     const auto callRow = [](void* context, std::int32_t index, std::int32_t count,
                             std::int32_t threadIndex) {
       return static_cast<RowFilter*>(context)->processRow(index, count, threadIndex);
@@ -49,7 +49,7 @@ class RowFilter : public HalvorsundFilter {
   std::int32_t runRows(std::int32_t height, std::int32_t stagePosition, std::int32_t stageCount) {
     stage = stagePosition;
     stages = stageCount;
-    return runRows(height);
+    return runIterations(height);
   }
 
   // Tells the host that the given row of an image of the given height is done.

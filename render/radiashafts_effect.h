@@ -78,7 +78,7 @@ class RadiashaftsEffect final : public RowFilter {
 
     std::int32_t bands = 1;
     host->ThreadCount(&bands, output.height);
-    return runRows(bands);
+    return runIterations(bands);
   }
 
   std::int32_t showSelection() {

@@ -118,7 +118,7 @@ TEST(RememberedSettings, WhatIsMissingMistypedOrNoNumberLeavesItsParameterAlone)
   EXPECT_EQ(set.values(), before);
 }
 
-std::vector<std::int32_t> numbersOf(const PreviewWindow& w) {
+std::vector<std::int32_t> numbersOf(const PreviewPlacement& w) {
   return {w.x, w.y, w.width, w.height, w.state};
 }
 
@@ -127,9 +127,9 @@ constexpr ScreenMetrics screen{3000, 2000, 1366, 745};
 TEST(RememberedSettings, ThePreviewStartsAsASquareAndComesBackOntoTheScreen) {
   const TestStore store;
   using Numbers = std::vector<std::int32_t>;
-  EXPECT_EQ(numbersOf(ReadPreviewWindow(screen, store.key())), (Numbers{228, -82, 910, 910, 0}));
+  EXPECT_EQ(numbersOf(ReadPreviewPlacement(screen, store.key())), (Numbers{228, -82, 910, 910, 0}));
   const struct {
-    PreviewWindow stored;
+    PreviewPlacement stored;
     ScreenMetrics metrics;
     Numbers expected;
   } cases[] = {
@@ -141,41 +141,41 @@ TEST(RememberedSettings, ThePreviewStartsAsASquareAndComesBackOntoTheScreen) {
       {{-1, 9999, 100, 100, 0}, {3000, 0, 9, 9}, {-1, 9999, 100, 100, 0}},
   };
   for (const auto& c : cases) {
-    WritePreviewWindow(c.stored, store.key());
-    EXPECT_EQ(numbersOf(ReadPreviewWindow(c.metrics, store.key())), c.expected);
+    WritePreviewPlacement(c.stored, store.key());
+    EXPECT_EQ(numbersOf(ReadPreviewPlacement(c.metrics, store.key())), c.expected);
   }
   for (std::int32_t state = 0; state < 12; ++state) {
-    EXPECT_EQ((PreviewWindow{0, 0, 0, 0, state}.startsMaximized()), state % 4 == 3) << state;
+    EXPECT_EQ((PreviewPlacement{0, 0, 0, 0, state}.startsMaximized()), state % 4 == 3) << state;
   }
   // One value of four is missing: the others count, without limits.
-  WritePreviewWindow({-5, 9000, 1, 60, 0}, store.key());
+  WritePreviewPlacement({-5, 9000, 1, 60, 0}, store.key());
   UserKey::createForWriting(store.key())->writeText("Preview Position Width", "wide");
-  EXPECT_EQ(numbersOf(ReadPreviewWindow(screen, store.key())), (Numbers{-5, 9000, 400, 60, 0}));
+  EXPECT_EQ(numbersOf(ReadPreviewPlacement(screen, store.key())), (Numbers{-5, 9000, 400, 60, 0}));
 }
 
 TEST(RememberedSettings, TheParameterWindowKeepsWhatIsNotRemembered) {
   const TestStore store;
-  const ParameterWindow start{7, 7, "old.cfg", false, true};
-  ParameterWindow window = start;
-  EXPECT_FALSE(ReadParameterWindow(window, screen, store.key()));
+  const ParameterPlacement start{7, 7, "old.cfg", false, true};
+  ParameterPlacement window = start;
+  EXPECT_FALSE(ReadParameterPlacement(window, screen, store.key()));
   EXPECT_EQ(window.x + window.y, 0);
   EXPECT_EQ(window.presetPath, "old.cfg");
   EXPECT_TRUE(!window.showHandle && window.livePreview);
 
   { UserKey::createForWriting(store.key()); }
   window = start;
-  EXPECT_TRUE(ReadParameterWindow(window, screen, store.key()));
+  EXPECT_TRUE(ReadParameterPlacement(window, screen, store.key()));
   EXPECT_EQ(window.presetPath, "old.cfg");
   EXPECT_TRUE(!window.showHandle && window.livePreview);
 
-  WriteParameterWindow({3100, -4, R"(C:\new\p.cfg)", true, false}, store.key());
-  EXPECT_TRUE(ReadParameterWindow(window, screen, store.key()));
+  WriteParameterPlacement({3100, -4, R"(C:\new\p.cfg)", true, false}, store.key());
+  EXPECT_TRUE(ReadParameterPlacement(window, screen, store.key()));
   EXPECT_EQ(window.x, 2950);
   EXPECT_EQ(window.y, 0);
   EXPECT_EQ(window.presetPath, R"(C:\new\p.cfg)");
   EXPECT_TRUE(window.showHandle && !window.livePreview);
-  WriteParameterWindow({0, 0, std::string(256, 'x'), true, false}, store.key());
-  ReadParameterWindow(window, screen, store.key());
+  WriteParameterPlacement({0, 0, std::string(256, 'x'), true, false}, store.key());
+  ReadParameterPlacement(window, screen, store.key());
   EXPECT_EQ(window.presetPath, R"(C:\new\p.cfg)");
 }
 
@@ -185,8 +185,8 @@ TEST(RememberedSettings, AStoreThatRefusesIsBorneInSilence) {
   EXPECT_FALSE(UserKey::createForWriting(store.key()));
   PresetSet set;
   WriteLastUsedSettings(set.parameters, store.key());
-  WritePreviewWindow({}, store.key());
-  WriteParameterWindow({}, store.key());
+  WritePreviewPlacement({}, store.key());
+  WriteParameterPlacement({}, store.key());
   EXPECT_FALSE(ReadLastUsedSettings(set.parameters, store.key()));
 }
 

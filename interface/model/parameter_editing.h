@@ -5,15 +5,15 @@
 #include <array>
 #include <cstdint>
 
+#include "interface/model/dialog_windows.h"
 #include "interface/model/preview_view.h"
-#include "interface/model/preview_windows.h"
 #include "interface/model/widgets.h"
 
 namespace radiashafts {
 
 class ParameterEditing {
  public:
-  ParameterEditing(PreviewWindows& windows, PreviewView& view) : windows_(windows), view_(view) {}
+  ParameterEditing(DialogWindows& windows, PreviewView& view) : windows_(windows), view_(view) {}
   ParameterEditing(const ParameterEditing&) = delete;
   ParameterEditing& operator=(const ParameterEditing&) = delete;
 
@@ -54,7 +54,7 @@ class ParameterEditing {
   pfParameterRGB* FindSwatchParameter(Point point) const;
   void record(pfParameter& parameter);
 
-  PreviewWindows& windows_;
+  DialogWindows& windows_;
   PreviewView& view_;
   WidgetList* widgets_ = nullptr;
   pfParameterRGB* pickedColor_ = nullptr;

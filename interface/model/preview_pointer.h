@@ -9,7 +9,7 @@ namespace radiashafts {
 
 class PreviewPointer {
  public:
-  PreviewPointer(PreviewWindows& windows, PreviewView& view, ParameterEditing& editing)
+  PreviewPointer(DialogWindows& windows, PreviewView& view, ParameterEditing& editing)
       : windows_(windows), view_(view), editing_(editing) {}
   PreviewPointer(const PreviewPointer&) = delete;
   PreviewPointer& operator=(const PreviewPointer&) = delete;
@@ -28,7 +28,7 @@ class PreviewPointer {
   void dragOriginTo(Point point);
   void tellPlace(Point point);
 
-  PreviewWindows& windows_;
+  DialogWindows& windows_;
   PreviewView& view_;
   ParameterEditing& editing_;
   pfParameterPosition* draggedOrigin_ = nullptr;

@@ -6,9 +6,9 @@
 #include <optional>
 
 #include "hostapi/filter_record.h"
+#include "interface/model/dialog_windows.h"
 #include "interface/model/edited_filter.h"
 #include "interface/model/preview_geometry.h"
-#include "interface/model/preview_windows.h"
 #include "interface/model/view_scale.h"
 #include "threads/thread_pool.h"
 
@@ -16,7 +16,7 @@ namespace radiashafts {
 
 class PreviewView {
  public:
-  explicit PreviewView(PreviewWindows& windows) : windows_(windows) {}
+  explicit PreviewView(DialogWindows& windows) : windows_(windows) {}
   PreviewView(const PreviewView&) = delete;
   PreviewView& operator=(const PreviewView&) = delete;
 
@@ -66,7 +66,7 @@ class PreviewView {
   std::int16_t render();
   void DrawToPreview();
 
-  PreviewWindows& windows_;
+  DialogWindows& windows_;
   EditedFilter* filter_ = nullptr;
   hostapi::FilterRecord* record_ = nullptr;
   std::int32_t nFactor = 1;

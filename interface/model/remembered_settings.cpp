@@ -131,8 +131,8 @@ void tracePresetPath(const std::string& path) {
 }
 
 // Its side is taken from the screen's width, in both directions.
-PreviewWindow firstPreview(const ScreenMetrics& screen) {
-  PreviewWindow window;
+PreviewPlacement firstPreview(const ScreenMetrics& screen) {
+  PreviewPlacement window;
   window.width = static_cast<std::int32_t>(screen.fullWidth * 0.6666666666666666);
   window.height = window.width;
   window.x = (screen.fullWidth - window.width) / 2;
@@ -161,10 +161,10 @@ void WriteLastUsedSettings(const pfParameters& parameters, const std::string& ke
   }
 }
 
-PreviewWindow ReadPreviewWindow(const ScreenMetrics& screen, const std::string& key) {
+PreviewPlacement ReadPreviewPlacement(const ScreenMetrics& screen, const std::string& key) {
   const auto stored = UserKey::openForReading(key);
   if (!stored) return firstPreview(screen);
-  PreviewWindow window;
+  PreviewPlacement window;
   const bool hasX = readPixels(*stored, previewX, window.x);
   const bool hasY = readPixels(*stored, previewY, window.y);
   const bool hasWidth = readPixels(*stored, previewWidth, window.width);
@@ -174,7 +174,7 @@ PreviewWindow ReadPreviewWindow(const ScreenMetrics& screen, const std::string& 
   return window;
 }
 
-void WritePreviewWindow(const PreviewWindow& window, const std::string& key) {
+void WritePreviewPlacement(const PreviewPlacement& window, const std::string& key) {
   auto stored = UserKey::createForWriting(key);
   if (!stored) return;
   writePixels(*stored, previewX, window.x);
@@ -184,8 +184,8 @@ void WritePreviewWindow(const PreviewWindow& window, const std::string& key) {
   writePixels(*stored, previewState, window.state);
 }
 
-bool ReadParameterWindow(ParameterWindow& window, const ScreenMetrics& screen,
-                         const std::string& key) {
+bool ReadParameterPlacement(ParameterPlacement& window, const ScreenMetrics& screen,
+                            const std::string& key) {
   window.x = 0;
   window.y = 0;
   const auto stored = UserKey::openForReading(key);
@@ -201,7 +201,7 @@ bool ReadParameterWindow(ParameterWindow& window, const ScreenMetrics& screen,
   return true;
 }
 
-void WriteParameterWindow(const ParameterWindow& window, const std::string& key) {
+void WriteParameterPlacement(const ParameterPlacement& window, const std::string& key) {
   auto stored = UserKey::createForWriting(key);
   if (!stored) return;
   writePixels(*stored, interfaceX, window.x);

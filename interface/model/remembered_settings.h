@@ -28,7 +28,7 @@ struct ScreenMetrics {
 };
 
 // Where the preview stands when it is not maximised, and the system's number for how it is shown.
-struct PreviewWindow {
+struct PreviewPlacement {
   std::int32_t x = 200;
   std::int32_t y = 200;
   std::int32_t width = 400;
@@ -38,10 +38,11 @@ struct PreviewWindow {
   bool startsMaximized() const { return (state & 3) == 3; }
 };
 // As it stood last, brought back onto the screen. At first a square in the screen's middle.
-PreviewWindow ReadPreviewWindow(const ScreenMetrics& screen, const std::string& key = settingsKey);
-void WritePreviewWindow(const PreviewWindow& window, const std::string& key = settingsKey);
+PreviewPlacement ReadPreviewPlacement(const ScreenMetrics& screen,
+                                      const std::string& key = settingsKey);
+void WritePreviewPlacement(const PreviewPlacement& window, const std::string& key = settingsKey);
 
-struct ParameterWindow {
+struct ParameterPlacement {
   std::int32_t x = 0;
   std::int32_t y = 0;
   std::string presetPath;
@@ -50,9 +51,10 @@ struct ParameterWindow {
 };
 // Puts the window where it stood last, or into the corner; the other members keep their values
 // where none are remembered. Whether the key is there: then OK has the focus.
-bool ReadParameterWindow(ParameterWindow& window, const ScreenMetrics& screen,
-                         const std::string& key = settingsKey);
-void WriteParameterWindow(const ParameterWindow& window, const std::string& key = settingsKey);
+bool ReadParameterPlacement(ParameterPlacement& window, const ScreenMetrics& screen,
+                            const std::string& key = settingsKey);
+void WriteParameterPlacement(const ParameterPlacement& window,
+                             const std::string& key = settingsKey);
 
 // Switches the trace's console and file on as the user wants. Nothing switches them off.
 void ReadDebugSwitches(const std::string& key = settingsKey);

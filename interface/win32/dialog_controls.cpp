@@ -85,4 +85,12 @@ void DialogControls::setEntries(int id, const std::vector<std::string>& entries,
   send(id, CB_SETCURSEL, static_cast<WPARAM>(selected));
 }
 
+void enableControl(HWND dialog, int id, bool enabled) {
+  const HWND control = GetDlgItem(dialog, id);
+  if (!enabled && control != nullptr && GetFocus() == control) {
+    SendMessageA(dialog, WM_NEXTDLGCTL, 0, FALSE);
+  }
+  if (enabled != (IsWindowEnabled(control) != FALSE)) EnableWindow(control, enabled ? TRUE : FALSE);
+}
+
 }  // namespace radiashafts

@@ -62,4 +62,7 @@ ScreenMetrics screenMetrics();
 // The place of a control, hidden or not, in its dialog's client area.
 RECT controlRect(HWND dialog, int id);
 
+// Enables or disables a control; one that is disabled passes the focus on to the next one.
+void enableControl(HWND dialog, int id, bool enabled);
+
 }  // namespace radiashafts

@@ -1,6 +1,4 @@
-// The parameter dialog's messages.
-
-#include <windows.h>
+#include "interface/win32/parameter_dialog.h"
 
 #include <windowsx.h>
 
@@ -8,31 +6,20 @@
 #include "interface/model/live_preview.h"
 #include "interface/model/remembered_settings.h"
 #include "interface/win32/dialog_ids.h"
-#include "interface/win32/interface_end.h"
-#include "interface/win32/preview_win32.h"
 
 namespace radiashafts {
 
-INT_PTR pfPreviewWin32::UIProcedure(HWND dialog, UINT message, WPARAM w, LPARAM l) {
-  if (message == WM_INITDIALOG) {
-    SetWindowLongPtrA(dialog, DWLP_USER, l);
-    reinterpret_cast<pfPreviewWin32*>(l)->m_hInterface = dialog;
-  }
-  auto* self = reinterpret_cast<pfPreviewWin32*>(GetWindowLongPtrA(dialog, DWLP_USER));
-  return self == nullptr ? FALSE : self->onInterfaceMessage(message, w, l);
-}
-
-INT_PTR pfPreviewWin32::onInterfaceMessage(UINT message, WPARAM w, LPARAM l) {
+INT_PTR ParameterDialog::onMessage(UINT message, WPARAM w, LPARAM l) {
   const Point point{GET_X_LPARAM(l), GET_Y_LPARAM(l)};
   switch (message) {
     case WM_INITDIALOG:
-      onInterfaceOpens();
+      onOpen();
       return FALSE;  // the focus is at OK
     case WM_DESTROY:
-      onInterfaceCloses();
+      onDestroy();
       return TRUE;
     case WM_PAINT:
-      PaintSwatches(PaintContext(m_hInterface).get());
+      PaintSwatches(PaintContext(window()).get());
       return TRUE;
     case WM_CTLCOLOREDIT:
     case WM_CTLCOLORLISTBOX: {
@@ -42,8 +29,8 @@ INT_PTR pfPreviewWin32::onInterfaceMessage(UINT message, WPARAM w, LPARAM l) {
       return reinterpret_cast<INT_PTR>(GetStockObject(WHITE_BRUSH));
     }
     case WM_SETCURSOR:
-      if (!setCursor()) return FALSE;
-      SetWindowLongPtrA(m_hInterface, DWLP_MSGRESULT, TRUE);
+      if (!pipette_.set()) return FALSE;
+      setResult(TRUE);
       return TRUE;
     case WM_LBUTTONDOWN:
       editing_.OnInterfaceLeftDown(point);
@@ -66,44 +53,45 @@ INT_PTR pfPreviewWin32::onInterfaceMessage(UINT message, WPARAM w, LPARAM l) {
   }
 }
 
-void pfPreviewWin32::onInterfaceOpens() {
+void ParameterDialog::onOpen() {
   const hostapi::Point whole = view_.record().wholeSize;
   const bool told = whole.h > 0 && whole.v > 0;
-  controls_.attach(m_hInterface, told ? Extent{whole.h, whole.v} : view_.imageSize());
-  SendDlgItemMessageA(m_hInterface, ID_PRESETS, CB_SETDROPPEDWIDTH, droppedPresetsWidth(), 0);
-  SetFocus(GetDlgItem(m_hInterface, IDOK));
+  controls_.attach(window(), told ? Extent{whole.h, whole.v} : view_.imageSize());
+  SendDlgItemMessageA(window(), ID_PRESETS, CB_SETDROPPEDWIDTH, droppedPresetsWidth(), 0);
+  SetFocus(GetDlgItem(window(), IDOK));
 
-  ParameterWindow window;
-  window.presetPath = presets_.path();
-  window.showHandle = bShowHandle;
-  window.livePreview = bLivePreview;
-  ReadParameterWindow(window, screenMetrics());
-  presets_.setPath(window.presetPath);
-  bShowHandle = window.showHandle;
-  bLivePreview = window.livePreview;
-  CheckDlgButton(m_hInterface, ID_HIDE_HANDLE, bShowHandle ? BST_UNCHECKED : BST_CHECKED);
-  CheckDlgButton(m_hInterface, ID_FIXED_PREVIEW, bLivePreview ? BST_UNCHECKED : BST_CHECKED);
-  SetWindowPos(m_hInterface, nullptr, window.x, window.y, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
+  ParameterPlacement placement;
+  placement.presetPath = presets().path();
+  placement.showHandle = preview_.showsHandle();
+  placement.livePreview = bLivePreview;
+  ReadParameterPlacement(placement, screenMetrics());
+  presets().setPath(placement.presetPath);
+  preview_.showHandle(placement.showHandle);
+  bLivePreview = placement.livePreview;
+  CheckDlgButton(window(), ID_HIDE_HANDLE, preview_.showsHandle() ? BST_UNCHECKED : BST_CHECKED);
+  CheckDlgButton(window(), ID_FIXED_PREVIEW, bLivePreview ? BST_UNCHECKED : BST_CHECKED);
+  SetWindowPos(window(), nullptr, placement.x, placement.y, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
   ReadLastUsedSettings(view_.filter().parameters);
 }
 
-void pfPreviewWin32::onInterfaceCloses() {
+void ParameterDialog::onDestroy() {
   WINDOWPLACEMENT placement{};
   placement.length = sizeof placement;
-  if (GetWindowPlacement(m_hInterface, &placement) != FALSE) {
+  if (GetWindowPlacement(window(), &placement) != FALSE) {
     const RECT& rect = placement.rcNormalPosition;
-    WriteParameterWindow({rect.left, rect.top, presets_.path(), bShowHandle, bLivePreview});
+    WriteParameterPlacement(
+        {rect.left, rect.top, presets().path(), preview_.showsHandle(), bLivePreview});
   }
-  onDestroyed();
+  destroyed();
 }
 
 // Names of presets may be long: the open list takes the row's whole width.
-WPARAM pfPreviewWin32::droppedPresetsWidth() const {
-  return static_cast<WPARAM>(controlRect(m_hInterface, ID_DELETE_PRESET).right -
-                             controlRect(m_hInterface, ID_PRESETS).left);
+WPARAM ParameterDialog::droppedPresetsWidth() const {
+  return static_cast<WPARAM>(controlRect(window(), ID_DELETE_PRESET).right -
+                             controlRect(window(), ID_PRESETS).left);
 }
 
-void pfPreviewWin32::onCommand(int id, int notification) {
+void ParameterDialog::onCommand(int id, int notification) {
   const bool clicked = notification == BN_CLICKED;
   switch (id) {
     case IDOK:
@@ -118,19 +106,19 @@ void pfPreviewWin32::onCommand(int id, int notification) {
       return;
     case ID_PRESETS:
       if (notification != CBN_SELCHANGE) return;
-      presets_.OnSelectSetting();
+      presets().OnSelectSetting();
       view_.filter().parameters.UpdateAllWidgets();
       view_.RequestRender();
       return;
     case ID_SAVE_PRESET:
-      presets_.OnSaveSetting();
+      presets().OnSaveSetting();
       return;
     case ID_DELETE_PRESET:
-      presets_.OnDeleteSetting();
+      presets().OnDeleteSetting();
       view_.UpdateUndoButtons();
       return;
     case ID_OPEN_PRESETS:
-      presets_.OnChangeSettingFile();
+      presets().OnChangeSettingFile();
       return;
     case ID_UNDO:
       editing_.Undo();
@@ -151,8 +139,7 @@ void pfPreviewWin32::onCommand(int id, int notification) {
       bLivePreview = !bLivePreview;
       return;
     case ID_HIDE_HANDLE:
-      bShowHandle = !bShowHandle;
-      invalidateFrame();
+      preview_.showHandle(!preview_.showsHandle());
       return;
     default:
       break;
@@ -164,15 +151,29 @@ void pfPreviewWin32::onCommand(int id, int notification) {
   }
 }
 
-void pfPreviewWin32::PaintSwatches(HDC context) {
+void ParameterDialog::PaintSwatches(HDC context) {
   for (const ParameterEditing::Swatch& swatch : editing_.swatches()) {
-    RECT rect = controlRect(m_hInterface, swatch.id);
+    RECT rect = controlRect(window(), swatch.id);
     FrameRect(context, &rect, static_cast<HBRUSH>(GetStockObject(BLACK_BRUSH)));
     InflateRect(&rect, -1, -1);
     const HBRUSH brush = CreateSolidBrush(RGB(swatch.color[0], swatch.color[1], swatch.color[2]));
     FillRect(context, &rect, brush);
     DeleteObject(brush);
   }
+}
+
+void ParameterDialog::setPercentage(const std::string& text) {
+  SetDlgItemTextA(window(), ID_PERCENTAGE, text.c_str());
+}
+
+void ParameterDialog::enableHistory(bool undo, bool redo) {
+  enableControl(window(), ID_UNDO, undo);
+  enableControl(window(), ID_REDO, redo);
+}
+
+Box ParameterDialog::controlBox(int id) const {
+  const RECT rect = controlRect(window(), id);
+  return {rect.left, rect.top, rect.right, rect.bottom};
 }
 
 }  // namespace radiashafts

@@ -1,35 +1,23 @@
-// The preview dialog's messages.
-
-#include <windows.h>
+#include "interface/win32/preview_dialog.h"
 
 #include <algorithm>
 
 #include <windowsx.h>
 
 #include "interface/model/remembered_settings.h"
+#include "interface/win32/dialog_controls.h"
 #include "interface/win32/dialog_ids.h"
-#include "interface/win32/interface_end.h"
-#include "interface/win32/preview_win32.h"
 
 namespace radiashafts {
 
-INT_PTR pfPreviewWin32::PreviewProcedure(HWND dialog, UINT message, WPARAM w, LPARAM l) {
-  if (message == WM_INITDIALOG) {
-    SetWindowLongPtrA(dialog, DWLP_USER, l);
-    reinterpret_cast<pfPreviewWin32*>(l)->m_hPreview = dialog;
-  }
-  auto* self = reinterpret_cast<pfPreviewWin32*>(GetWindowLongPtrA(dialog, DWLP_USER));
-  return self == nullptr ? FALSE : self->onPreviewMessage(message, w, l);
-}
-
-INT_PTR pfPreviewWin32::onPreviewMessage(UINT message, WPARAM w, LPARAM l) {
+INT_PTR PreviewDialog::onMessage(UINT message, WPARAM w, LPARAM l) {
   const Point point{GET_X_LPARAM(l), GET_Y_LPARAM(l)};
   switch (message) {
     case WM_INITDIALOG:
-      onPreviewOpens();
+      onOpen();
       return TRUE;
     case WM_DESTROY:
-      onPreviewCloses();
+      onDestroy();
       return TRUE;
     case WM_CLOSE:  // as Cancel
       interfaceEnd().ask(false);
@@ -38,14 +26,14 @@ INT_PTR pfPreviewWin32::onPreviewMessage(UINT message, WPARAM w, LPARAM l) {
       if (w != SIZE_MINIMIZED) onSize();
       return TRUE;
     case WM_ERASEBKGND:  // painting covers everything
-      SetWindowLongPtrA(m_hPreview, DWLP_MSGRESULT, TRUE);
+      setResult(TRUE);
       return TRUE;
     case WM_PAINT:
       PaintPreview();
       return TRUE;
     case WM_SETCURSOR:
-      if (LOWORD(l) != HTCLIENT || !setCursor()) return FALSE;
-      SetWindowLongPtrA(m_hPreview, DWLP_MSGRESULT, TRUE);
+      if (LOWORD(l) != HTCLIENT || !pipette_.set()) return FALSE;
+      setResult(TRUE);
       return TRUE;
     case WM_LBUTTONDOWN:
     case WM_LBUTTONDBLCLK:
@@ -65,11 +53,11 @@ INT_PTR pfPreviewWin32::onPreviewMessage(UINT message, WPARAM w, LPARAM l) {
       pointer_.OnMove(point);
       return TRUE;
     case WM_CAPTURECHANGED:
-      if (!releasing_ && reinterpret_cast<HWND>(l) != m_hPreview) pointer_.letGo();
+      if (!releasing_ && reinterpret_cast<HWND>(l) != window()) pointer_.letGo();
       return TRUE;
     // The keyboard stays with the dialog itself: its one child, hidden, would take it and keep it.
     case WM_ACTIVATE:
-      if (LOWORD(w) != WA_INACTIVE) SetFocus(m_hPreview);
+      if (LOWORD(w) != WA_INACTIVE) SetFocus(window());
       return TRUE;
     case WM_SETFOCUS:
       return TRUE;
@@ -81,57 +69,92 @@ INT_PTR pfPreviewWin32::onPreviewMessage(UINT message, WPARAM w, LPARAM l) {
   }
 }
 
-void pfPreviewWin32::onPreviewOpens() {
+void PreviewDialog::onOpen() {
   ReadDebugSwitches();
-  const PreviewWindow window = ReadPreviewWindow(screenMetrics());
+  const PreviewPlacement placement = ReadPreviewPlacement(screenMetrics());
   // In two steps: on a monitor of another scaling the system resizes what is moved there.
-  SetWindowPos(m_hPreview, nullptr, window.x, window.y, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
-  SetWindowPos(m_hPreview, nullptr, 0, 0, window.width, window.height, SWP_NOMOVE | SWP_NOZORDER);
+  SetWindowPos(window(), nullptr, placement.x, placement.y, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
+  SetWindowPos(window(), nullptr, 0, 0, placement.width, placement.height,
+               SWP_NOMOVE | SWP_NOZORDER);
   onSize();  // also where that was its size before
-  if (window.startsMaximized()) ShowWindow(m_hPreview, SW_MAXIMIZE);
+  if (placement.startsMaximized()) ShowWindow(window(), SW_MAXIMIZE);
 }
 
-void pfPreviewWin32::onPreviewCloses() {
+void PreviewDialog::onDestroy() {
   WINDOWPLACEMENT placement{};
   placement.length = sizeof placement;
-  if (GetWindowPlacement(m_hPreview, &placement) != FALSE) {
+  if (GetWindowPlacement(window(), &placement) != FALSE) {
     const RECT& rect = placement.rcNormalPosition;
-    WritePreviewWindow({rect.left, rect.top, rect.right - rect.left, rect.bottom - rect.top,
-                        static_cast<std::int32_t>(placement.showCmd)});
+    WritePreviewPlacement({rect.left, rect.top, rect.right - rect.left, rect.bottom - rect.top,
+                           static_cast<std::int32_t>(placement.showCmd)});
   }
-  onDestroyed();
+  destroyed();
 }
 
 // The frame fills the client area.
-void pfPreviewWin32::onSize() {
+void PreviewDialog::onSize() {
   constexpr int smallest = 100;  // of the window's sides
-  RECT window{};
-  GetWindowRect(m_hPreview, &window);
-  const int width = std::max<int>(window.right - window.left, smallest);
-  const int height = std::max<int>(window.bottom - window.top, smallest);
-  if (width != window.right - window.left || height != window.bottom - window.top) {
-    MoveWindow(m_hPreview, window.left, window.top, width, height, TRUE);
+  RECT outer{};
+  GetWindowRect(window(), &outer);
+  const int width = std::max<int>(outer.right - outer.left, smallest);
+  const int height = std::max<int>(outer.bottom - outer.top, smallest);
+  if (width != outer.right - outer.left || height != outer.bottom - outer.top) {
+    MoveWindow(window(), outer.left, outer.top, width, height, TRUE);
   }
   RECT client{};
-  GetClientRect(m_hPreview, &client);
-  MoveWindow(GetDlgItem(m_hPreview, ID_PREVIEW_FRAME), 0, 0, client.right, client.bottom, FALSE);
+  GetClientRect(window(), &client);
+  MoveWindow(GetDlgItem(window(), ID_PREVIEW_FRAME), 0, 0, client.right, client.bottom, FALSE);
   invalidateFrame();
 }
 
-// The preview has no controls: its keys are the parameter dialog's.
-void pfPreviewWin32::onKey(WPARAM key) {
-  if (key == VK_RETURN) PostMessageA(m_hInterface, WM_COMMAND, IDOK, 0);
-  if (key == VK_ESCAPE) PostMessageA(m_hInterface, WM_COMMAND, IDCANCEL, 0);
-  if (key == VK_TAB) SetActiveWindow(m_hInterface);
+void PreviewDialog::onKey(WPARAM key) {
+  if (key == VK_RETURN) PostMessageA(keyboard_, WM_COMMAND, IDOK, 0);
+  if (key == VK_ESCAPE) PostMessageA(keyboard_, WM_COMMAND, IDCANCEL, 0);
+  if (key == VK_TAB) SetActiveWindow(keyboard_);
 }
 
-void pfPreviewWin32::PaintPreview() {
-  const PaintContext context(m_hPreview);
+void PreviewDialog::PaintPreview() {
+  const PaintContext context(window());
   if (!view_.isOpen()) return;
   std::optional<std::array<double, 2>> light;
   const pfParameterPosition* origin = editing_.FindOriginParameter();
   if (bShowHandle && origin != nullptr) light = origin->value();
   painting_.paint(context.get(), view_, light);
+}
+
+void PreviewDialog::showHandle(bool show) {
+  bShowHandle = show;
+  invalidateFrame();
+}
+
+void PreviewDialog::leaveOwner() {
+  if (window() != nullptr) SetWindowLongPtrA(window(), GWLP_HWNDPARENT, 0);
+}
+
+Extent PreviewDialog::frameSize() const {
+  const RECT rect = controlRect(window(), ID_PREVIEW_FRAME);
+  return {rect.right - rect.left, rect.bottom - rect.top};
+}
+
+void PreviewDialog::invalidateFrame() {
+  if (window() == nullptr) return;
+  const RECT rect = controlRect(window(), ID_PREVIEW_FRAME);
+  InvalidateRect(window(), &rect, FALSE);
+}
+
+void PreviewDialog::releaseMouse() {
+  if (window() == nullptr || GetCapture() != window()) return;
+  releasing_ = true;
+  ReleaseCapture();
+  releasing_ = false;
+}
+
+std::optional<std::array<std::uint8_t, 3>> PreviewDialog::screenColor(Point point) const {
+  const HDC context = GetDC(window());
+  const COLORREF color = GetPixel(context, point.x, point.y);
+  ReleaseDC(window(), context);
+  if (color == CLR_INVALID) return std::nullopt;
+  return std::array<std::uint8_t, 3>{GetRValue(color), GetGValue(color), GetBValue(color)};
 }
 
 }  // namespace radiashafts

@@ -14,24 +14,6 @@
 #include "interface/win32/visual_style.h"
 
 namespace radiashafts {
-namespace {
-
-void setIcon(HWND dialog) {
-  const auto load = [](int metric) {
-    const int side = GetSystemMetrics(metric);
-    return reinterpret_cast<LPARAM>(LoadImageA(moduleInstance(), MAKEINTRESOURCEA(ID_DIALOG_ICON),
-                                               IMAGE_ICON, side, side, LR_SHARED));
-  };
-  SendMessageA(dialog, WM_SETICON, ICON_SMALL, load(SM_CXSMICON));
-  SendMessageA(dialog, WM_SETICON, ICON_BIG, load(SM_CXICON));
-}
-
-void logNoDialog(const char* name) {
-  logLine(severityError, errorMarker, "Failed to create ", name, " Dialog. GetLastError(",
-          GetLastError(), ")");
-}
-
-}  // namespace
 
 std::unique_ptr<pfPreview> MakePreview() {
   return std::make_unique<pfPreviewWin32>();
@@ -43,9 +25,8 @@ class pfPreviewWin32::Opening {
   Opening(pfPreviewWin32& preview, EditedFilter* filter, hostapi::FilterRecord* record)
       : preview_(preview) {
     interfaceEnd().reset();
-    preview.closing_ = false;
     preview.view_.open(filter, record);
-    preview.presets_.open(filter);
+    preview.parameters_.presets().open(filter);
   }
   ~Opening() {
     preview_.closeDialogs();
@@ -80,43 +61,29 @@ bool pfPreviewWin32::Show(EditedFilter* filter, hostapi::FilterRecord* record,
   return confirmed;
 }
 
-// The system's own class icons and cursors are the host's too and are left alone; each dialog has
-// its own.
 bool pfPreviewWin32::openDialogs(WidgetList* widgets) {
   if (!hostDrawsAsTold(view_.record())) view_.drawWithoutHost();
-  m_hPreview = CreateDialogParamA(
-      moduleInstance(), MAKEINTRESOURCEA(ID_PREVIEW_DIALOG), hostWindow_.ownerFor(view_.record()),
-      windowProcedure<PreviewProcedure>, reinterpret_cast<LPARAM>(this));
-  if (m_hPreview == nullptr) {
-    logNoDialog("Preview");
+  if (!preview_.create(ID_PREVIEW_DIALOG, hostWindow_.ownerFor(view_.record()), "Preview") ||
+      !parameters_.create(ID_PARAMETER_DIALOG, preview_.window(), "Interface")) {
     return false;
   }
-  setIcon(m_hPreview);
-  m_hInterface =
-      CreateDialogParamA(moduleInstance(), MAKEINTRESOURCEA(ID_PARAMETER_DIALOG), m_hPreview,
-                         windowProcedure<UIProcedure>, reinterpret_cast<LPARAM>(this));
-  if (m_hInterface == nullptr) {
-    logNoDialog("Interface");
-    return false;
-  }
-  setIcon(m_hInterface);
-  pickerCursor_ = static_cast<HCURSOR>(LoadImageA(
-      moduleInstance(), MAKEINTRESOURCEA(ID_PIPETTE_CURSOR), IMAGE_CURSOR, 0, 0, LR_DEFAULTSIZE));
+  preview_.forwardKeysTo(parameters_.window());
+  pipette_.load();
   platform::setDefaultFloatingPoint();
   view_.FitScaleToFrame();
-  editing_.open(widgets, &controls_);
+  editing_.open(widgets, &parameters_.controls());
   return !interfaceEnd().hasCome();
 }
 
 void pfPreviewWin32::prepare() {
   view_.filter().undoHistory.bEnabled = true;
-  presets_.UpdateSettingsList();
+  parameters_.presets().UpdateSettingsList();
   trace("Updated Settings List");
   view_.UpdateUndoButtons();
   trace("Updated Undo Buttons");
-  ShowWindow(m_hInterface, SW_SHOW);
-  ShowWindow(m_hPreview, SW_SHOW);
-  SetForegroundWindow(m_hInterface);  // the keyboard begins at OK
+  ShowWindow(parameters_.window(), SW_SHOW);
+  ShowWindow(preview_.window(), SW_SHOW);
+  SetForegroundWindow(parameters_.window());  // the keyboard begins at OK
   trace("windows up");
   view_.AssignScaleFactor(view_.requestedFactor());
   trace("assigned scale factor");
@@ -135,7 +102,7 @@ bool pfPreviewWin32::runMessageLoop() {
   BOOL got = TRUE;
   while (got > 0 && !end.hasCome() && (got = GetMessageA(&message, nullptr, 0, 0)) > 0) {
     for (MSG next; got > 0;) {
-      if (IsDialogMessageA(m_hInterface, &message) == FALSE) {
+      if (IsDialogMessageA(parameters_.window(), &message) == FALSE) {
         TranslateMessage(&message);
         DispatchMessageA(&message);
       }
@@ -153,24 +120,14 @@ bool pfPreviewWin32::runMessageLoop() {
 }
 
 void pfPreviewWin32::closeDialogs() {
-  closing_ = true;
   pointer_.letGo();
   editing_.close();
   hostWindow_.wake();  // before its dialogs go, or another program comes to the front
-  // Else its thread would have to look at messages for them to go.
-  if (m_hPreview != nullptr && !hostWindow_.answers()) {
-    SetWindowLongPtrA(m_hPreview, GWLP_HWNDPARENT, 0);
-  }
-  if (m_hInterface != nullptr) DestroyWindow(m_hInterface);
-  if (m_hPreview != nullptr) DestroyWindow(m_hPreview);
-  m_hInterface = m_hPreview = nullptr;
-  painting_.release();
-  if (pickerCursor_ != nullptr) DestroyCursor(pickerCursor_);
-  pickerCursor_ = nullptr;
-}
-
-void pfPreviewWin32::onDestroyed() {
-  if (!closing_) interfaceEnd().windowGone();
+  if (!hostWindow_.answers()) preview_.leaveOwner();
+  parameters_.destroy();
+  preview_.destroy();
+  preview_.release();
+  pipette_.release();
 }
 
 bool pfPreviewWin32::AlternativeColorSelection(hostapi::FilterRecord* record, double* red,
@@ -183,12 +140,12 @@ bool pfPreviewWin32::AlternativeColorSelection(hostapi::FilterRecord* record, do
   };
   CHOOSECOLORA request{};
   request.lStructSize = sizeof request;
-  request.hwndOwner = m_hInterface;
+  request.hwndOwner = parameters_.window();
   request.rgbResult = RGB(toByte(*red), toByte(*green), toByte(*blue));
   request.lpCustColors = customColors;
   request.Flags = CC_RGBINIT | CC_FULLOPEN | CC_ANYCOLOR;
   const SystemDialog dialog;
-  EnableWindow(m_hInterface, TRUE);  // the chooser rests and wakes its owner itself
+  parameters_.enable(true);  // the chooser disables and enables its owner itself
   const bool chosen = ChooseColorA(&request) != FALSE;
   if (chosen) {
     *red = GetRValue(request.rgbResult) * byteToUnit;
@@ -200,83 +157,11 @@ bool pfPreviewWin32::AlternativeColorSelection(hostapi::FilterRecord* record, do
   return chosen;
 }
 
-Extent pfPreviewWin32::frameSize() const {
-  const RECT rect = controlRect(m_hPreview, ID_PREVIEW_FRAME);
-  return {rect.right - rect.left, rect.bottom - rect.top};
-}
-
-void pfPreviewWin32::invalidateFrame() {
-  if (m_hPreview == nullptr) return;
-  const RECT rect = controlRect(m_hPreview, ID_PREVIEW_FRAME);
-  InvalidateRect(m_hPreview, &rect, FALSE);
-}
-
-void pfPreviewWin32::paintNow() {
-  UpdateWindow(m_hPreview);
-}
-
-void pfPreviewWin32::setPercentage(const std::string& text) {
-  SetDlgItemTextA(m_hInterface, ID_PERCENTAGE, text.c_str());
-}
-
-void pfPreviewWin32::setCaption(const std::string& text) {
-  SetWindowTextA(m_hPreview, text.c_str());
-}
-
-void pfPreviewWin32::enableHistory(bool undo, bool redo) {
-  enableControl(ID_UNDO, undo);
-  enableControl(ID_REDO, redo);
-}
-
-void pfPreviewWin32::enableControl(int id, bool enabled) {
-  const HWND control = GetDlgItem(m_hInterface, id);
-  if (!enabled && control != nullptr && GetFocus() == control) {
-    SendMessageA(m_hInterface, WM_NEXTDLGCTL, 0, FALSE);
-  }
-  if (enabled != (IsWindowEnabled(control) != FALSE)) EnableWindow(control, enabled ? TRUE : FALSE);
-}
-
-void pfPreviewWin32::captureMouse() {
-  SetCapture(m_hPreview);
-}
-
-void pfPreviewWin32::releaseMouse() {
-  if (m_hPreview == nullptr || GetCapture() != m_hPreview) return;
-  releasing_ = true;
-  ReleaseCapture();
-  releasing_ = false;
-}
-
-void pfPreviewWin32::usePipetteCursor(bool pipette) {
-  if (pipette == pipetteShown_) return;
-  pipetteShown_ = pipette;
-  SetCursor(pipette && pickerCursor_ != nullptr ? pickerCursor_ : LoadCursorA(nullptr, IDC_ARROW));
-}
-
-bool pfPreviewWin32::setCursor() {
-  if (!pipetteShown_ || pickerCursor_ == nullptr) return false;
-  SetCursor(pickerCursor_);
-  return true;
-}
-
-std::optional<std::array<std::uint8_t, 3>> pfPreviewWin32::screenColor(Point point) {
-  const HDC context = GetDC(m_hPreview);
-  const COLORREF color = GetPixel(context, point.x, point.y);
-  ReleaseDC(m_hPreview, context);
-  if (color == CLR_INVALID) return std::nullopt;
-  return std::array<std::uint8_t, 3>{GetRValue(color), GetGValue(color), GetBValue(color)};
-}
-
 // When they come back the parameter dialog is the active window again.
 void pfPreviewWin32::enableDialogs(bool enabled) {
-  EnableWindow(m_hInterface, enabled ? TRUE : FALSE);
-  EnableWindow(m_hPreview, enabled ? TRUE : FALSE);
-  if (enabled) SetForegroundWindow(m_hInterface);
-}
-
-Box pfPreviewWin32::controlBox(int id) const {
-  const RECT rect = controlRect(m_hInterface, id);
-  return {rect.left, rect.top, rect.right, rect.bottom};
+  parameters_.enable(enabled);
+  preview_.enable(enabled);
+  if (enabled) SetForegroundWindow(parameters_.window());
 }
 
 }  // namespace radiashafts

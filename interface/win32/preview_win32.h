@@ -1,21 +1,19 @@
-// The interface in the system's own windows: the parameter dialog over the resizable preview.
+// The interface in the system's own windows: the parameter dialog over the preview.
 #pragma once
 
-#include <windows.h>
-
+#include "interface/model/dialog_windows.h"
 #include "interface/model/parameter_editing.h"
-#include "interface/model/preset_row.h"
 #include "interface/model/preview.h"
 #include "interface/model/preview_pointer.h"
 #include "interface/model/preview_view.h"
-#include "interface/model/preview_windows.h"
-#include "interface/win32/dialog_controls.h"
 #include "interface/win32/host_window.h"
-#include "interface/win32/preview_painting.h"
+#include "interface/win32/parameter_dialog.h"
+#include "interface/win32/pipette_cursor.h"
+#include "interface/win32/preview_dialog.h"
 
 namespace radiashafts {
 
-class pfPreviewWin32 final : public pfPreview, private PreviewWindows, private PresetControls {
+class pfPreviewWin32 final : public pfPreview, private DialogWindows {
  public:
   bool Show(EditedFilter* filter, hostapi::FilterRecord* record, WidgetList* widgets) override;
   void RequestRender() override { view_.RequestRender(); }
@@ -23,82 +21,35 @@ class pfPreviewWin32 final : public pfPreview, private PreviewWindows, private P
                                  double* blue) override;
 
  private:
-  // preview_win32.cpp
   class Opening;
   bool openDialogs(WidgetList* widgets);
   void closeDialogs();
   void prepare();
   bool runMessageLoop();
 
-  // parameter_dialog.cpp
-  static INT_PTR UIProcedure(HWND dialog, UINT message, WPARAM w, LPARAM l);
-  INT_PTR onInterfaceMessage(UINT message, WPARAM w, LPARAM l);
-  void onInterfaceOpens();
-  void onInterfaceCloses();
-  WPARAM droppedPresetsWidth() const;
-  void onCommand(int id, int notification);
-  void PaintSwatches(HDC context);
-
-  // preview_dialog.cpp
-  static INT_PTR PreviewProcedure(HWND dialog, UINT message, WPARAM w, LPARAM l);
-  INT_PTR onPreviewMessage(UINT message, WPARAM w, LPARAM l);
-  void onPreviewOpens();
-  void onPreviewCloses();
-  void onSize();
-  void onKey(WPARAM key);
-  void PaintPreview();
-
-  // PreviewWindows
-  Extent frameSize() const override;
-  void invalidateFrame() override;
-  void paintNow() override;
-  void bitmapChanged() override { painting_.forgetBitmap(); }
-  void setPercentage(const std::string& text) override;
-  void setCaption(const std::string& text) override;
-  void enableHistory(bool undo, bool redo) override;
-  void captureMouse() override;
-  void releaseMouse() override;
-  void usePipetteCursor(bool pipette) override;
-  std::optional<std::array<std::uint8_t, 3>> screenColor(Point point) override;
+  Extent frameSize() const override { return preview_.frameSize(); }
+  void invalidateFrame() override { preview_.invalidateFrame(); }
+  void paintNow() override { preview_.paintNow(); }
+  void bitmapChanged() override { preview_.bitmapChanged(); }
+  void setPercentage(const std::string& text) override { parameters_.setPercentage(text); }
+  void setCaption(const std::string& text) override { preview_.setCaption(text); }
+  void enableHistory(bool undo, bool redo) override { parameters_.enableHistory(undo, redo); }
+  void captureMouse() override { preview_.captureMouse(); }
+  void releaseMouse() override { preview_.releaseMouse(); }
+  void usePipetteCursor(bool pipette) override { pipette_.use(pipette); }
+  std::optional<std::array<std::uint8_t, 3>> screenColor(Point point) override {
+    return preview_.screenColor(point);
+  }
   void enableDialogs(bool enabled) override;
-  Box controlBox(int id) const override;
+  Box controlBox(int id) const override { return parameters_.controlBox(id); }
 
-  // PresetControls, preset_row.cpp
-  int selectedPreset() const override;
-  std::optional<std::string> presetName(int index) const override;
-  std::string shownPreset() const override;
-  void clearPresets() override;
-  void addPreset(const std::string& name) override;
-  int findPreset(const std::string& name) const override;
-  void selectPreset(int index) override;
-  void enablePresets(bool choosing, bool saving, bool deleting) override;
-  const void* presetWindow() const override;
-  std::optional<std::string> choosePresetFile(const std::string& path) override;
-  std::string askPresetName(const std::string& proposed) override;
-  bool confirm(const char* text, const char* caption) override;
-  void complain(const std::string& text, const char* caption) override;
-
-  // A control that is switched off hands the keyboard on to the next one.
-  void enableControl(int id, bool enabled);
-  // Shows the pipette in place of the window's own cursor; false when it is not in use.
-  bool setCursor();
-  // A dialog that goes while the interface is open takes it along: its owner may have gone.
-  void onDestroyed();
-
-  HWND m_hInterface = nullptr;
-  HWND m_hPreview = nullptr;
   HostWindow hostWindow_;
-  bool closing_ = false;
-  bool releasing_ = false;  // the mouse, by our own will
-  bool bShowHandle = true;
-  HCURSOR pickerCursor_ = nullptr;
-  bool pipetteShown_ = false;
-  DialogControls controls_;
-  PreviewPainting painting_;
+  PipetteCursor pipette_;
   PreviewView view_{*this};
   ParameterEditing editing_{*this, view_};
   PreviewPointer pointer_{*this, view_, editing_};
-  PresetRow presets_{*this};
+  PreviewDialog preview_{view_, editing_, pointer_, pipette_};
+  ParameterDialog parameters_{view_, editing_, preview_, pipette_};
 };
 
 }  // namespace radiashafts

@@ -11,7 +11,7 @@
 #include "interface/model/control_panel.h"
 #include "interface/model/edited_filter.h"
 #include "interface/model/live_preview.h"
-#include "interface/model/preview_windows.h"
+#include "interface/model/dialog_windows.h"
 
 namespace radiashafts::test {
 
@@ -55,7 +55,7 @@ struct FakePanel final : ControlPanel {
   std::function<void(int)> textChanged;
 };
 
-struct FakeWindows final : PreviewWindows {
+struct FakeWindows final : DialogWindows {
   Extent frameSize() const override { return frame; }
   void invalidateFrame() override {}
   void paintNow() override {

@@ -10,9 +10,9 @@
 
 namespace radiashafts {
 
-class PreviewWindows {
+class DialogWindows {
  public:
-  virtual ~PreviewWindows() = default;
+  virtual ~DialogWindows() = default;
 
   virtual Extent frameSize() const = 0;  // of the preview's frame, screen pixels
   virtual void invalidateFrame() = 0;

@@ -1,15 +1,13 @@
-// The preset row's controls and prompts.
-
-#include <windows.h>
+#include "interface/win32/preset_controls.h"
 
 #include <array>
 #include <cstring>
 
 #include <commdlg.h>
 
+#include "interface/win32/dialog_controls.h"
 #include "interface/win32/dialog_ids.h"
 #include "interface/win32/interface_end.h"
-#include "interface/win32/preview_win32.h"
 #include "interface/win32/visual_style.h"
 
 namespace radiashafts {
@@ -79,62 +77,59 @@ INT_PTR SaveAsProcedure(HWND dialog, UINT message, WPARAM w, LPARAM l) {
 
 }  // namespace
 
-int pfPreviewWin32::selectedPreset() const {
-  return static_cast<int>(SendDlgItemMessageA(m_hInterface, ID_PRESETS, CB_GETCURSEL, 0, 0));
+LRESULT PresetControlsWin32::send(UINT message, WPARAM w, LPARAM l) const {
+  return SendDlgItemMessageA(dialog_.window(), ID_PRESETS, message, w, l);
 }
 
-std::optional<std::string> pfPreviewWin32::presetName(int index) const {
+int PresetControlsWin32::selectedPreset() const {
+  return static_cast<int>(send(CB_GETCURSEL));
+}
+
+std::optional<std::string> PresetControlsWin32::presetName(int index) const {
   Text text{};
   const auto place = static_cast<WPARAM>(index);
-  const LRESULT length = SendDlgItemMessageA(m_hInterface, ID_PRESETS, CB_GETLBTEXTLEN, place, 0);
+  const LRESULT length = send(CB_GETLBTEXTLEN, place);
   if (length < 0 || length >= static_cast<LRESULT>(text.size()) - 1) return std::nullopt;
-  SendDlgItemMessageA(m_hInterface, ID_PRESETS, CB_GETLBTEXT, place,
-                      reinterpret_cast<LPARAM>(text.data()));
+  send(CB_GETLBTEXT, place, reinterpret_cast<LPARAM>(text.data()));
   return text.data();
 }
 
-std::string pfPreviewWin32::shownPreset() const {
+std::string PresetControlsWin32::shownPreset() const {
   Text text{};
-  GetDlgItemTextA(m_hInterface, ID_PRESETS, text.data(), static_cast<int>(text.size()));
+  GetDlgItemTextA(dialog_.window(), ID_PRESETS, text.data(), static_cast<int>(text.size()));
   return text.data();
 }
 
-void pfPreviewWin32::clearPresets() {
-  SendDlgItemMessageA(m_hInterface, ID_PRESETS, CB_RESETCONTENT, 0, 0);
+void PresetControlsWin32::clearPresets() {
+  send(CB_RESETCONTENT);
 }
 
-void pfPreviewWin32::addPreset(const std::string& name) {
-  SendDlgItemMessageA(m_hInterface, ID_PRESETS, CB_ADDSTRING, 0,
-                      reinterpret_cast<LPARAM>(name.c_str()));
+void PresetControlsWin32::addPreset(const std::string& name) {
+  send(CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(name.c_str()));
 }
 
-int pfPreviewWin32::findPreset(const std::string& name) const {
-  return static_cast<int>(SendDlgItemMessageA(m_hInterface, ID_PRESETS, CB_FINDSTRINGEXACT,
-                                              static_cast<WPARAM>(-1),
-                                              reinterpret_cast<LPARAM>(name.c_str())));
+int PresetControlsWin32::findPreset(const std::string& name) const {
+  return static_cast<int>(
+      send(CB_FINDSTRINGEXACT, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(name.c_str())));
 }
 
-void pfPreviewWin32::selectPreset(int index) {
-  SendDlgItemMessageA(m_hInterface, ID_PRESETS, CB_SETCURSEL, static_cast<WPARAM>(index), 0);
+void PresetControlsWin32::selectPreset(int index) {
+  send(CB_SETCURSEL, static_cast<WPARAM>(index));
 }
 
-void pfPreviewWin32::enablePresets(bool choosing, bool saving, bool deleting) {
-  enableControl(ID_PRESETS, choosing);
-  enableControl(ID_SAVE_PRESET, saving);
-  enableControl(ID_DELETE_PRESET, deleting);
-}
-
-const void* pfPreviewWin32::presetWindow() const {
-  return m_hInterface;
+void PresetControlsWin32::enablePresets(bool choosing, bool saving, bool deleting) {
+  enableControl(dialog_.window(), ID_PRESETS, choosing);
+  enableControl(dialog_.window(), ID_SAVE_PRESET, saving);
+  enableControl(dialog_.window(), ID_DELETE_PRESET, deleting);
 }
 
 // No file must exist: a new name begins a new file.
-std::optional<std::string> pfPreviewWin32::choosePresetFile(const std::string& path) {
+std::optional<std::string> PresetControlsWin32::choosePresetFile(const std::string& path) {
   Text text{};
   std::strncpy(text.data(), path.c_str(), text.size() - 1);
   OPENFILENAMEA request{};
   request.lStructSize = sizeof request;
-  request.hwndOwner = m_hInterface;
+  request.hwndOwner = dialog_.window();
   request.lpstrFilter = "Presets File (*.cfg)\0*.cfg\0";
   request.nFilterIndex = 1;
   request.lpstrFile = text.data();
@@ -152,24 +147,24 @@ std::optional<std::string> pfPreviewWin32::choosePresetFile(const std::string& p
   return chosen ? std::optional<std::string>(text.data()) : std::nullopt;
 }
 
-std::string pfPreviewWin32::askPresetName(const std::string& proposed) {
-  if (m_hInterface == nullptr) return {};
-  SaveAsRequest request{&presets_, proposed, {}};
+std::string PresetControlsWin32::askPresetName(const std::string& proposed) {
+  if (dialog_.window() == nullptr) return {};
+  SaveAsRequest request{&row_, proposed, {}};
   const SystemDialog dialog;
   const INT_PTR result =
-      DialogBoxParamA(moduleInstance(), MAKEINTRESOURCEA(ID_SAVE_AS_DIALOG), m_hInterface,
+      DialogBoxParamA(moduleInstance(), MAKEINTRESOURCEA(ID_SAVE_AS_DIALOG), dialog_.window(),
                       windowProcedure<SaveAsProcedure>, reinterpret_cast<LPARAM>(&request));
   return result == -1 ? std::string() : request.agreed;
 }
 
-bool pfPreviewWin32::confirm(const char* text, const char* caption) {
+bool PresetControlsWin32::confirm(const char* text, const char* caption) {
   const SystemDialog dialog;
-  return MessageBoxA(m_hInterface, text, caption, MB_YESNO | MB_ICONQUESTION) == IDYES;
+  return MessageBoxA(dialog_.window(), text, caption, MB_YESNO | MB_ICONQUESTION) == IDYES;
 }
 
-void pfPreviewWin32::complain(const std::string& text, const char* caption) {
+void PresetControlsWin32::complain(const std::string& text, const char* caption) {
   const SystemDialog dialog;
-  MessageBoxA(m_hInterface, text.c_str(), caption, MB_OK | MB_ICONEXCLAMATION);
+  MessageBoxA(dialog_.window(), text.c_str(), caption, MB_OK | MB_ICONEXCLAMATION);
 }
 
 }  // namespace radiashafts

@@ -1,0 +1,48 @@
+// The parameter dialog, which holds the controls and the preset row.
+#pragma once
+
+#include <windows.h>
+
+#include <string>
+
+#include "interface/model/parameter_editing.h"
+#include "interface/model/preview_view.h"
+#include "interface/win32/dialog.h"
+#include "interface/win32/dialog_controls.h"
+#include "interface/win32/pipette_cursor.h"
+#include "interface/win32/preset_controls.h"
+#include "interface/win32/preview_dialog.h"
+
+namespace radiashafts {
+
+class ParameterDialog final : public Dialog {
+ public:
+  ParameterDialog(PreviewView& view, ParameterEditing& editing, PreviewDialog& preview,
+                  const PipetteCursor& pipette)
+      : view_(view), editing_(editing), preview_(preview), pipette_(pipette) {}
+
+  PresetRow& presets() { return presets_.row(); }
+  ControlPanel& controls() { return controls_; }
+
+  void setPercentage(const std::string& text);
+  void enableHistory(bool undo, bool redo);
+  // The place of a control in the client area.
+  Box controlBox(int id) const;
+
+ private:
+  INT_PTR onMessage(UINT message, WPARAM w, LPARAM l) override;
+  void onOpen();
+  void onDestroy();
+  WPARAM droppedPresetsWidth() const;
+  void onCommand(int id, int notification);
+  void PaintSwatches(HDC context);
+
+  PreviewView& view_;
+  ParameterEditing& editing_;
+  PreviewDialog& preview_;
+  const PipetteCursor& pipette_;
+  DialogControls controls_;
+  PresetControlsWin32 presets_{*this};
+};
+
+}  // namespace radiashafts

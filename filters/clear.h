@@ -1,4 +1,4 @@
-// Zeroes a tight float image, the weight behind the channels included.
+// Sets a float image without gaps to 0, weights included.
 #pragma once
 
 #include <algorithm>

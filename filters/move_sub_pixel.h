@@ -24,10 +24,10 @@ class MoveSubPixelImageFilter final : public HalvorsundFilter {
   double offsetX = 0.0;
   double offsetY = 0.0;
 
-  // The walk's direction follows the sign of the offset, so that samples read pixels that are not
-  // yet overwritten. At the near edge of a negative offset the fraction is negative: the value is
-  // extrapolated from the pixel itself and its neighbour, which is overwritten by then. That edge
-  // is wanted as it is; with a positive offset the far edge is clamped instead.
+  // The direction of the walk follows the sign of the offset, so that it reads pixels before they
+  // are overwritten. At the near edge of a negative offset the fraction is negative: the value is
+  // extrapolated from the pixel and its neighbour, which is already overwritten. This is intended.
+  // With a positive offset the far edge is clamped instead.
   std::int32_t run(std::int32_t stage, std::int32_t stages) override {
     const std::int32_t height = image.height;
     for (std::int32_t finished = 0; finished < height; ++finished) {
@@ -39,21 +39,21 @@ class MoveSubPixelImageFilter final : public HalvorsundFilter {
   }
 
  private:
-  static constexpr std::int32_t stretch = 128;  // pixels read before any of them is written
+  static constexpr std::int32_t runLength = 128;  // pixels read before any of them is written
 
-  // Stretches follow the walk; the pixel at its end goes alone.
+  // Moves runs of pixels in the direction of the walk; the last pixel is a run of its own.
   void moveRow(std::int32_t y) const {
     const std::int32_t others = image.width - 1;
-    for (std::int32_t moved = 0; moved < others; moved += stretch) {
-      const std::int32_t count = std::min(stretch, others - moved);
-      moveStretch(y, offsetX < 0.0 ? image.width - moved - count : moved, count);
+    for (std::int32_t moved = 0; moved < others; moved += runLength) {
+      const std::int32_t count = std::min(runLength, others - moved);
+      moveRun(y, offsetX < 0.0 ? image.width - moved - count : moved, count);
     }
-    moveStretch(y, offsetX < 0.0 ? 0 : others, 1);
+    moveRun(y, offsetX < 0.0 ? 0 : others, 1);
   }
 
-  void moveStretch(std::int32_t y, std::int32_t first, std::int32_t count) const {
+  void moveRun(std::int32_t y, std::int32_t first, std::int32_t count) const {
     constexpr int channels = Image::Pixel::channels;
-    std::array<double, static_cast<std::size_t>(stretch) * channels> moved;
+    std::array<double, static_cast<std::size_t>(runLength) * channels> moved;
     sampleBilinear(image, {y, offsetX, offsetY}, first, count, moved.data());
     float* const samples = image.at(first, y);
     for (int i = 0; i < count * channels; ++i) samples[i] = static_cast<float>(moved[i]);

@@ -1,4 +1,4 @@
-// Scales an image by the host's 8-bit selection mask, alpha included.
+// Multiplies an image, alpha included, by the host's 8-bit selection mask.
 #pragma once
 
 #include <cstdint>

@@ -1,5 +1,5 @@
-// Decides how much of each pixel takes part: tests hue, saturation and lightness against ranges,
-// shapes what passes with a curve, and multiplies a picture by the result or writes it alone.
+// Selects pixels by ranges of hue, saturation and lightness. A curve over each range gives the
+// selection value of a pixel, from 0 to 1; the picture is multiplied by it, or it is written alone.
 #pragma once
 
 #include <algorithm>
@@ -19,11 +19,11 @@
 namespace radiashafts {
 inline namespace RADIASHAFTS_INSTRUCTION_SET {
 
-// An axis made ready for testing.
+// The selection curve over one axis.
 class AxisCurve {
  public:
-  // A wrapped axis has lo in 0 to 1 and its range at most one turn long. An axis that can exceed 1
-  // is not wrapped.
+  // wrapped: values repeat with period 1, so the range is shifted to begin in 0 to 1 and is at most
+  // one turn long. An axis whose values can exceed 1 is not wrapped.
   AxisCurve(const SelectionAxis& axis, double offset, bool wrapped)
       : lo_(std::min(axis.low, axis.high) + offset), hi_(std::max(axis.low, axis.high) + offset) {
     if (wrapped) {
@@ -37,12 +37,12 @@ class AxisCurve {
     exponent_ = axis.soften;
   }
 
-  // Every value from 0 to 1 passes, and passes as 1: there is no need to know the value.
+  // Every value from 0 to 1 is selected with 1, so the value need not be computed.
   bool isOpen() const { return lo_ == 0.0 && hi_ == fullTurn && !(exponent_ > 0.0); }
 
-  // 0 to 1; takes lanes whose value lies outside the range out of passed.
+  // The curve at v, 0 to 1. Clears the lanes of passed whose value is outside the range.
   Lanes operator()(Lanes v, LaneMask& passed) const {
-    // A range that reaches past 1 takes values below it one turn up.
+    // Values below the range are tried one turn higher.
     const LaneMask below = v < lo_;
     v = choose(below, v + 1.0, v);
     passed &= (v < hi_) | (~below & (v <= hi_));
@@ -67,7 +67,7 @@ class AxisCurve {
   double lo_, hi_, scale_, peak_, exponent_;
 };
 
-// Lightness of a float picture can exceed 1, so its axis is neither wrapped nor limited there.
+// The lightness of a float picture can exceed 1, so its axis is neither wrapped nor clamped to 1.
 template <class Pixel>
 class SelectionCurve {
  public:
@@ -79,8 +79,8 @@ class SelectionCurve {
         lightness_(selection.lightness, selection.lightnessOffset, !isFloat),
         lightnessAlone_(hue_.isOpen() && saturation_.isOpen()) {}
 
-  // The products of the axes' curves for the colour channels of pixels as they stand in the
-  // picture; 0 for a pixel that is not selected.
+  // The product of the three curves for pixels given by their colour channels in the picture's
+  // range; 0 for a pixel that is not selected.
   Lanes selectionValue(const Lanes* color) const {
     const Rgb rgb = asRgb<Pixel::colorChannels>(color, Pixel::toUnit);
     LaneMask passed = ~LaneMask{};
@@ -211,8 +211,8 @@ class HslRangeSelectionFilter final : public RowFilter {
     return image.contains(0, row) ? static_cast<std::uint32_t>(image.width) : 0;
   }
 
-  // Premultiplies on the way in, whatever the view says of itself, and alpha with the colours:
-  // alpha comes out squared. That is wanted, the shading of the rays counts on it.
+  // Premultiplies while reading, even if the view is premultiplied, and alpha too, so alpha is
+  // squared. This is intended: the shading of the rays depends on it.
   static Working readPremultiplied(const typename Source::Stored* sample) {
     Working pixel;
     for (int c = 0; c < SourcePixel::channels; ++c) pixel[c] = sample[c];
@@ -223,7 +223,7 @@ class HslRangeSelectionFilter final : public RowFilter {
     return pixel;
   }
 
-  // Here the product with alpha is single precision and, for integers, truncated to the sample.
+  // Here the product with alpha is in single precision and, for integers, truncated to the sample.
   void readSelectionColor(const typename Colour::Stored* sample, double* color) const {
     using Pixel = typename Colour::Pixel;
     for (int c = 0; c < selectionColors; ++c) color[c] = sample[c];

@@ -1,4 +1,4 @@
-// How fast a ray fades, for both ray filters.
+// The decay of rays, for both ray filters.
 #pragma once
 
 #include <cmath>
@@ -10,16 +10,15 @@
 namespace radiashafts {
 inline namespace RADIASHAFTS_INSTRUCTION_SET {
 
-// Steps after which a ray has fallen to 1/1024, for a picture of width x height and a length
-// already squared. A picture with a diagonal of 800 pixels has 1000 at full length.
+// Steps in which a ray decays to 1/1024, for a picture of width x height and a squared length. A
+// picture with a diagonal of 800 pixels has 1000 steps at full length.
 inline double raySteps(std::int32_t width, std::int32_t height, double squaredLength) {
-  const std::int32_t squaredDiagonal =
-      width * width + height * height;  // the render takes no side above 32767
+  const std::int32_t squaredDiagonal = width * width + height * height;  // no side is above 32767
   return std::sqrt(static_cast<double>(squaredDiagonal)) * squaredLength * 1000.0 /
          std::sqrt(640000.0);
 }
 
-// The factor of one step, 0.0001 at least.
+// The decay factor of one step, at least 0.0001.
 inline double decayFactorFor(double steps) {
   constexpr double smallest = 0.0001;
   constexpr double faded = 0.0009765625;  // 1/1024

@@ -1,4 +1,4 @@
-// What the selection is told, the same for every set of instructions.
+// The parameters of the selection: plain data, the same type for every instruction set.
 #pragma once
 
 #include <type_traits>

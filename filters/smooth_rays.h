@@ -13,9 +13,9 @@
 namespace radiashafts {
 inline namespace RADIASHAFTS_INSTRUCTION_SET {
 
-// Each pixel becomes the mean of itself and the pixel one step nearer to the origin, which counts
-// for all the weight it has gathered, times decayFactor. The nearer pixel is already updated, so
-// the order of the walk makes the picture, and everything runs on the calling thread.
+// Each pixel becomes the weighted mean of itself and the pixel one step nearer to the origin, whose
+// weight is its accumulated weight times decayFactor. The nearer pixel is already updated, so the
+// picture depends on the order of the walk, and everything runs on the calling thread.
 template <class Image>
 class RadiashaftsSmoothFilter final : public HalvorsundFilter {
  public:
@@ -31,7 +31,7 @@ class RadiashaftsSmoothFilter final : public HalvorsundFilter {
     const std::int32_t h = image.height;
     ox_ = originX - image.frameX;
     oy_ = originY - image.frameY;
-    // The steps are whole here, so that short lengths change coarsely.
+    // A whole number of steps, so short lengths change in coarse steps.
     const std::int32_t steps = toInt32(raySteps(w, h, length * length));
     decayFactor_ = decayFactorFor(steps);
 
@@ -56,7 +56,7 @@ class RadiashaftsSmoothFilter final : public HalvorsundFilter {
     return oy_ - k < 0 && oy_ + k >= image.height && ox_ - k < 0 && ox_ + k >= image.width;
   }
 
-  // The next ring that can touch the image; one ring wholly outside may still be walked.
+  // The next ring that can touch the image; one ring that is wholly outside may be walked too.
   std::int32_t nextRing(std::int32_t k) const {
     return std::max({k + 1, -ox_ - 1, ox_ - image.width, -oy_ - 1, oy_ - image.height});
   }
@@ -143,8 +143,8 @@ class RadiashaftsSmoothFilter final : public HalvorsundFilter {
     double neighborShare;
   };
 
-  // Past the far edge the nearest pixel is held at the last one while the share keeps the value
-  // of the unheld position, so that the mix leans on the pixel before. That is wanted.
+  // Past the far edge the nearest pixel is clamped to the last one, but the share is that of the
+  // unclamped position, so the pixel before gets more weight. This is intended.
   static Crossing crossingAt(double position, std::int32_t extent) {
     const auto whole = static_cast<std::int32_t>(position);
     const std::int32_t nearest = std::clamp(whole, 0, extent - 1);
@@ -184,7 +184,8 @@ class RadiashaftsSmoothFilter final : public HalvorsundFilter {
     *weight = total;
     for (int c = 0; c < Pixel::channels; ++c) {
       const double mixed = b[c] * u + a[c] * v;
-      // The first of several channels multiplies in another order; only its last bit tells.
+      // The first of several channels multiplies in another order, which changes its last bit. This
+      // is intended.
       const double spread = c == 0 && Pixel::channels > 1 ? decayFactor_ * mixed * gathered
                                                           : mixed * gathered * decayFactor_;
       p[c] = static_cast<float>(spread + p[c]) * inverse;

@@ -22,9 +22,10 @@
 namespace radiashafts {
 inline namespace RADIASHAFTS_INSTRUCTION_SET {
 
-// Each ray walks outward with a running sum of what it has passed, which decays at every step, and
-// deposits sum and weight in an accumulation image. The last step divides sums by weights: every
-// pixel becomes a weighted mean of the picture nearer to the origin on the rays that cross it.
+// Each ray walks outward and keeps a sum of the pixels that it has passed, which decays at every
+// step. At every step it adds the sum and its weight to an accumulation image. At the end sums are
+// divided by weights: every pixel becomes a weighted mean of the pixels between it and the origin,
+// along the rays that cross it.
 //
 // The result is bit for bit that of one thread walking the sides top, right, bottom and left, ray
 // by ray. Rays that step in the same direction meet in a pixel only at the same step, so blocks of
@@ -81,25 +82,27 @@ class RadiashaftsStraightFilter final : public HalvorsundFilter {
     bool operator==(const Direction&) const = default;
   };
 
-  // The channels of one pixel with its weight behind them.
+  // The channels of one pixel, then its weight.
   static constexpr int groups = (AccumulationPixel::samples + laneCount - 1) / laneCount;
   using PixelLanes = std::array<Lanes, groups>;
   using WrappingLanes [[gnu::vector_size(sizeof(WholeLanes))]] = std::uint32_t;
 
   struct Ray {
     Border border;
-    double sums[groups * laneCount];  // of the steps walked so far; hosts do not align for lanes
+    double sums[groups * laneCount];  // of the steps walked so far; not Lanes, because the host's
+                                      // memory is not aligned for them
   };
 
-  // The bar steps back when the walk begins: the clear has its own position.
+  // Reports its own third of the progress, so the bar steps back when the walk begins.
   std::int32_t clearAccumulation() {
     ClearImageFilter<AccumulationImage> clear(*host);
     clear.image = accumulationImage_;
     return clear.run(3 * stage_, 3 * stages_);
   }
 
-  // How many rays a side casts, in walking order top, right, bottom, left: none when the origin is
-  // beyond the side. Each border pixel belongs to one side, a corner to the side that ends there.
+  // Number of rays to a side; sides are walked in the order top, right, bottom, left. None when the
+  // origin is beyond the side. Each border pixel belongs to one side, a corner to the one that ends
+  // there.
   std::int32_t sideRays(int side) const {
     const bool runs[4] = {oy_ >= 0, ox_ < image.width, oy_ < image.height, ox_ >= 0};
     if (!runs[side]) return 0;
@@ -175,7 +178,7 @@ class RadiashaftsStraightFilter final : public HalvorsundFilter {
         const std::int32_t stepsHere = std::min(stepsInBlock, steps - firstStep);
         walkSteps<byColumns>(ray, start + sign * firstStep, stepsHere, sign, decayFactor);
       }
-      // Each block reports its part of the rays.
+      // Each block reports its share of the rays.
       for (std::int32_t ray = rays * block / blocks; ray < rays * (block + 1) / blocks; ++ray) {
         const std::int32_t status = report(threadIndex);
         if (status != host->NoErrorCode()) return status;
@@ -191,8 +194,8 @@ class RadiashaftsStraightFilter final : public HalvorsundFilter {
     return status != host->NoErrorCode() ? status : pipeline.status();
   }
 
-  // Where the steps of a ray cross the lines of pixels that lie across the walk: between which two
-  // pixels of a line, and how far from the first to the second. Several steps to an element.
+  // For each step of a ray the two pixels, across the walking axis, between which it passes, and
+  // the bilinear share of each. An element holds as many steps as there are lanes.
   struct Crossings {
     static constexpr std::int32_t elements = stepsInBlock / laneCount;
     std::array<WholeLanes, elements> first;  // number of the pixel in the image
@@ -202,8 +205,8 @@ class RadiashaftsStraightFilter final : public HalvorsundFilter {
   };
   static constexpr std::int32_t outside = -1;
 
-  // Distance times rise is a product in 32 bits, which wraps for origins very far outside. Those
-  // rays are wanted as they come out.
+  // Distance times rise is a product in 32 bits, which wraps for origins very far outside. This is
+  // intended: the picture of such origins depends on it.
   template <bool byColumns>
   void findCrossings(Border border, std::int32_t position, std::int32_t count, std::int32_t sign,
                      Crossings& crossings) const {
@@ -224,7 +227,7 @@ class RadiashaftsStraightFilter final : public HalvorsundFilter {
       const auto climbed =
           reinterpret_cast<WholeLanes>(reinterpret_cast<WrappingLanes>(distance + step) * rise);
       const Lanes t = toDouble(climbed) / run + base;
-      // False also for what is not a number: a ray of no length.
+      // False also for a NaN, which a ray of no length has.
       const LaneMask inside = (t >= 0.0) & (t < extent);
       const WholeLanes whole = toWhole(choose(inside, t, Lanes{}));
       const WholeLanes pixel = (position + step) * along + whole * across;
@@ -235,8 +238,8 @@ class RadiashaftsStraightFilter final : public HalvorsundFilter {
     }
   }
 
-  // Part of one ray: from position on along the walking axis, count steps, if any. A position
-  // outside the image across the axis deposits nothing but still decays.
+  // Walks count steps of one ray from position on along the walking axis; count may be 0 or less. A
+  // step outside the image across the axis adds nothing, but the sum decays.
   template <bool byColumns>
   void walkSteps(Ray& ray, std::int32_t position, std::int32_t count, std::int32_t sign,
                  double decayFactor) const {
@@ -251,7 +254,7 @@ class RadiashaftsStraightFilter final : public HalvorsundFilter {
       const std::int32_t first = crossings.first[i][lane];
       if (first == outside) continue;
       const std::int32_t second = crossings.second[i][lane];
-      fetch(first + pixelsAhead * (byColumns ? sign * image.width : -sign));
+      prefetch(first + pixelsAhead * (byColumns ? sign * image.width : -sign));
       // The sample is read by linear interpolation between the two pixels, and the sum is given to
       // the same two with the same shares.
       const Lanes shareOfFirst = allLanes(crossings.shareOfFirst[i][lane]);
@@ -264,14 +267,14 @@ class RadiashaftsStraightFilter final : public HalvorsundFilter {
     std::memcpy(ray.sums, &sums, sizeof sums);
   }
 
-  // Asks the memory for what rays to come will touch: no processor foresees their slanted walks.
-  // The rays turn clockwise.
-  void fetch(std::int32_t pixel) const {
+  // Prefetches what the next rays will touch; they turn clockwise. Hardware prefetchers do not
+  // recognise slanted walks.
+  void prefetch(std::int32_t pixel) const {
     __builtin_prefetch(pixelAt(pixel));
     __builtin_prefetch(sumAt(pixel), 1);
   }
 
-  // Both images are tight.
+  // Both images are without gaps.
   const float* pixelAt(std::int32_t number) const {
     return image.at(0, 0) + static_cast<std::ptrdiff_t>(number) * Pixel::samples;
   }
@@ -280,7 +283,7 @@ class RadiashaftsStraightFilter final : public HalvorsundFilter {
            static_cast<std::ptrdiff_t>(number) * AccumulationPixel::samples;
   }
 
-  // A sample's weight is 1, and its share of it is rounded to single precision.
+  // The weight of a sample is 1; its share is rounded to single precision.
   static void addSample(const float* sample, Lanes share, PixelLanes& sums) {
     for (int group = 0; group < groups; ++group) {
       SingleLanes samples{};
@@ -308,7 +311,7 @@ class RadiashaftsStraightFilter final : public HalvorsundFilter {
     }
   }
 
-  // Set in the one lane that holds the weight.
+  // All bits set in the lane that holds the weight.
   template <class Mask>
   static Mask weightIn(int group) {
     Mask mask{};
@@ -345,7 +348,7 @@ class RadiashaftsStraightFilter final : public HalvorsundFilter {
     return host->NoErrorCode();
   }
 
-  // One border pixel or one resolved row is done.
+  // Reports one more ray or resolved row.
   std::int32_t report(std::int32_t threadIndex) {
     return host->Progress(stage_ * progressTotal_ + progressCounter_++, stages_ * progressTotal_,
                           threadIndex);

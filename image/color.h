@@ -1,5 +1,5 @@
-// Colour arithmetic in hue, saturation and lightness, of several pixels at once. Everything is in
-// the scale 0 to 1 and in double precision; hue is a sextant number from 0 to 6.
+// Conversions between RGB and hue, saturation, lightness, for several pixels at once, in double
+// precision. All values are in 0 to 1 except hue, which is in 0 to 6, one unit for each sextant.
 #pragma once
 
 #include <array>
@@ -10,8 +10,8 @@
 namespace radiashafts {
 inline namespace RADIASHAFTS_INSTRUCTION_SET {
 
-// How much each channel counts for a pixel's brightness. Two channels use the first two, so that
-// their weights add up to less than 1; grey uses its value alone.
+// Weights of the channels in the luminance. Two-channel pixels use the first two weights, whose sum
+// is less than 1; grey pixels use the value itself.
 inline constexpr std::array<double, 3> luminanceWeights{0.292687786, 0.552149646, 0.155162568};
 
 template <int Channels, class Number>
@@ -30,8 +30,7 @@ struct Hsl {
   Lanes h, s, l;
 };
 
-// Colours of fewer than three channels enter as (c0, c1, 0) and (v, 0, 0), so that grey behaves as
-// a pure red.
+// Two-channel pixels become (c0, c1, 0) and grey ones (v, 0, 0), so grey behaves as a pure red.
 template <int Channels>
 Rgb asRgb(const Lanes* color, double factor) {
   Rgb rgb{color[0] * factor, Lanes{}, Lanes{}};
@@ -59,13 +58,15 @@ inline Hsl rgbToHsl(Rgb c) {
           choose(grey, Lanes{}, saturation), lightness};
 }
 
-// A channel's way from p up to q and back as its hue goes from 0 to 4 of 6.
+// The value of a channel whose hue, shifted to that channel, is in 0 to 6: rises from p to q over
+// 0 to 1, is q to 3, falls back to p at 4, and is p beyond.
 inline Lanes hueToChannel(Lanes p, Lanes q, Lanes hue) {
   const Lanes part = max(Lanes{}, min(hue, 4.0 - hue));
   return choose((hue >= 1.0) & (hue < 3.0), q, (q - p) * part + p);
 }
 
-// Hue is from 0 to 6. Each channel is rounded to single precision; results depend on it.
+// Hue is from 0 to 6. Each channel is rounded to single precision. This is intended: results depend
+// on it.
 inline Rgb hslToRgb(Hsl c) {
   const Lanes q = choose(c.l > 0.5, (c.l + c.s) - c.l * c.s, (c.s + 1.0) * c.l);
   const Lanes p = 2.0 * c.l - q;

@@ -10,8 +10,8 @@
 namespace radiashafts {
 inline namespace RADIASHAFTS_INSTRUCTION_SET {
 
-// A filter is built on the caller's stack, filled field by field, run once and dropped. It does not
-// own the host or any image.
+// A filter is a local object of its caller: its fields are set, run is called once. It owns neither
+// the host nor any image.
 class HalvorsundFilter {
  public:
   explicit HalvorsundFilter(HalvorsundHost& services) : host(&services) {}
@@ -26,12 +26,12 @@ class HalvorsundFilter {
   HalvorsundHost* host;
 };
 
-// A filter whose rows are independent of one another: the pool runs them in any order.
+// A filter whose rows do not depend on each other: the pool runs them in any order.
 class RowFilter : public HalvorsundFilter {
  public:
   using HalvorsundFilter::HalvorsundFilter;
 
-  // Handles one iteration, on a pool thread.
+  // Does one iteration, on a pool thread: one row, or one of iterations bands of rows.
   virtual std::int32_t processRow(std::int32_t index, std::int32_t iterations,
                                   std::int32_t threadIndex) = 0;
 
@@ -45,7 +45,7 @@ class RowFilter : public HalvorsundFilter {
     return host->RunIterations(iterations, {this, callRow});
   }
 
-  // The standard run: one iteration a row of an image of the given height.
+  // The usual run: one iteration for each row of an image of the given height.
   std::int32_t runRows(std::int32_t height, std::int32_t stagePosition, std::int32_t stageCount) {
     stage = stagePosition;
     stages = stageCount;
@@ -61,11 +61,11 @@ class RowFilter : public HalvorsundFilter {
   std::int32_t stages = 1;
 };
 
-// A working buffer from the host, given back at the end of its scope.
+// A working buffer from the host, freed by the destructor.
 class HostBuffer {
  public:
-  // Empty when width x height x elementBytes does not fit the 32 bits that Allocate takes, or when
-  // the host has no memory.
+  // Holds no buffer when width x height x elementBytes exceeds the 32 bits of Allocate, or when the
+  // host has no memory.
   HostBuffer(HalvorsundHost& host, std::int32_t width, std::int32_t height,
              std::int32_t elementBytes)
       : host_(host) {

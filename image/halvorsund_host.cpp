@@ -32,7 +32,7 @@ std::int32_t HalvorsundHost::ThreadCount(std::int32_t* count, std::int32_t reque
 std::int32_t HalvorsundHost::RunIterations(std::int32_t iterations, IterationCallback callback) {
   std::int32_t count = 1;
   ThreadCount(&count, -1);
-  // On 64 and more processors the answer is -1, which means all that the pool can hold.
+  // With 64 or more processors the count is -1: as many as the pool can have.
   ThreadPool& pool = ThreadPool::Instance();
   pool.init(count > 0 ? count : ThreadPool::maximumSlots);
   return pool.iterate(iterations, callback);

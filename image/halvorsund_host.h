@@ -8,7 +8,7 @@
 
 namespace radiashafts {
 
-// What a filter object is named and numbered by.
+// Name and version of a filter.
 struct FilterIdentity {
   std::string name;
   std::string vendor;
@@ -34,9 +34,9 @@ class HalvorsundHost {
   virtual void* Allocate(std::uint32_t size);
   virtual void Free(void* pointer);
 
-  // Writes the number of threads to share work over: that of the processors, or the smaller of it
-  // and a positive request. On a machine of 64 or more processors the request itself is written,
-  // -1 included; this is wanted, and the pool holds what it makes of it in 1 to 64.
+  // Writes the number of threads to use: that of the processors, or the request if it is positive
+  // and smaller. With 64 or more processors the request itself is written, even -1. This is
+  // intended: the pool clamps it to 1 to 64.
   virtual std::int32_t ThreadCount(std::int32_t* count, std::int32_t requested);
 
   // Runs the iterations on the pool and returns the calling thread's status. Throws what a callback
@@ -49,7 +49,7 @@ class HalvorsundHost {
   const FilterIdentity& identity() const { return identity_; }
 
  protected:
-  // Split off for machines that the tests do not have.
+  // Separate, so that tests can name any number of processors.
   static std::int32_t threadCountFor(std::int32_t processors, std::int32_t requested);
 
  private:

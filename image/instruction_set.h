@@ -1,6 +1,6 @@
-// What the pixel work is compiled for. Its sources are compiled once for each set of instructions;
-// all that they define stands in a namespace of the set's own, or the linker would take one set's
-// code for another's.
+// The instruction set that this translation unit is compiled for. Code on pixels is compiled once
+// for each set, and everything that it defines is in an inline namespace named after the set:
+// otherwise the linker would merge the definitions and could keep the AVX2 one for all processors.
 #pragma once
 
 #ifdef __AVX2__

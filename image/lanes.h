@@ -1,4 +1,4 @@
-// Several doubles in step, one a lane: neighbouring pixels, or the channels of one.
+// Vectors of doubles: one lane holds one of several neighbouring pixels, or one channel of a pixel.
 #pragma once
 
 #include <cmath>
@@ -15,9 +15,9 @@
 namespace radiashafts {
 inline namespace RADIASHAFTS_INSTRUCTION_SET {
 
-// As wide as the instructions. Every operation is the scalar one in each lane, to the last bit.
-// Code on lanes decides by choosing between two results that it has both worked out: what the
-// colours of a photograph ask of branches no processor foresees.
+// As wide as the registers of the instruction set. Every operation gives in each lane exactly the
+// result of the scalar operation. Where scalar code would branch, both results are computed and one
+// is selected per lane, because branches on image data mispredict.
 inline constexpr int laneCount = instructionSet == InstructionSet::avx2 ? 4 : 2;
 
 using Lanes [[gnu::vector_size(laneCount * sizeof(double))]] = double;
@@ -25,7 +25,7 @@ using SingleLanes [[gnu::vector_size(laneCount * sizeof(float))]] = float;
 using WholeLanes [[gnu::vector_size(laneCount * sizeof(std::int32_t))]] = std::int32_t;
 using LaneMask [[gnu::vector_size(laneCount * sizeof(std::int64_t))]] = std::int64_t;  // 0 or -1
 
-// What function makes of each lane's index.
+// Lane i of the result is function(i).
 template <class Function>
 Lanes eachLane(const Function& function) {
   Lanes result;
@@ -33,7 +33,7 @@ Lanes eachLane(const Function& function) {
   return result;
 }
 
-// The same value in every lane.
+// Broadcasts the value to every lane.
 inline Lanes allLanes(double value) {
   return eachLane([=](int) { return value; });
 }
@@ -42,7 +42,7 @@ inline Lanes choose(LaneMask mask, Lanes whereSet, Lanes elsewhere) {
   return mask ? whereSet : elsewhere;
 }
 
-// Like their namesakes in the standard library: where a NaN takes part the first argument stays.
+// As std::min and std::max: when an argument is a NaN, the result is a.
 inline Lanes min(Lanes a, Lanes b) {
   return b < a ? b : a;
 }
@@ -60,8 +60,9 @@ inline Lanes sqrt(Lanes value) {
   return eachLane([=](int lane) { return std::sqrt(value[lane]); });
 }
 
-// Conversions are of whole vectors: the compiler's own vectors of scalar ones lose the rounding,
-// and four lanes it takes apart to convert two at a time. Whole numbers are truncated toward zero.
+// Conversions of whole vectors. Lane-wise scalar conversions would lose the rounding to single
+// precision when the compiler vectorizes them, and it splits four lanes into two pairs. Conversion
+// to whole numbers truncates toward zero.
 #ifdef __AVX2__
 inline SingleLanes toSingle(Lanes value) {
   return _mm256_cvtpd_ps(value);
@@ -96,7 +97,7 @@ inline Lanes toDouble(WholeLanes value) {
 }
 #endif
 
-// Samples of a picture, wide enough for each integer type.
+// Lanes that hold samples of a picture; integer samples of any width fit 32 bits.
 template <class Sample>
 using LanesOf = std::conditional_t<std::is_floating_point_v<Sample>, SingleLanes, WholeLanes>;
 

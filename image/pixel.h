@@ -1,4 +1,4 @@
-// The compile-time description of a pixel, and the scale its values are on.
+// The compile-time description of a pixel and of the scale of its values.
 #pragma once
 
 #include <algorithm>
@@ -13,8 +13,8 @@
 namespace radiashafts {
 inline namespace RADIASHAFTS_INSTRUCTION_SET {
 
-// Layouts say which sample of an interleaved pixel is which channel. Alpha stands behind the
-// colours; an index of -1 says that there is none.
+// Layouts: the position of each channel among the samples of an interleaved pixel. Alpha follows
+// the colours; its index is -1 when there is none.
 template <int Alpha>
 struct LayoutGrayPixel {
   static constexpr int colorChannels = 1;
@@ -34,9 +34,9 @@ struct LayoutRGBAPixel {
   static constexpr int alphaIndex = Alpha;
 };
 
-// One pixel of Sample values. HasAlpha 0 ignores the layout's alpha index. HasWeight 1 adds one
-// float sample behind the channels, the weight that the ray filters gather. Range is the value of
-// full scale and belongs to the render's depth: a float working pixel of an 8-bit render has 255.
+// One pixel. HasAlpha 0 ignores the layout's alpha index. HasWeight 1 adds one float sample after
+// the channels, the weight that the ray filters accumulate. Range is the value of full scale for
+// the depth of the render: the float working pixels of an 8-bit render have the range 255.
 template <class Layout, class SampleType, int HasAlpha, int HasWeight, int Range>
 struct PixelRGB {
   using Sample = SampleType;
@@ -49,7 +49,7 @@ struct PixelRGB {
 
   static constexpr int rangeNumber = Range;
   static constexpr double range = Range;
-  // Factor that takes a value to the scale 0 to 1; multiplied, never divided by its inverse.
+  // Factor from a value to the scale 0 to 1. Results depend on multiplying by it, not dividing.
   static constexpr double toUnit = Range == 255     ? byteToUnit
                                    : Range == 32768 ? 3.0517578125e-05
                                                     : 1.0;
@@ -59,16 +59,16 @@ struct PixelRGB {
   using WithWeight = PixelRGB<Layout, Sample, HasAlpha, 1, Range>;
 };
 
-// A coordinate or count as a whole number: truncated toward zero and held within a billion of 0, so
-// that sums with picture sides stay in 32 bits; a NaN becomes 0.
+// A coordinate or count as an integer: truncated toward zero and clamped to +-1e9, so that sums
+// with picture sides fit 32 bits. A NaN becomes 0.
 inline std::int32_t toInt32(double value) {
   constexpr double limit = 1e9;
   if (!(value > -limit)) return value < 0.0 ? -1'000'000'000 : 0;
   return static_cast<std::int32_t>(std::min(value, limit));
 }
 
-// Converts to the sample type: floats by narrowing, integers by truncation toward zero. What an
-// integer sample cannot hold becomes the nearest value that it can, and a NaN becomes 0.
+// Converts to the sample type: floats by narrowing, integers by truncation toward zero. Values
+// beyond an integer type's limits are clamped, and a NaN becomes 0.
 template <class Sample>
 Sample toSample(double value) {
   if constexpr (std::is_floating_point_v<Sample>) {
@@ -79,7 +79,7 @@ Sample toSample(double value) {
   }
 }
 
-// A value held in 0 to the range's full scale; a NaN becomes 0.
+// The value clamped to 0 to Pixel::range; a NaN becomes 0.
 template <class Pixel>
 double clampToRange(double value) {
   return value > 0.0 ? std::min(value, Pixel::range) : 0.0;
@@ -90,8 +90,8 @@ Lanes clampToRange(Lanes value) {
   return choose(value > 0.0, min(value, allLanes(Pixel::range)), Lanes{});
 }
 
-// Colours held in what a picture stores: integers in the range, floats at 0 only; those pass a NaN
-// on. What comes back is ready for a cast to the sample.
+// Clamps colours to what a picture can store: integers to 0 to Pixel::range, floats to 0 and above,
+// where a NaN stays. The result can be cast to the sample type.
 template <class Pixel>
 Lanes clampToStored(Lanes value) {
   if constexpr (std::is_floating_point_v<typename Pixel::Sample>) {

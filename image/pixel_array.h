@@ -11,9 +11,9 @@
 namespace radiashafts {
 inline namespace RADIASHAFTS_INSTRUCTION_SET {
 
-// Strided is 1 for the host's buffers: the distance between pixels is read from the view, since
-// they may hold more planes than the pixel type uses, and samples may stand at any address. It is 0
-// for buffers of ours, whose pixels are as far apart as they are large.
+// Strided is 1 for the host's buffers: the pixel stride is read from the view, because pixels may
+// have more planes than the pixel type uses, and samples may be unaligned. It is 0 for our own
+// buffers, whose pixels are adjacent.
 template <class PixelType, int Reserved, int Strided>
 struct PixelArray {
   using Pixel = PixelType;
@@ -46,7 +46,7 @@ struct PixelArray {
   }
 };
 
-// A tight image of the given size over a buffer that the caller owns.
+// A view without gaps of a buffer that the caller owns.
 template <class Image>
 Image tightView(std::int32_t width, std::int32_t height, void* buffer) {
   Image view;

@@ -1,5 +1,5 @@
-// Powers that come out the same on every system and every processor: the systems' own math
-// libraries differ in the last bit, and pictures would with them.
+// Powers that are the same on every system and processor. The systems' math libraries differ in the
+// last bit, and so would the pictures.
 #pragma once
 
 namespace radiashafts {

@@ -10,15 +10,15 @@
 namespace radiashafts {
 inline namespace RADIASHAFTS_INSTRUCTION_SET {
 
-// Where a row is read: shift is less than 1 in size, and its sum with any coordinate is exact, such
-// as a half.
+// The row to sample and the shift of the sampling positions: less than 1 in absolute value, and
+// with an exact sum with any coordinate, as 0.5 has.
 struct SampleRow {
   std::int32_t y;
   double shiftX;
   double shiftY;
 };
 
-// All channels of count pixels of a tight float image from column first on, each read by bilinear
+// All channels of count pixels, from column first on, of a float image without gaps, by bilinear
 // interpolation at (x + shiftX, y + shiftY), in double precision. A position is truncated toward
 // zero: less than one pixel left of or above the image the fraction comes out negative and the
 // value is extrapolated. A tap past the right or bottom edge repeats the edge pixel.
@@ -31,7 +31,7 @@ void sampleBilinear(const Image& image, SampleRow row, std::int32_t first, std::
   const double fy = y - iy;
   const std::int32_t lowerY = iy == image.height - 1 ? iy : iy + 1;
 
-  // Pixels that have their place between two columns in common.
+  // A run of pixels that share the fraction of the position and the distance to the right tap.
   const auto sampleStretch = [&](std::int32_t x, std::int32_t pixels) {
     const auto ix = static_cast<std::int32_t>(x + row.shiftX);
     const double fx = x + row.shiftX - ix;
@@ -49,7 +49,7 @@ void sampleBilinear(const Image& image, SampleRow row, std::int32_t first, std::
     result += static_cast<std::ptrdiff_t>(pixels) * channels;
   };
 
-  // The first column of a negative shift and the last of another one are read in their own way.
+  // The first column (negative shift) or the last one (otherwise) has taps of its own.
   const std::int32_t edge = row.shiftX < 0.0 ? 0 : image.width - 1;
   const std::int32_t end = first + count;
   if (edge < first || edge >= end) return sampleStretch(first, count);

@@ -1,4 +1,4 @@
-// Samples in memory that the host has laid out.
+// Samples in the host's buffers.
 #pragma once
 
 #include "image/instruction_set.h"
@@ -6,11 +6,11 @@
 namespace radiashafts {
 inline namespace RADIASHAFTS_INSTRUCTION_SET {
 
-// A sample that may stand at any address: rows of a host need not begin where its type wants to.
-// Reads and writes cost what those of aligned samples do.
+// A sample at any address: the rows of a host need not be aligned for the sample type. On this
+// processor, reads and writes of it are the same instructions as of aligned samples.
 template <class Sample>
 struct [[gnu::packed]] StoredSample {
-  // NOLINTNEXTLINE(google-explicit-constructor): it is a sample wherever one is wanted.
+  // NOLINTNEXTLINE(google-explicit-constructor): converts like a plain sample.
   operator Sample() const { return value; }
   StoredSample& operator=(Sample sample) {
     value = sample;

@@ -9,8 +9,8 @@
 namespace radiashafts {
 inline namespace RADIASHAFTS_INSTRUCTION_SET {
 
-// An adjustment by three amounts from -1 to 1: hue up to half a turn either way, saturation,
-// lightness. It changes colours at neutral amounts too, in their last bits.
+// An adjustment by three amounts from -1 to 1: hue by up to half a turn in either direction,
+// saturation, lightness. Amounts of 0 change colours too, in their last bits.
 class HslAdjustment {
  public:
   HslAdjustment(double hue, double saturation, double lightness)
@@ -22,8 +22,8 @@ class HslAdjustment {
   // Colours in the scale 0 to 1.
   Rgb operator()(Rgb color) const {
     Hsl hsl = rgbToHsl(color);
-    // A hue of exactly 0, which every grey and every pure red has, keeps its saturation. The test
-    // is part of the look and is not to be widened.
+    // A hue of exactly 0, which every grey and every pure red has, keeps its saturation. This is
+    // intended; the look depends on it.
     hsl.s = choose(hsl.h != 0.0, saturated(hsl.s, color), hsl.s);
     hsl.h += hue_ * 3.0;
     hsl.h = choose(hsl.h > 6.0, hsl.h - 6.0, choose(hsl.h < 0.0, hsl.h + 6.0, hsl.h));
@@ -32,8 +32,8 @@ class HslAdjustment {
   }
 
  private:
-  // A boost is weighted with the chroma: weak colours stay weak and only clear ones take all of it.
-  // At a full 1 every colour does.
+  // A boost is weighted by the chroma, so that weak colours stay weak. At an amount of 1 every
+  // colour gets the full boost.
   Lanes saturated(Lanes saturation, Rgb c) const {
     if (!(saturation_ > 0.0)) return saturation * (saturation_ + 1.0);
     const Lanes chroma = max(max(abs(c.r - c.g), abs(c.r - c.b)), abs(c.g - c.b));

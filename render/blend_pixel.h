@@ -1,4 +1,4 @@
-// Lays shaded ray pixels over picture pixels: the formulas of the blend modes.
+// The formulas of the blend modes: shaded ray pixels over picture pixels.
 #pragma once
 
 #include <array>
@@ -12,11 +12,11 @@
 namespace radiashafts {
 inline namespace RADIASHAFTS_INSTRUCTION_SET {
 
-// Channels of pixels as doubles in the render's range, alpha last where the layout has it.
+// The channels of as many pixels as there are lanes, in the render's range; alpha is the last.
 template <class Pixel>
 using PixelValues = std::array<Lanes, Pixel::channels>;
 
-// Of one or two channels, 0 takes part too.
+// For one or two channels the result is at least 0.
 template <class Pixel>
 Lanes largestColor(const PixelValues<Pixel>& pixel) {
   Lanes largest = Pixel::colorChannels == 3 ? pixel[0] : max(pixel[0], Lanes{});
@@ -24,9 +24,8 @@ Lanes largestColor(const PixelValues<Pixel>& pixel) {
   return largest;
 }
 
-// The blend of a few pixels in one mode. Both come unpremultiplied, and base is changed in place,
-// alpha included. Members without alpha are the same formulas with both alphas at full, so that a
-// mix by the ray's alpha is its target itself.
+// Blends pixels in one mode. Both are unpremultiplied; base is changed in place, alpha included.
+// Layouts without alpha use the same formulas with both alphas at 1.
 template <class Pixel>
 class PixelBlend {
  public:
@@ -174,7 +173,7 @@ class PixelBlend {
     setHsl({r.h, r.s, b.l});
   }
 
-  // Takes the ray's hue, not the base's. That is wanted in every layout.
+  // Uses the ray's hue, not the base's. This is intended in every layout.
   void luminosity() {
     const auto [b, r] = premultipliedHsl();
     setHsl({r.h, b.s, r.l});
@@ -184,8 +183,7 @@ class PixelBlend {
     base_ = ray_;
   }
 
-  // Replaces each colour by what formula makes of its index, the premultiplied base and the
-  // premultiplied ray.
+  // Sets colour k to formula(k, premultiplied base, premultiplied ray), for each k.
   template <class Formula>
   void each(const Formula& formula) {
     for (int k = 0; k < colors; ++k) {
@@ -202,13 +200,13 @@ class PixelBlend {
     return (target - b) * rayAlpha_ + b;
   }
 
-  // The part of the ray that stands where the base does not cover.
+  // The part of the ray where the base is transparent.
   Lanes uncovered(Lanes p) const {
     if constexpr (!hasAlpha) return Lanes{};
     return (1.0 - baseAlpha_) * p;
   }
 
-  // Both in the scale 0 to 1; the base decides which half.
+  // Both are in 0 to 1; the base selects the half of the formula.
   static Lanes overlaid(Lanes base, Lanes ray) {
     const Lanes one = allLanes(1.0);
     return choose(base < 0.5, 2.0 * base * ray,
@@ -246,7 +244,7 @@ class PixelBlend {
     if constexpr (hasAlpha) base_[colors] = alpha;
   }
 
-  // Brightness, weighted with the alpha in the scale 0 to 1.
+  // Luminance times alpha; alpha is in 0 to 1.
   static Lanes blendLuma(const PixelValues<Pixel>& pixel, Lanes alpha) {
     const Lanes luma = luminance<colors>(pixel.data());
     if constexpr (hasAlpha) return luma * alpha;
@@ -270,8 +268,8 @@ class PixelBlend {
     finishAlpha();
   }
 
-  // Turns a premultiplied result back into colour and alpha, raising alpha where the colour demands
-  // it. Grey with alpha stays multiplied; that is wanted.
+  // Divides a premultiplied result by alpha, which is first raised to the largest colour where that
+  // is larger. Grey with alpha stays premultiplied. This is intended.
   void finishAlpha() {
     if constexpr (hasAlpha && colors > 1) {
       const Lanes largest = largestColor<Pixel>(base_);

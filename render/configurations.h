@@ -16,8 +16,8 @@ inline constexpr int configurationCount = 18;
 // The mask is 8-bit grey, whatever the depth of the picture.
 using MaskImage = PixelArray<PixelRGB<LayoutGrayPixel<-1>, std::uint8_t, 0, 0, 255>, 0, 1>;
 
-// Numbers run by depth (32, 16, 8), within it by alpha (with, without), within it by colour planes
-// (1, 2, 3).
+// The order is: depth 32, 16, 8; in each depth with alpha, then without; in each of these 1, 2, 3
+// colour planes.
 constexpr int configurationNumber(int depth, bool hasAlpha, int colorPlanes) {
   const int depthRow = depth == 32 ? 0 : depth == 16 ? 1 : 2;
   return depthRow * 6 + (hasAlpha ? 0 : 3) + colorPlanes;

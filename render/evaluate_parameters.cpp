@@ -9,7 +9,7 @@
 namespace radiashafts {
 namespace {
 
-// The effect selects by lightness alone; hue and saturation stay neutral.
+// The effect selects by lightness only; hue and saturation keep their defaults.
 SelectionParameters selectionOf(const EffectParameters& parameters, SelectionShowMode show) {
   SelectionParameters selection;
   selection.selectionOnly =

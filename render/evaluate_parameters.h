@@ -1,4 +1,4 @@
-// How parameters become the numbers of the formulas.
+// Computes the values of a render from the effect's parameters.
 #pragma once
 
 #include <cstdint>

@@ -36,8 +36,8 @@ class RadiashaftsEffect final : public RowFilter {
   Mask mask;          // its data may be null
   RenderValues values;
 
-  // The passes have their own fixed positions in the render, and the arguments are not looked at. A
-  // status other than NoErrorCode skips the passes that follow.
+  // The arguments are not used: the passes have fixed positions in the progress of the render. A
+  // status other than NoErrorCode skips the remaining passes.
   std::int32_t run(std::int32_t, std::int32_t) override {
     const HostBuffer rays(*host, output.width, output.height, Pixel::bytes);
     const HostBuffer gamma(*host, GammaTable<Pixel>::entries, 1, sizeof(float));
@@ -50,7 +50,7 @@ class RadiashaftsEffect final : public RowFilter {
     return values.show == SelectionShowMode::normal ? renderRays() : showSelection();
   }
 
-  // The last pass: shades and blends a band of rows. The last band takes the remainder.
+  // The last pass: shades and blends one band of rows. The last band has the remaining rows too.
   std::int32_t processRow(std::int32_t index, std::int32_t iterations,
                           std::int32_t threadIndex) override {
     const std::int32_t height = output.height;
@@ -105,8 +105,8 @@ class RadiashaftsEffect final : public RowFilter {
     return filter.run(position, passCount);
   }
 
-  // The picture moves by half a pixel before the smear and is read back by the same amount the
-  // other way in the last pass.
+  // The picture is moved by half a pixel before the smear; the last pass samples it with the
+  // opposite shift.
   std::int32_t smear() {
     const double offsetX = offsetFor(values.originX);
     const double offsetY = offsetFor(values.originY);
@@ -145,12 +145,12 @@ class RadiashaftsEffect final : public RowFilter {
   static constexpr std::int32_t blockPixels = 64;
   static constexpr int channels = HostPixel::channels;
 
-  // Neighbouring pixels of a row, as many to an element as there are lanes. What is not filled is
-  // 0, so that lanes behind the last pixel of a row have something to work on.
+  // Neighbouring pixels of a row; an element has as many as there are lanes. Lanes past the end of
+  // a row are 0.
   using Block = std::array<PixelValues<HostPixel>, blockPixels / laneCount>;
 
-  // Step after step over a block, not pixel after pixel: a pixel's steps wait for one another, and
-  // those of its neighbours fill the time.
+  // Each step runs over the whole block before the next one: the steps of one pixel depend on each
+  // other, those of its neighbours do not and run in parallel in the processor.
   void shadeRow(const RayShading<HostPixel>& shading, std::int32_t y) const {
     for (std::int32_t first = 0; first < output.width; first += blockPixels) {
       const std::int32_t count = std::min(blockPixels, output.width - first);
@@ -194,7 +194,7 @@ class RadiashaftsEffect final : public RowFilter {
     return pixels;
   }
 
-  // Alpha is stored without being held in the range.
+  // Alpha is stored without a clamp to the range.
   void writePixels(std::int32_t first, std::int32_t y, std::int32_t count,
                    const Block& pixels) const {
     eachElement(count, [&](std::int32_t i, auto lanes) {
@@ -214,8 +214,8 @@ class RadiashaftsEffect final : public RowFilter {
     });
   }
 
-  // Calls step(number of the element, its lanes) for count pixels. The lanes are a constant, but
-  // for the rest of a row.
+  // Calls step(index of the element, number of its pixels) for count pixels. That number is a
+  // compile-time constant except in the last element of a row.
   template <class Step>
   static void eachElement(std::int32_t count, const Step& step) {
     const std::int32_t whole = count / laneCount;
@@ -230,7 +230,7 @@ class RadiashaftsEffect final : public RowFilter {
     const Lanes dx = (values.originX - x) * inverseRadius * values.viewScaleX;
     const double dy = (values.originY - y) * inverseRadius * values.viewScaleY;
     const Lanes falloff = 1.0 - sqrt(dx * dx + dy * dy);
-    // Beyond the radius rays are faint and not gone.
+    // Beyond the radius rays are faint, not absent.
     return choose(falloff <= 0.0, allLanes(0.0001), falloff);
   }
 

@@ -1,4 +1,4 @@
-// What happens to a ray's sample before it is blended: intensity, tint, contrast, gamma, alpha and
+// The shading of a ray's pixels before the blend: intensity, tint, contrast, gamma, alpha and
 // colour adjustment.
 #pragma once
 
@@ -17,7 +17,7 @@
 namespace radiashafts {
 inline namespace RADIASHAFTS_INSTRUCTION_SET {
 
-// The gamma curve of the integer pipelines, 32768 entries whatever the depth, in the render's
+// The gamma curve of the integer configurations: 32768 entries at every depth, in the render's
 // range.
 template <class Pixel>
 class GammaTable {
@@ -34,7 +34,7 @@ class GammaTable {
     }
   }
 
-  // The entries for values in 0 to the range.
+  // The indices of the entries for values from 0 to Pixel::range.
   static WholeLanes indexOf(Lanes value) {
     constexpr double factor =
         Pixel::rangeNumber == 255 ? 128.49803921568628 : 0.999969482421875;  // 32767 / range
@@ -45,7 +45,7 @@ class GammaTable {
 template <class Pixel>
 class RayShading {
  public:
-  // gammaTable is read by the integer pipelines only and outlives this.
+  // gammaTable is read by the integer configurations only and has to outlive this object.
   RayShading(const RenderValues& values, const float* gammaTable)
       : intensity_(values.intensity),
         colorBalance_(values.colorBalance),
@@ -56,8 +56,8 @@ class RayShading {
         adjustment_(values.hue, values.saturation, values.lightness),
         gammaTable_(gammaTable) {}
 
-  // The three steps of the shading work in place, in this order. Samples come multiplied by their
-  // alpha and leave with alpha divided out.
+  // The three steps of the shading, in place and called in this order. Pixels are premultiplied
+  // before light and unpremultiplied after tone.
   void light(PixelValues<Pixel>& ray, Lanes falloff) const {
     const Lanes strength = intensity_ * falloff;
     for (Lanes& channel : ray) channel *= strength;
@@ -86,8 +86,8 @@ class RayShading {
   static constexpr bool hasAlpha = Pixel::hasAlpha;
   static constexpr bool isFloat = std::is_floating_point_v<typename Pixel::Sample>;
 
-  // 0 for black to 1 for full. The colours are multiplied by alpha already, so alpha counts twice:
-  // a weight that is wanted.
+  // 0 for black, 1 for full scale. The colours are premultiplied, so alpha is multiplied in twice.
+  // This is intended.
   Lanes balancedBrightness(const PixelValues<Pixel>& ray) const {
     Lanes t = luminance<colors>(ray.data());
     if constexpr (hasAlpha) t = t * ray[colors] * Pixel::toUnit;
@@ -96,7 +96,7 @@ class RayShading {
                                 : (colorBalance_ + 1.0) * t;
   }
 
-  // Dark rays take the low color, rays at full the high one.
+  // Dark rays get the low color, rays at full scale the high one.
   void tint(PixelValues<Pixel>& ray, Lanes t) const {
     const Lanes part = max((t - 0.5) * 2.0, Lanes{});
     for (int k = 0; k < colors; ++k) {
@@ -106,7 +106,7 @@ class RayShading {
     }
   }
 
-  // Contrast is a gain without a pivot: it lifts black by contrast times the middle.
+  // Contrast is a gain without a pivot: black becomes contrast times the middle.
   Lanes toned(Lanes value) const {
     constexpr double middle = Pixel::range * 0.5;
     const Lanes lifted = contrast_ * (value + middle) + value;
@@ -120,7 +120,7 @@ class RayShading {
     }
   }
 
-  // Raises alpha just far enough to hold the colour, then divides it out.
+  // Raises alpha to the largest colour, then divides the colours by it.
   static void divideAlphaOut(PixelValues<Pixel>& ray) {
     Lanes& alpha = ray[colors];
     const Lanes largest = largestColor<Pixel>(ray);

@@ -29,8 +29,8 @@ constexpr auto configurationIndexes = std::make_integer_sequence<int, configurat
 constexpr auto sse2RenderTable = makeRenderTable<InstructionSet::sse2>(configurationIndexes);
 constexpr auto avx2RenderTable = makeRenderTable<InstructionSet::avx2>(configurationIndexes);
 
-// The fastest that the processor has. An environment that says "sse2" holds it at that, so that the
-// two can be compared.
+// The table for the widest instruction set of the processor. RADIASHAFTS_INSTRUCTION_SET=sse2 in
+// the environment selects SSE2, so that the two can be compared.
 const auto& renderTable() {
   static const bool fast = [] {
     const char* wanted = std::getenv("RADIASHAFTS_INSTRUCTION_SET");
@@ -47,14 +47,13 @@ int sampleDepth(std::int32_t depth) {
       return 16;
     case 8:
     case 0:
-      return 8;  // hosts that know 8 bits only leave the field at 0
+      return 8;  // hosts with 8 bits only leave the field at 0
     default:
       return 0;
   }
 }
 
-// Whether what the host has filled for the rectangle is as large as the picture. Hosts clip
-// requests.
+// Whether the host's buffer for rect is as large as the picture: hosts clip requests.
 bool covers(const hostapi::Rect& rect, std::int32_t width, std::int32_t height) {
   return rect.right - rect.left >= width && rect.bottom - rect.top >= height;
 }
@@ -97,10 +96,10 @@ std::int16_t renderRecord(HalvorsundHost& host, const EffectParameters& paramete
   if (buffers.width > hostapi::maximumSide || buffers.height > hostapi::maximumSide) return 0;
   if (buffers.input == nullptr || buffers.output == nullptr) return 0;
   if (!covers(record->inRect, buffers.width, buffers.height)) return 0;
-  // Without a mask its rectangle is not ours, and hosts leave pointers behind.
+  // Without a mask the host may leave an old pointer and rectangle in the record.
   if (!covers(record->maskRect, buffers.width, buffers.height)) buffers.mask = nullptr;
 
-  // Whole image pixels for a view pixel: the divisions are of integers.
+  // Image pixels for each view pixel; integer divisions.
   const std::int32_t scaleX = record->imageSize.h / buffers.width;
   const std::int32_t scaleY = record->imageSize.v / buffers.height;
   const ViewGeometry view{

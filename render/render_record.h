@@ -1,4 +1,4 @@
-// The door from the host's untyped record into the typed pipeline.
+// From the host's untyped record to the typed render.
 #pragma once
 
 #include <cstdint>
@@ -9,7 +9,7 @@
 
 namespace radiashafts {
 
-// What a picture is made of, as far as the render uses it.
+// The parts of a picture's format that the render uses.
 struct PictureLayout {
   int colorPlanes;  // those that are rendered; 0 where nothing can be
   bool hasAlpha;
@@ -18,10 +18,10 @@ struct PictureLayout {
 
 PictureLayout pictureLayoutOf(const hostapi::FilterRecord* record);
 
-// Renders what stands in the record's buffers with the parameters as they are now. previewLevel is
-// added to the view's scale; 0 for a final render. A picture that the effect does not treat, an
-// empty one, or one whose input is smaller than the output is left alone with status 0. So is a
-// mask that is smaller.
+// Renders the picture in the record's buffers with the current parameters. previewLevel is added to
+// the scale of the view; it is 0 in a final render. Returns 0 and changes nothing when the effect
+// does not support the picture's format, or the picture is empty, or the input is smaller than the
+// output. A mask that is smaller than the output is ignored.
 std::int16_t renderRecord(HalvorsundHost& host, const EffectParameters& parameters,
                           std::int32_t previewLevel, const hostapi::FilterRecord* record);
 

@@ -1,4 +1,4 @@
-// The one text of all configurations; included by the generated source files alone.
+// The source of all configurations, included only by the generated source files.
 
 #include "render/configurations.h"
 #include "render/radiashafts_effect.h"

@@ -1,4 +1,4 @@
-// The numbers of the formulas: plain data, the same for every set of instructions.
+// The values that a render works with: plain data, the same type for every instruction set.
 #pragma once
 
 #include <array>

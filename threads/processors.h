@@ -5,7 +5,7 @@ namespace radiashafts {
 // Logical processors that this process may use, at least 1.
 int processorCount();
 
-// Number of the processor that the calling thread is on, for this moment at least.
+// Number of the processor that the calling thread runs on now.
 int currentProcessor();
 
 // Moves the calling thread to another processor, if it may use one. It may come back later.

@@ -49,14 +49,14 @@ void ThreadPool::forgetLostWorkers() {
   if (threadCount_ > 1 && !slots_[1].worker.exists()) threadCount_ = running_ = 1;
 }
 
-// Why every worker enters a call at most once, and never one that is over:
+// Why every worker enters a call at most once, and never one that has ended:
 //
-// The number of a call and its places, one for each worker, are set in one store. A worker enters
-// by taking a place in one compare-exchange of all that it has read, so the call that it enters is
-// the one that it read, and open; served keeps it from taking a second place. The caller takes back
-// the places that are left, in one step too, and then waits until nobody is inside. From there to
-// the next store no worker gets in, so the caller alone touches the slots. A worker reads its
-// slot's share of the call only inside.
+// The caller sets the number of a call and its places, one for each worker, in one atomic store. A
+// worker enters by a compare-exchange that takes a place and fails if anything has changed since it
+// read the handshake; so it enters the call that it read, while that call is open. served keeps it
+// from taking a second place. At the end the caller sets the places to 0, again atomically, and
+// waits until no worker is inside. Until the next call opens no worker can enter, so only the
+// caller accesses the slots. A worker reads its slot only while it is inside.
 template <class Edit>
 void ThreadPool::change(const Edit& edit) {
   Handshake now = handshake_;
@@ -81,7 +81,7 @@ void ThreadPool::serveCalls(WorkerSlot& slot) {
       return now.dismissed != 0 || (now.places > 0 && now.call != slot.served);
     });
     if (now.dismissed != 0) return;
-    // A system may wake a worker on the caller's processor and let the two take turns there.
+    // The system may wake a worker on the caller's processor, where the two would take turns.
     if (currentProcessor() == callersProcessor_) {
       leaveProcessor(callersProcessor_);
     }
@@ -112,7 +112,7 @@ void ThreadPool::openCall() {
   }
 }
 
-// Nobody waits for a worker that comes when no iteration is left.
+// Does not wait for workers that have not entered when no iteration is left.
 void ThreadPool::waitForWorkers(std::int32_t iterations) {
   monitor_.waitUntil([&] {
     const Handshake now = handshake_;

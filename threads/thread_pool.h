@@ -11,8 +11,8 @@
 
 namespace radiashafts {
 
-// What an iteration runs: a context and a function that gets it back with the iteration's number,
-// the count of iterations and the slot of the thread it runs on. The status 0 is success.
+// The function of an iteration and its first argument. The others are the iteration's number, the
+// number of iterations and the slot of the thread. The status 0 is success.
 struct IterationCallback {
   using Function = std::int32_t (*)(void* context, std::int32_t iteration, std::int32_t iterations,
                                     std::int32_t threadIndex);
@@ -32,14 +32,14 @@ class ThreadPool {
   // The one pool of the process.
   static ThreadPool& Instance();
 
-  // Makes the pool ready with count slots, the calling thread's included, held in 1 to 64. The
-  // count of the first call stays; later ones try again to make what the system had no threads for.
+  // Starts workers for count slots, the calling thread's included, clamped to 1 to 64. The count of
+  // the first call is kept; later calls try again to start threads that the system refused.
   void init(std::int32_t count);
 
-  // Runs iterations 0 to iterations - 1, handed out one by one in rising order, behind an init. A
-  // thread whose callback fails takes no more of them, the others go on. Returns the status of the
-  // calling thread's share alone. After an exception no more iterations begin; the first one is
-  // thrown here when all threads are done. Calls may not overlap.
+  // Runs iterations 0 to iterations - 1, distributed one by one in rising order. Call init first. A
+  // thread whose callback fails takes no more iterations, the others continue. Returns the status
+  // of the calling thread's iterations only. After an exception no more iterations begin; the first
+  // exception is thrown here when all threads are done. Calls may not overlap.
   std::int32_t iterate(std::int32_t iterations, IterationCallback callback);
 
   // Keeps the workers in their loop between calls. A system can take milliseconds to put a sleeping
@@ -58,7 +58,7 @@ class ThreadPool {
     ThreadPool& pool_;
   };
 
-  // Ends the workers that were made.
+  // Ends the workers.
   void free();
 
   // Slots in use, the calling thread's included; 0 before init.

@@ -4,8 +4,8 @@
 
 namespace radiashafts {
 
-// A thread that waits for something to do. Between two runs none of the module's code is on its
-// stack that unloading the module would pull away.
+// A thread that runs a function at a time. Between two runs none of the module's code is on its
+// stack, so on Windows the module can be unloaded.
 class Worker {
  public:
   using Function = void (*)(void* context);
@@ -15,16 +15,16 @@ class Worker {
   Worker(const Worker&) = delete;
   Worker& operator=(const Worker&) = delete;
 
-  // Makes the thread; false when the system gives none.
+  // Starts the thread; false when the system refuses.
   bool start();
-  // Lets go of the thread. Does nothing when there is none.
+  // Ends the thread. Does nothing when there is none.
   void stop();
-  // A process that was forked off does not have the threads of the one that it came from.
+  // False also in a forked process, which does not have its parent's threads.
   bool exists() const;
 
-  // Runs the function on the thread. The next run comes after a wait.
+  // Runs the function on the thread. Call wait before the next run.
   void run(Function function, void* context);
-  // Returns when the function has returned. What it wrote is then visible.
+  // Returns when the function has returned; what it wrote is visible then.
   void wait();
 
  private:

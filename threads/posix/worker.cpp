@@ -13,7 +13,7 @@ namespace radiashafts {
 struct Worker::State {
   std::mutex mutex;
   std::condition_variable changed;
-  Function function = nullptr;  // not null while there is something to do
+  Function function = nullptr;  // not null while a run is wanted or in progress
   void* context = nullptr;
   bool quit = false;
   const pid_t process = getpid();
@@ -56,7 +56,7 @@ bool Worker::exists() const {
   return state_ != nullptr && state_->process == getpid();
 }
 
-// What belongs to a thread of another process is left as it is: nobody answers there.
+// The state of a parent process's thread is leaked: its mutex may be locked forever.
 void Worker::stop() {
   if (!exists()) {
     static_cast<void>(state_.release());

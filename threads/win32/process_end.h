@@ -2,8 +2,8 @@
 
 namespace radiashafts {
 
-// Whether the process is ending rather than the module being unloaded: all other threads are gone
-// then, and what they held is never given back.
+// Whether the process is ending, as opposed to the module being unloaded. All other threads have
+// been terminated then, and locks that they held stay locked.
 extern bool processIsEnding;
 
 }  // namespace radiashafts

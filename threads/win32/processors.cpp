@@ -13,7 +13,7 @@ int currentProcessor() {
   return static_cast<int>(GetCurrentProcessorNumber());
 }
 
-// A mask speaks of one group of processors only, so a thread that may use several stays.
+// An affinity mask covers one processor group only, so a thread that may use several is not moved.
 void leaveProcessor(int processor) {
   if (GetActiveProcessorGroupCount() > 1) return;
   DWORD_PTR ofProcess = 0;

@@ -1,5 +1,5 @@
 // Workers on a thread pool of the system: idle threads wait in the system's code, not in the
-// module's, so that the module can be unloaded at any time without waiting for anybody.
+// module's, so that the module can be unloaded at any time without waiting for a thread.
 
 #include "threads/worker.h"
 #include <windows.h>

@@ -45,7 +45,7 @@ struct ParameterFacts {
 
 // In the order of validation, of script writing and of preset files.
 // clang-format off
-inline constexpr std::array<ParameterFacts, 22> effectTable{{
+inline constexpr auto effectTable = std::to_array<ParameterFacts>({
     {.name = "Origin", .kind = ParameterKind::position, .defaults = {0.5, 0.5},
      .minimum = 0.0, .maximum = 1.0, .bound = Bound::none,
      .keys = {{{"ORIX", "origin x", "1.0 is rightmost pixel"},
@@ -143,7 +143,7 @@ inline constexpr std::array<ParameterFacts, 22> effectTable{{
      .minimum = 0.0, .maximum = 1.0, .bound = Bound::none,
      .controls = {1040}, .labels = {"randomize"},
      .randomizable = false, .storedInPreset = false, .updatesPreview = false},
-}};
+});
 // clang-format on
 
 // A script key as the host's descriptors hold it; 0 for none.

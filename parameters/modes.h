@@ -2,7 +2,6 @@
 #pragma once
 
 #include <array>
-#include <cstddef>
 #include <cstdint>
 
 namespace radiashafts {
@@ -57,6 +56,13 @@ inline constexpr auto blendModeNames = std::to_array<const char*>({
 #undef RADIASHAFTS_NAME
 });
 
-static_assert(static_cast<std::size_t>(BlendMode::replace) == blendModeNames.size());
+static_assert([] {
+  int previous = 0;
+#define RADIASHAFTS_FOLLOWS(number, identifier, name) \
+  if ((number) != ++previous) return false;
+  RADIASHAFTS_BLEND_MODES(RADIASHAFTS_FOLLOWS)
+#undef RADIASHAFTS_FOLLOWS
+  return true;
+}());
 
 }  // namespace radiashafts

@@ -84,9 +84,9 @@ std::int32_t pfFilter::PumpMessages(std::int32_t threadIndex) {
   constexpr std::chrono::milliseconds pumpInterval(2);
   const auto now = std::chrono::steady_clock::now();
   if (threadIndex == 0 && now - lastPump >= pumpInterval) {
-    const bool open = callHost(platform::pumpPendingMessages);  // may run the host's procedures
+    const bool quit = !callHost(platform::pumpPendingMessages);  // may run the host's procedures
     lastPump = std::chrono::steady_clock::now();
-    if (!open) quitRenderTick = nRenderStartTick;
+    if (quit) quitRenderTick = nRenderStartTick;
   }
   if (bInterfaceEnded || quitRenderTick == nRenderStartTick) return -1;  // on every thread
   const bool superseded = bRenderPending && bLivePreview &&

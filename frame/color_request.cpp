@@ -1,4 +1,4 @@
-// Asking the user for a colour.
+// The colour chooser: the host's where there is one, else the interface's own.
 
 #include <algorithm>
 
@@ -15,6 +15,7 @@
 namespace radiashafts {
 namespace {
 
+// A channel, 0.0 to 1.0, as a colour component of the host, 0 to 255.
 std::int16_t component(double channel) {
   return static_cast<std::int16_t>(std::clamp(wholePixels(channel * 255.0), 0, 255));
 }
@@ -53,8 +54,9 @@ bool pfFilter::RequestColor(hostapi::FilterRecord* record, double* red, double* 
       *blue = components[2] * byteToUnit;
     }
   }
-  // The interface's own chooser does not write into the components: on a greyscale picture it
-  // leaves the grey of the colour that went in. Wanted.
+  // The interface's own chooser does not write the components, so on a greyscale picture the result
+  // is then the grey of the initial colour. This is intended: the greys that users get depend on
+  // it.
   if (chosen && record->imageMode == hostapi::modeGrayScale) {
     *red = *green = *blue =
         (components[0] * luminanceWeights[0] + components[2] * luminanceWeights[2] +

@@ -1,19 +1,20 @@
-// Where the system attaches and detaches the module.
+// DllMain, which the system calls when it loads and unloads the module.
 
 #include <windows.h>
 
 #include "threads/win32/process_end.h"
 
-// Gives back the memory that the compiler's runtime keeps for exceptions when there is none.
+// Frees the emergency memory pool for exceptions of the compiler's runtime, which would leak when
+// the module is unloaded.
 namespace __gnu_cxx {
 void __freeres();
 }
 
-BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID processEnds) {
+BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID processEnding) {
   if (reason == DLL_PROCESS_ATTACH) DisableThreadLibraryCalls(instance);
   if (reason == DLL_PROCESS_DETACH) {
-    radiashafts::processIsEnding = processEnds != nullptr;
-    if (processEnds == nullptr) __gnu_cxx::__freeres();
+    radiashafts::processIsEnding = processEnding != nullptr;
+    if (processEnding == nullptr) __gnu_cxx::__freeres();
   }
   return TRUE;
 }

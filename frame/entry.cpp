@@ -1,5 +1,5 @@
-// The one function that the module exports, and what holds for every call of it: one at a time, in
-// the default floating-point state, and no exception gets out.
+// The exported function. It lets one call in at a time, sets the default floating-point state and
+// lets no exception out.
 
 #include <atomic>
 #include <cstdint>
@@ -13,20 +13,20 @@
 namespace radiashafts {
 namespace {
 
-// Whether a call is inside. There is one filter with one set of values, so a host that comes back
-// meanwhile, on whatever thread, is refused.
+// Whether a call is in progress. There is one filter object, so a second call meanwhile, on the
+// same thread or another, is rejected.
 std::atomic<bool> running{false};
 
-// Built at the first call and kept until the process ends: a second run starts from the values that
-// the last one left.
+// Constructed on the first call and kept until the module is unloaded, so that a run starts with
+// the values of the one before.
 pfFilterRadiashafts& gPlugin() {
-  DebugLog::Instance();  // these stand before the plug-in and outlive it
+  DebugLog::Instance();  // these two are constructed first, so they are destroyed last
   ThreadPool::Instance();
   static pfFilterRadiashafts plugin;
   return plugin;
 }
 
-// What is thrown is memory that the system or the host does not have.
+// Exceptions come from failed allocations, hence the status.
 std::int16_t runSelector(std::int8_t selector, void* block) noexcept {
   try {
     return gPlugin().Dispatch(selector, block);
@@ -42,8 +42,8 @@ std::int16_t runSelector(std::int8_t selector, void* block) noexcept {
 }  // namespace
 }  // namespace radiashafts
 
-// Only the low 8 bits of the selector count, sign-extended; 256 acts as 0. data is the host's place
-// for the plug-in's state and is not used.
+// Only the low 8 bits of the selector are used, sign-extended; 256 acts as 0. data, where the host
+// keeps a pointer for the plug-in, is not used.
 extern "C" RADIASHAFTS_EXPORT void ENTRYPOINT(std::int16_t selector, void* pluginParamBlock,
                                               std::intptr_t* /*data*/, std::int16_t* result) {
   using namespace radiashafts;
@@ -52,7 +52,7 @@ extern "C" RADIASHAFTS_EXPORT void ENTRYPOINT(std::int16_t selector, void* plugi
   if (pluginParamBlock == nullptr) return;
   *result = hostapi::userCanceledError;
   if (running.exchange(true)) return;
-  const platform::DefaultFloatingPoint ours;
+  const platform::DefaultFloatingPoint floatingPoint;
   *result = runSelector(static_cast<std::int8_t>(selector), pluginParamBlock);
   running = false;
 }

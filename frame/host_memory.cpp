@@ -27,7 +27,7 @@ void HostMemory::releaseSuites() {
   callHost(basicSuite_->ReleaseSuite, hostapi::handleSuiteName, hostapi::handleSuiteVersion);
 }
 
-// When no kept block has the size, the view has changed, and the kept ones are of no more use.
+// When no kept block has the size, the view has changed, and the kept ones are freed.
 void* HostMemory::allocate(std::uint32_t size, bool keep) {
   const auto fits = [=](const KeptBlock& block) {
     return block.pointer != nullptr && !block.inUse && block.size == size;

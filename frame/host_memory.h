@@ -1,4 +1,4 @@
-// Memory from the host: the suites that it offers for a selector, and working buffers from them.
+// The host's memory suites and the working buffers allocated from them.
 #pragma once
 
 #include <array>
@@ -8,20 +8,21 @@
 
 namespace radiashafts {
 
-// Buffers come from the host's Buffer Suite where it has the Handle Suite too, else from the heap.
-// Not safe for several threads: the filter locks.
+// Allocates buffers from the host's Buffer Suite when the Handle Suite is available too, else from
+// the heap. Not thread-safe: the filter locks a mutex around each call.
 class HostMemory {
  public:
-  // For the length of a selector. The Handle Suite keeps its last value where the host writes none.
+  // Called at the start and at the end of a selector. When the host writes no Handle Suite, the
+  // pointer of the last selector is kept.
   void acquireSuites(hostapi::SPBasicSuite* basicSuite);
   void releaseSuites();
 
-  // Throws std::bad_alloc, or returns null when the host has no memory. With keep, which the
-  // renders of a preview ask for, a block of the same size that was kept is used again.
+  // Throws std::bad_alloc, or returns null when the host has no memory. With keep, set for preview
+  // renders, a kept block of the same size is reused. size is in bytes.
   void* allocate(std::uint32_t size, bool keep);
-  // With keep the block stays allocated for the next render.
+  // With keep a block that was allocated with keep stays allocated for the next render.
   void free(void* pointer, bool keep);
-  // Gives the kept blocks back that are not in use.
+  // Frees the kept blocks that are not in use.
   void releaseKeptBlocks();
 
  private:
@@ -31,15 +32,15 @@ class HostMemory {
     bool inUse = false;
   };
 
-  // A Handle Suite may be left over from an earlier host call, so both are asked for.
+  // Both are checked, because the Handle Suite may be left over from an earlier selector.
   bool usesSuites() const { return handleSuite_ != nullptr && bufferSuite_ != nullptr; }
   void* allocateBlock(std::uint32_t size);
   void freeBlock(void* pointer);
 
-  hostapi::SPBasicSuite* basicSuite_ = nullptr;  // good for one selector, like the next two
+  hostapi::SPBasicSuite* basicSuite_ = nullptr;  // valid for one selector, like the next two
   const hostapi::BufferSuite1* bufferSuite_ = nullptr;
   const hostapi::HandleSuite2* handleSuite_ = nullptr;
-  std::array<KeptBlock, 8> keptBlocks_;  // more than a render asks for
+  std::array<KeptBlock, 8> keptBlocks_;  // more than a render allocates
 };
 
 }  // namespace radiashafts

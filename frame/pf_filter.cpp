@@ -16,7 +16,8 @@ using platform::callHost;
 pfFilter::pfFilter(FilterIdentity identity)
     : HalvorsundHost(std::move(identity)), preview(MakePreview()) {}
 
-// The length of a selector, also of one that an exception ends.
+// RAII: the suites are acquired for one selector; they and kept blocks are released at its end,
+// also after an exception.
 class pfFilter::SelectorGuard {
  public:
   SelectorGuard(HostMemory& memory, hostapi::SPBasicSuite* basicSuite) : memory_(memory) {
@@ -76,20 +77,20 @@ std::int32_t pfFilter::ReportToHost(std::int32_t done, std::int32_t total) {
   return aborted ? hostapi::userCanceledError : NoErrorCode();
 }
 
-// Looking for messages costs more than a row of a preview: the host's thread looks every other
-// millisecond, and workers, which have no windows, never.
+// Pumping costs more than rendering a row of a preview, so the host's thread pumps at most every
+// 2 ms. Workers own no windows and never pump.
 std::int32_t pfFilter::PumpMessages(std::int32_t threadIndex) {
-  constexpr std::uint32_t undisturbed = 201;  // milliseconds that every preview is left
-  constexpr std::chrono::milliseconds betweenLooks(2);
+  constexpr std::uint32_t minimumRenderTime = 201;  // milliseconds
+  constexpr std::chrono::milliseconds pumpInterval(2);
   const auto now = std::chrono::steady_clock::now();
-  if (threadIndex == 0 && now - lastLook >= betweenLooks) {
-    const bool open = callHost(platform::pumpPendingMessages);  // some are the host's
-    lastLook = std::chrono::steady_clock::now();
-    if (!open) endedRender = nRenderStartTick;
+  if (threadIndex == 0 && now - lastPump >= pumpInterval) {
+    const bool quit = !callHost(platform::pumpPendingMessages);  // may run the host's procedures
+    lastPump = std::chrono::steady_clock::now();
+    if (quit) quitRenderTick = nRenderStartTick;
   }
-  if (bInterfaceEnded || endedRender == nRenderStartTick) return -1;  // workers learn of it too
-  const bool superseded =
-      bRenderPending && bLivePreview && platform::tickCount() - nRenderStartTick >= undisturbed;
+  if (bInterfaceEnded || quitRenderTick == nRenderStartTick) return -1;  // on every thread
+  const bool superseded = bRenderPending && bLivePreview &&
+                          platform::tickCount() - nRenderStartTick >= minimumRenderTime;
   return superseded ? hostapi::userCanceledError : NoErrorCode();
 }
 

@@ -1,4 +1,4 @@
-// The filter as the host's interface wants it: selectors, the record and progress.
+// The filter as a plug-in: handles selectors, fills in the host's record and reports progress.
 #pragma once
 
 #include <chrono>
@@ -16,30 +16,31 @@
 
 namespace radiashafts {
 
-// Tells the host that nothing more is wanted.
+// Empties inRect, outRect and maskRect, so that the host does not call the continue selector.
 void emptyRectangles(hostapi::FilterRecord& record);
 
 class pfFilter : public HalvorsundHost, public EditedFilter {
  public:
   explicit pfFilter(FilterIdentity identity);
 
-  // Runs one selector with the suites acquired for its length. block is an AboutRecord for the
-  // selector 0 and a FilterRecord for all others. -1 for an unknown selector.
+  // Acquires the suites, runs one selector and releases them. block is an AboutRecord for selector
+  // 0 and a FilterRecord for all others. Returns the status for the host; -1 for an unknown
+  // selector.
   std::int16_t Dispatch(std::int8_t selector, void* block);
 
-  // In a final render, thread 0 reports to the host and polls its abort: -128. In a preview render
-  // it dispatches the waiting window messages, -1 when the interface was closed; on every thread
-  // -128 when a newer render is wanted 201 ms or more into this one.
+  // In a final render thread 0 reports to the host and polls its abortProc: -128 on abort. In a
+  // preview render thread 0 dispatches pending window messages. There every thread gets -1 when the
+  // interface was closed, and -128 when a newer render is pending and this one has run 201 ms.
   std::int32_t Progress(std::int32_t done, std::int32_t total, std::int32_t threadIndex) override;
-  // From the host's memory. Between the renders of a preview, which are all alike, freed blocks are
-  // kept.
+  // The host's memory. Preview renders allocate the same sizes again and again, so blocks freed
+  // there are kept for the next one.
   void* Allocate(std::uint32_t size) override;
   void Free(void* pointer) override;
   std::int32_t OutOfMemoryCode() const override { return hostapi::memoryFullError; }
 
   virtual std::int16_t DoParametersSelector(hostapi::FilterRecord* record);
   std::int16_t SetupFilterRecord(hostapi::FilterRecord* record, std::uint32_t scaleFactor) override;
-  // By the host's colour picker, else by the interface's own.
+  // Shows the host's colour chooser, or the interface's own when the host has none.
   bool RequestColor(hostapi::FilterRecord* record, double* red, double* green,
                     double* blue) override;
 
@@ -62,9 +63,10 @@ class pfFilter : public HalvorsundHost, public EditedFilter {
 
   HostMemory memory;
   hostapi::FilterRecord* currentRecord = nullptr;
-  std::chrono::steady_clock::time_point lastLook;  // for messages, in a preview render
-  std::uint32_t endedRender = 0;                   // start tick of the one the interface's end met
-  // Of memory and of Progress. Recursive: a window procedure may come back while Progress pumps.
+  std::chrono::steady_clock::time_point lastPump;  // when Progress last pumped messages
+  std::uint32_t quitRenderTick = 0;  // nRenderStartTick of the render that met a quit message
+  // Guards memory and Progress. Recursive, because window procedures that Progress dispatches may
+  // call back into the filter.
   platform::RecursiveLock memoryLock;
 };
 

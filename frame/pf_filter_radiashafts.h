@@ -1,4 +1,4 @@
-// The concrete filter: the effect with its parameters.
+// The Radiashafts filter: pfFilter with this effect's parameters and render.
 #pragma once
 
 #include <array>
@@ -13,8 +13,8 @@ class pfFilterRadiashafts final : public pfFilter {
   pfFilterRadiashafts();
 
   std::int16_t SelectRenderTemplate(hostapi::FilterRecord* record) override;
-  // Hue, saturation and lightness have controls on colour pictures only. 32-bit RGB is not among
-  // those; the render honours the values all the same.
+  // Enables the controls of hue, saturation and lightness on colour pictures only. 32-bit RGB does
+  // not count as colour here, though the render applies the three values there too.
   void PrepareInterface(hostapi::FilterRecord* record) override;
   void ResetParameters(bool recordUndo) override;
   const char* GetFilterName() const override { return effectName; }

@@ -1,4 +1,4 @@
-// Asking the host for the whole image at once.
+// Requests the whole image from the host in one piece.
 
 #include <algorithm>
 
@@ -68,8 +68,8 @@ std::int16_t pfFilter::SetupFilterRecord(hostapi::FilterRecord* record, std::uin
   const LogIndent indent;
   const std::uint32_t factor = std::max<std::uint32_t>(scaleFactor, 1);
 
-  // The host's own rectangle is not looked at: the filter takes the whole image, and a selection
-  // restricts only through the mask. The start selector gives it back.
+  // The filter processes the whole image; a selection has an effect only through the mask. The
+  // start selector restores the host's filterRect.
   record->filterRect = {0, 0, record->imageSize.v, record->imageSize.h};
   record->inRect = {0, 0, reduced(record->imageSize.v, factor),
                     reduced(record->imageSize.h, factor)};

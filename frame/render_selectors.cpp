@@ -1,4 +1,4 @@
-// What the filter does on each selector. All of a run's work happens on start.
+// The selectors. The start selector does all the work of a run.
 
 #include <cstdio>
 #include <string>
@@ -16,15 +16,15 @@ void traceSelector(const char* name, const void* record) {
   trace("pfFilter::", name, "( pFilterRecord(0x", record, ") )");
 }
 
-// Gives the host its rectangle back: it may compose the user's selection by it once the filter is
-// done.
-class HostRectangle {
+// RAII: restores the host's filterRect, which the host may still use to apply the selection after
+// the filter has run.
+class FilterRectRestorer {
  public:
-  explicit HostRectangle(hostapi::FilterRecord& record)
+  explicit FilterRectRestorer(hostapi::FilterRecord& record)
       : record_(record), rectangle_(record.filterRect) {}
-  ~HostRectangle() { record_.filterRect = rectangle_; }
-  HostRectangle(const HostRectangle&) = delete;
-  HostRectangle& operator=(const HostRectangle&) = delete;
+  ~FilterRectRestorer() { record_.filterRect = rectangle_; }
+  FilterRectRestorer(const FilterRectRestorer&) = delete;
+  FilterRectRestorer& operator=(const FilterRectRestorer&) = delete;
 
  private:
   hostapi::FilterRecord& record_;
@@ -49,7 +49,7 @@ std::int16_t pfFilter::DoAboutSelector(hostapi::AboutRecord* record) {
   return 0;
 }
 
-// Shows nothing: the interface opens on start.
+// Shows no dialog: the start selector opens the interface.
 std::int16_t pfFilter::DoParametersSelector(hostapi::FilterRecord* record) {
   traceSelector("DoParametersSelector", record);
   const LogIndent indent;
@@ -58,8 +58,8 @@ std::int16_t pfFilter::DoParametersSelector(hostapi::FilterRecord* record) {
   return 0;
 }
 
-// No buffer space is to be kept for the filter, and the host's own limit needs no respect: memory
-// is taken on demand.
+// The filter allocates on demand, so the host reserves no buffer space for it and maxSpace is not
+// used.
 std::int16_t pfFilter::DoPrepareSelector(hostapi::FilterRecord* record) {
   traceSelector("DoPrepareSelector", record);
   const LogIndent indent;
@@ -71,7 +71,7 @@ std::int16_t pfFilter::DoPrepareSelector(hostapi::FilterRecord* record) {
 std::int16_t pfFilter::DoStartSelector(hostapi::FilterRecord* record) {
   traceSelector("DoStartSelector", record);
   const LogIndent indent;
-  const HostRectangle hosts(*record);
+  const FilterRectRestorer restoreAtEnd(*record);
   const std::int16_t result = RunFilter(record);
   emptyRectangles(*record);
   trace("pfFilter::DoStartSelector( return(", result, ") )");
@@ -89,9 +89,9 @@ std::int16_t pfFilter::RunFilter(hostapi::FilterRecord* record) {
     return 1;
   }
   parameters.ValidateAll();
-  const bool interfaceWanted = parameters.ReadScriptParams(record);
-  const bool confirmed = !interfaceWanted || preview->Show(this, record, &widgets);
-  parameters.WriteScriptParams(record);  // after a Cancel too
+  const bool showsInterface = parameters.ReadScriptParams(record);
+  const bool confirmed = !showsInterface || preview->Show(this, record, &widgets);
+  parameters.WriteScriptParams(record);  // also after Cancel
   if (!confirmed) return hostapi::userCanceledError;
 
   parameters.ValidateAll();  // the interface or the script may have left values outside the limits
@@ -99,7 +99,7 @@ std::int16_t pfFilter::RunFilter(hostapi::FilterRecord* record) {
   if (result != 0) return result;
   previewLevel = 0;
   result = SelectRenderTemplate(record);
-  Progress(0, 1, 0);  // empties the host's bar
+  Progress(0, 1, 0);  // resets the host's progress bar
   return result;
 }
 

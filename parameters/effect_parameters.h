@@ -11,13 +11,13 @@ namespace radiashafts {
 
 class UndoHistory;
 
-// Names, limits, keys and entries are those of effectTable; the values start at its defaults.
+// Initialised from effectTable: names, limits, keys, entries and default values.
 class EffectParameters {
  public:
   EffectParameters();
 
-  // Sets the defaults. The random step's amount is the user's own and stays. With a history each
-  // value is recorded first, all as one step.
+  // Sets the defaults of the parameters that presets store, which excludes the amount of the random
+  // step. When history is not null, the old values are recorded there as one step.
   void Reset(UndoHistory* history);
 
   pfParameterPosition Origin;
@@ -55,8 +55,8 @@ class EffectParameters {
       &RandomizeButton};
 };
 
-// A parameter's values as numbers, as many as its kind has: a flag is 0 or 1, a list's entry counts
-// from 1.
+// A parameter's values as numbers, valueCount of them: a flag is 0 or 1, a list's entry counts from
+// 1.
 using ParameterNumbers = std::array<double, 3>;
 ParameterNumbers NumbersOf(const pfParameter& parameter, const ParameterFacts& facts);
 void SetNumbers(pfParameter& parameter, const ParameterFacts& facts,

@@ -1,5 +1,5 @@
-// The parameter table of the effect: names, limits, defaults, keys and texts, each said once.
-// Everything that lists parameters is made from it.
+// The effect's parameter table: names, limits, defaults, script keys and texts. Parameter objects,
+// dialog, command-line options and script terminology are generated from it.
 #pragma once
 
 #include <array>
@@ -11,15 +11,15 @@
 
 namespace radiashafts {
 
-// The filter's name: preset files are its own that say so.
+// The filter's name, which also marks the preset files that belong to it.
 inline constexpr char effectName[] = "Radiashafts";
 
 enum class ParameterKind { position, number, boolean, color, list };
 
-// Which limits Validate enforces. An open maximum is only the slider's end.
+// Which limits Validate enforces. A maximum that is not enforced is only the end of the slider.
 enum class Bound { none, lower, both };
 
-// A value as scripts know it.
+// One value in the host's scripts.
 struct ScriptTerm {
   const char* code;         // four characters; null for none
   const char* name;         // in the host's terminology
@@ -29,17 +29,17 @@ struct ScriptTerm {
 struct ParameterFacts {
   const char* name;  // the key in preset files
   ParameterKind kind;
-  std::array<double, 3> defaults;  // in the parameter's own scale; as many as it has values
+  std::array<double, 3> defaults;  // valueCount of them are used
   double minimum;
   double maximum;
   Bound bound;
-  std::array<ScriptTerm, 3> keys = {};  // one for each value; none where scripts do not hold it
-  std::array<int, 2> controls;  // ids in the dialog: of a number its edit and its slider, of a
-                                // position its edits, else the one control
+  std::array<ScriptTerm, 3> keys = {};  // one for each value; empty when scripts do not store it
+  std::array<int, 2> controls;  // ids in the dialog: edit and slider of a number, both edits of a
+                                // position, else one control and 0
   std::array<const char*, 2> labels = {};     // in the dialog
   std::span<const char* const> entries = {};  // of a list
   bool randomizable = true;
-  bool storedInPreset = true;  // and set to its default by a reset
+  bool storedInPreset = true;  // and set to its default by Reset
   bool updatesPreview = true;
 };
 
@@ -146,7 +146,7 @@ inline constexpr auto effectTable = std::to_array<ParameterFacts>({
 });
 // clang-format on
 
-// A script key as the host's descriptors hold it; 0 for none.
+// The script key as a number of the host's descriptors; 0 for none.
 constexpr std::uint32_t scriptKey(const ScriptTerm& term) {
   const char* text = term.code;
   if (text == nullptr) return 0;

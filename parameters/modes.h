@@ -1,4 +1,4 @@
-// The entries of the effect's lists, with the numbers that scripts hold.
+// The entries of the effect's lists, with the numbers that scripts store.
 #pragma once
 
 #include <array>
@@ -13,9 +13,9 @@ enum class SelectionShowMode : std::int32_t { normal = 1, selectedImage = 2, sel
 inline constexpr std::array<const char*, 3> selectionShowNames{"normal", "selected image",
                                                                "selection only"};
 
-// The blend modes, one row each: MODE(number, identifier, name). The enumeration, the names and the
-// calls of the formulas are made from this list; the formula of a mode is the function of
-// PixelBlend (render/blend_pixel.h) with the identifier's name.
+// The blend modes, one row each: MODE(number, identifier, name). The enumeration, the array of
+// names and the dispatch to the formulas are generated from this list. The formula of a mode is the
+// function of PixelBlend (render/blend_pixel.h) that has the identifier as its name.
 // clang-format off
 #define RADIASHAFTS_BLEND_MODES(MODE) \
   MODE(1, normal, "normal")               \
@@ -49,7 +49,7 @@ enum class BlendMode : std::int32_t {
 #undef RADIASHAFTS_ENUMERATOR
 };
 
-// In the order of the numbers, which begin at 1.
+// Ordered by number; the first number is 1.
 inline constexpr auto blendModeNames = std::to_array<const char*>({
 #define RADIASHAFTS_NAME(number, identifier, name) name,
     RADIASHAFTS_BLEND_MODES(RADIASHAFTS_NAME)

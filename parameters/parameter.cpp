@@ -7,16 +7,16 @@ namespace radiashafts {
 
 double ReflectInto(double t, std::int32_t n) {
   if (t >= 0.0 && t < n) return t;
-  const double turns = std::trunc(t / n);
-  const double rest = t - turns * n;
-  const bool odd = std::fmod(turns, 2.0) != 0.0;
-  double folded = 0.0;
+  const double periods = std::trunc(t / n);
+  const double remainder = t - periods * n;
+  const bool odd = std::fmod(periods, 2.0) != 0.0;
+  double reflected = 0.0;
   if (t > 0.0) {
-    folded = odd ? n - rest : rest;
+    reflected = odd ? n - remainder : remainder;
   } else {
-    folded = odd ? rest + n : -rest;
+    reflected = odd ? remainder + n : -remainder;
   }
-  return folded == n ? n - 0.0001 : folded;
+  return reflected == n ? n - 0.0001 : reflected;
 }
 
 double randomStep() {

@@ -1,4 +1,4 @@
-// The base of all parameters of the effect.
+// The base class of the effect's parameters.
 #pragma once
 
 #include <cstdint>
@@ -14,7 +14,7 @@ namespace radiashafts {
 class pfUndo;
 
 // One setting: a value, its limits, its script keys, the link to its widget and a change callback.
-// Touched on the host's thread only.
+// Not thread-safe: only the host's thread uses it.
 class pfParameter {
  public:
   using OnChange = void (*)(pfParameter* parameter, void* context);
@@ -24,17 +24,18 @@ class pfParameter {
   pfParameter(const pfParameter&) = delete;
   pfParameter& operator=(const pfParameter&) = delete;
 
-  virtual void Validate() = 0;  // brings the value inside its limits
+  virtual void Validate() = 0;  // clamps the value to its limits
   virtual void WriteScript(hostapi::FilterRecord* record, hostapi::Token token) = 0;
-  // Takes the value at token when key is one of the own; a read that the host refuses keeps it.
+  // Reads the value at token when key is one of this parameter's keys; on a read error of the host
+  // the value stays unchanged.
   virtual void ReadScript(hostapi::FilterRecord* record, std::uint32_t key,
                           hostapi::Token token) = 0;
-  virtual std::int32_t ScriptKeyCount() const = 0;  // keys that are not 0
-  // Writes the keys that are not 0 in order, ScriptKeyCount of them.
+  virtual std::int32_t ScriptKeyCount() const = 0;  // counts keys other than 0
+  // Writes the keys other than 0, ScriptKeyCount of them, in order.
   virtual void FillScriptKeys(std::uint32_t* keys) const = 0;
-  // A record of the present value; null when memory is out.
+  // An undo record of the current value; null when out of memory.
   virtual std::unique_ptr<pfUndo> CreateUndo() = 0;
-  // A random step of up to half of amount times the range to either side.
+  // Adds a random number between -0.5 and 0.5 times amount times the range.
   virtual void Randomize(double amount) = 0;
 
   void NotifyWidget() {
@@ -46,8 +47,8 @@ class pfParameter {
   pfParameterUI* widget = nullptr;  // not owned
   OnChange onChange = nullptr;
   void* onChangeContext = nullptr;
-  bool storedInPreset = true;  // goes into preset files and remembered settings
-  bool updatesPreview = true;  // a change asks for a new preview and makes an undo record
+  bool storedInPreset = true;  // in preset files and remembered settings
+  bool updatesPreview = true;  // a change requests a preview render and is recorded for undo
   bool randomizable = true;
 
  protected:
@@ -65,10 +66,10 @@ inline void AttachWidget(pfParameterUI& widget, pfParameter& parameter) {
   widget.parameter = &parameter;
 }
 
-// Folds a real number into 0 to n as a triangle wave; n is a positive whole number.
+// Reflects t at 0 and n until it lies between them, n excluded; n is positive.
 double ReflectInto(double t, std::int32_t n);
 
-// A random number from -0.5 to 0.5, of the standard library's generator.
+// A random number from -0.5 to 0.5, from std::rand.
 double randomStep();
 
 }  // namespace radiashafts

@@ -4,15 +4,15 @@ namespace radiashafts {
 
 class pfParameter;
 
-// What a parameter knows of the widget that shows it.
+// The widget of a parameter, as far as the parameter uses it.
 class pfParameterUI {
  public:
   virtual ~pfParameterUI() = default;
 
-  // Brings the controls in line with the parameter's value.
+  // Shows the parameter's value in the controls.
   virtual void Update() {}
 
-  // Controls that are not enabled show their value and cannot be operated.
+  // Disabled controls show the value but accept no input.
   bool enabled = true;
   pfParameter* parameter = nullptr;  // not owned, see AttachWidget
 };

@@ -20,9 +20,9 @@ bool isKeyword(const PresetTokens::Token& token, std::string_view keyword) {
   return equalsIgnoringCase(token.text, keyword);
 }
 
-// What follows the entry whose name ends there. Every entry behind begins with the keyword as this
-// program writes it.
-std::string tailBehind(const std::string& file, std::size_t nameEnd) {
+// The file after the entry whose name ends at nameEnd. When it begins with an entry, that entry's
+// keyword gets its standard spelling.
+std::string contentAfterEntry(const std::string& file, std::size_t nameEnd) {
   PresetTokens tokens(file, nameEnd);
   while (const auto token = tokens.next()) {
     if (!endsPreset(token->text)) continue;
@@ -33,8 +33,8 @@ std::string tailBehind(const std::string& file, std::size_t nameEnd) {
   return {};
 }
 
-// The file without a keyword at its end that would take the next token for its name.
-std::string_view closedFile(std::string_view file) {
+// The file without an entry keyword at its end, which would take the next token as its name.
+std::string_view withoutTrailingKeyword(std::string_view file) {
   PresetTokens tokens(file);
   while (const auto token = tokens.next()) {
     if (isKeyword(*token, presetNameKeyword) && !tokens.next()) return file.substr(0, token->begin);
@@ -42,7 +42,7 @@ std::string_view closedFile(std::string_view file) {
   return file;
 }
 
-// A plus sign, which the library's readers do not take.
+// Removes a leading plus sign, which std::from_chars does not accept.
 std::string_view withoutPlus(std::string_view token) {
   const bool plus = token.size() > 1 && token[0] == '+' && token[1] != '-';
   return plus ? token.substr(1) : token;
@@ -63,7 +63,7 @@ double magnitudeAt(std::string_view digits) {
       std::from_chars(digits.data(), digits.data() + digits.size(), value, format);
   if (error == std::errc::result_out_of_range) {
     const std::string_view number(digits.data(), static_cast<std::size_t>(end - digits.data()));
-    const bool tooSmall = number.find('-') != std::string_view::npos;  // its exponent
+    const bool tooSmall = number.find('-') != std::string_view::npos;  // the exponent's sign
     return tooSmall ? 0.0 : std::numeric_limits<double>::max();
   }
   if (std::isnan(value)) return 0.0;
@@ -100,7 +100,7 @@ std::optional<std::string> presetOwner(std::string_view file) {
       const auto owner = tokens.next();
       return owner ? std::optional(std::string(owner->text)) : std::nullopt;
     }
-    if (isKeyword(*token, presetNameKeyword)) tokens.next();  // an entry may have any name
+    if (isKeyword(*token, presetNameKeyword)) tokens.next();  // the name may equal a keyword
   }
   return std::nullopt;
 }
@@ -144,9 +144,9 @@ std::string withPreset(const std::string& file, const std::string& name, const s
   std::string result;
   if (const auto entry = findPreset(file, name)) {
     result.append(file, 0, entry->nameEnd).append(lineEnd).append(values);
-    return result.append(tailBehind(file, entry->nameEnd));
+    return result.append(contentAfterEntry(file, entry->nameEnd));
   }
-  result.append(closedFile(file)).append(lineEnd);
+  result.append(withoutTrailingKeyword(file)).append(lineEnd);
   result.append(presetNameKeyword).append(" ").append(name).append(lineEnd);
   return result.append(values);
 }
@@ -155,7 +155,7 @@ std::string withoutPreset(const std::string& file, const PresetEntry& entry,
                           std::string_view lineEnd) {
   std::string result = file.substr(0, entry.before);
   if (!result.empty()) result.append(lineEnd);
-  const std::string tail = tailBehind(file, entry.nameEnd);
+  const std::string tail = contentAfterEntry(file, entry.nameEnd);
   if (!tail.empty()) result.append(lineEnd).append(tail);
   return result;
 }

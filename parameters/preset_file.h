@@ -1,4 +1,5 @@
-// Preset files as text: blank-separated tokens. A header tells whose file it is, then come entries:
+// Preset files as text: tokens separated by white space. A header names the filter that owns the
+// file; entries follow:
 //
 //   FileOwner Radiashafts
 //
@@ -6,7 +7,7 @@
 //   Origin 0.500000 0.250000
 //   Intensity 2.000000
 //
-// Any text may be offered. What is no entry means nothing and is kept by every change.
+// Any text is accepted. What is not an entry is ignored, and kept when the file is changed.
 #pragma once
 
 #include <cstddef>
@@ -20,17 +21,17 @@ namespace radiashafts {
 
 inline constexpr std::string_view presetOwnerKeyword = "FileOwner";
 inline constexpr std::string_view presetNameKeyword = "name";
-inline constexpr std::size_t maximumPresetToken = 255;  // bytes that count of a longer one
+inline constexpr std::size_t maximumPresetToken = 255;  // bytes; longer ones are cut
 
-// Keywords and names are compared like this. Only the letters of ASCII have cases, in every locale.
+// Compares keywords and names. Only the case of ASCII letters is ignored, whatever the locale.
 bool equalsIgnoringCase(std::string_view a, std::string_view b);
 
-// Reads the tokens of a text that outlives it.
+// Reads tokens one by one. The text is not owned and has to outlive this object.
 class PresetTokens {
  public:
   struct Token {
-    std::string_view text;  // up to a zero, and to the longest that counts
-    std::size_t begin;      // the whole token's place in the file
+    std::string_view text;  // ends before a zero byte and after maximumPresetToken bytes
+    std::size_t begin;      // offsets of the whole token in the file
     std::size_t end;
   };
 
@@ -42,37 +43,38 @@ class PresetTokens {
   std::size_t next_;
 };
 
-// Where an entry begins.
+// Offsets of an entry in the file.
 struct PresetEntry {
-  std::size_t before;   // behind the token in front of its keyword
-  std::size_t nameEnd;  // behind its name
+  std::size_t before;   // end of the token before its keyword
+  std::size_t nameEnd;  // end of its name
 };
 
-// Whether an entry ends in front of the key: at the next one, or at a header in their midst.
+// Whether the key ends an entry: the keyword of the next entry or of a header.
 bool endsPreset(std::string_view key);
 
-// The name of the filter that the header tells; none without a header.
+// The filter's name from the header; none without a header.
 std::optional<std::string> presetOwner(std::string_view file);
 // In the file's order.
 std::vector<std::string> presetNames(std::string_view file);
-// The first entry of the name.
+// The first entry with the name.
 std::optional<PresetEntry> findPreset(std::string_view file, std::string_view name);
 
-// A name as entries can hold it: one token that counts to its end.
+// The text as a name that an entry can store: a single token of at most maximumPresetToken bytes.
 std::string presetNameOf(std::string_view text);
 
-// The file with the entry set to the lines of values: in the place of the entry of that name, whose
-// spelling stays, or behind all others. lineEnd ends the lines that are added.
+// The file with the lines of values stored under the name. An existing entry is replaced in place,
+// and its spelling of the name is kept; a new one is appended. lineEnd terminates added lines.
 std::string withPreset(const std::string& file, const std::string& name, const std::string& values,
                        std::string_view lineEnd);
 std::string withoutPreset(const std::string& file, const PresetEntry& entry,
                           std::string_view lineEnd);
 
-// Six decimals. What is not finite becomes 0, and what no token holds the largest that one does.
+// With six decimals. Values that are not finite become 0; larger ones than a token can hold are
+// clamped.
 std::string presetNumber(double value);
 
-// The number at the token's start, whatever the locale: hexadecimal and exponents too. Nothing is
-// refused: 0 where there is none, the largest finite number or integer where it is larger.
+// The number at the token's start, also hexadecimal or with an exponent, whatever the locale. Never
+// fails: returns 0 when there is no number and the largest finite value when it is out of range.
 double numberAt(std::string_view token);
 std::int32_t integerAt(std::string_view token);
 

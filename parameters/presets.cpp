@@ -1,4 +1,4 @@
-// The collection's meeting with preset files.
+// Reads and writes preset files.
 
 #include <algorithm>
 #include <limits>
@@ -19,11 +19,11 @@ using platform::ReplaceFailure;
 using platform::ReplaceStep;
 using platform::WholeFile;
 
-void warnUnread(const std::string& path) {
+void warnNotReadable(const std::string& path) {
   logLine(severityWarning, warningMarker, "Could not open file for reading: '", path, "'");
 }
 
-void warnUnwritten(const std::string& path, const ReplaceFailure& failure) {
+void warnNotWritten(const std::string& path, const ReplaceFailure& failure) {
   if (failure.step == ReplaceStep::open) {
     logLine(severityWarning, warningMarker, "Could not open file for writing: '", path, "'");
   } else {
@@ -32,8 +32,9 @@ void warnUnwritten(const std::string& path, const ReplaceFailure& failure) {
   }
 }
 
-// A file that cannot be looked at may be ours: a new one, at best.
-bool isOurs(const WholeFile& file, std::string& filterName) {
+// Whether the file belongs to the filter, or may: it does not exist or cannot be read. When another
+// filter owns it, filterName receives that filter's name.
+bool belongsToFilter(const WholeFile& file, std::string& filterName) {
   if (file.state != FileState::whole) return file.state != FileState::unfit;
   const auto owner = presetOwner(file.content);
   if (!owner) return false;
@@ -42,24 +43,24 @@ bool isOurs(const WholeFile& file, std::string& filterName) {
   return false;
 }
 
-// Gives the file as it was looked at.
-bool lookAt(const std::string& path, std::string& filterName, WholeFile& file) {
+// Reads the file and returns whether it is valid; an empty path is not.
+bool readAndValidate(const std::string& path, std::string& filterName, WholeFile& file) {
   trace("pfParmeters::IsSettingFileValid( strPath(", path, "), strFilterName(", filterName, ") )");
   const LogIndent indent;
   file = path.empty() ? WholeFile{FileState::unfit, {}} : platform::readWholeFile(path);
-  const bool valid = isOurs(file, filterName);
+  const bool valid = belongsToFilter(file, filterName);
   trace("pfParmeters::IsSettingFileValid( return(", valid, ") )");
   return valid;
 }
 
-// None where there is no such entry. A text that no filter owns is none of the presets' business.
+// The content without the entry; none when there is no such entry or no header.
 std::optional<std::string> withoutEntry(const WholeFile& file, const std::string& name) {
   const auto entry = findPreset(file.content, name);
   if (!entry || !presetOwner(file.content)) return std::nullopt;
   return withoutPreset(file.content, *entry, lineEnd);
 }
 
-// False when the entry is gone already or nothing can be written beside the file.
+// False when there is no such entry any more or no temporary file can be created next to the file.
 bool deleteEntry(const std::string& name, const std::string& path) {
   bool found = false;
   const auto failed = platform::changeWholeFile(path, [&](const WholeFile& old) {
@@ -67,12 +68,12 @@ bool deleteEntry(const std::string& name, const std::string& path) {
     found = content.has_value();
     return content;
   });
-  if (failed) warnUnwritten(path, *failed);
+  if (failed) warnNotWritten(path, *failed);
   return found;
 }
 
-// Numbers go through single precision, but not beyond it.
-double narrowed(double value) {
+// Rounds to single precision; clamps values that are out of its range.
+double toSinglePrecision(double value) {
   constexpr double largest = std::numeric_limits<float>::max();
   return static_cast<float>(std::clamp(value, -largest, largest));
 }
@@ -83,18 +84,20 @@ std::string valueLine(pfParameter& parameter) {
   const auto putAll = [&put](const auto& vector) {
     for (const double value : vector.value()) put(presetNumber(value));
   };
-  visitParameter(
-      parameter,
-      ParameterVisitor{
-          [&](const pfParameterPosition& position) { putAll(position); },
-          [&](const pfParameterRGB& color) { putAll(color); },
-          [&](const pfParameterFloat& number) { put(presetNumber(narrowed(number.value()))); },
-          [&](const auto& whole) { put(std::to_string(static_cast<int>(whole.value()))); }});
+  visitParameter(parameter,
+                 ParameterVisitor{[&](const pfParameterPosition& position) { putAll(position); },
+                                  [&](const pfParameterRGB& color) { putAll(color); },
+                                  [&](const pfParameterFloat& number) {
+                                    put(presetNumber(toSinglePrecision(number.value())));
+                                  },
+                                  [&](const auto& whole) {
+                                    put(std::to_string(static_cast<int>(whole.value())));
+                                  }});
   return line + lineEnd;
 }
 
-// Takes the value that begins with the token, and further ones from behind it. Returns whether the
-// preview needs a new render.
+// Sets the parameter from the token and, when it has more values, from the tokens after it. Returns
+// whether the preview needs a new render.
 bool loadValue(pfParameter& parameter, std::string_view token, PresetTokens& tokens) {
   bool needsRender = false;
   const auto loadAll = [&](auto& vector) {
@@ -125,7 +128,7 @@ bool loadValue(pfParameter& parameter, std::string_view token, PresetTokens& tok
 
 bool pfParameters::IsSettingFileValid(const std::string& strPath, std::string& strFilterName) {
   WholeFile file;
-  return lookAt(strPath, strFilterName, file);
+  return readAndValidate(strPath, strFilterName, file);
 }
 
 bool pfParameters::GetSettingNames(const std::string& strPath, std::vector<std::string>& lstNames,
@@ -135,7 +138,7 @@ bool pfParameters::GetSettingNames(const std::string& strPath, std::vector<std::
   const LogIndent indent;
   std::string owner = strFilterName;
   WholeFile file;
-  const bool valid = lookAt(strPath, owner, file);
+  const bool valid = readAndValidate(strPath, owner, file);
   if (valid) {
     for (std::string& name : presetNames(file.content)) lstNames.push_back(std::move(name));
   }
@@ -152,7 +155,8 @@ bool pfParameters::SaveSettings(const std::string& strName, const std::string& s
   bool valid = false;
   if (!name.empty() && !strPath.empty()) {
     WholeFile old;
-    valid = lookAt(strPath, owner, old) && SaveEntry(name, strPath, strFilterName, failure);
+    valid =
+        readAndValidate(strPath, owner, old) && SaveEntry(name, strPath, strFilterName, failure);
   }
   trace("pfParmeters::SaveSettings( return(", valid, ") )");
   return valid;
@@ -167,7 +171,7 @@ bool pfParameters::LoadSettings(const std::string& strName, const std::string& s
   const std::string name = presetNameOf(strName);
   if (!name.empty() && !strPath.empty()) {
     const WholeFile file = platform::readWholeFile(strPath);
-    if (file.state != FileState::whole) warnUnread(strPath);
+    if (file.state != FileState::whole) warnNotReadable(strPath);
     if (const auto entry = findPreset(file.content, name)) {
       PresetTokens tokens(file.content, entry->nameEnd);
       LoadEntry(tokens, history);
@@ -185,7 +189,7 @@ bool pfParameters::DeleteSettings(const std::string& strName, const std::string&
   const std::string name = presetNameOf(strName);
   if (!name.empty() && !strPath.empty()) {
     const WholeFile file = platform::readWholeFile(strPath);
-    if (file.state != FileState::whole) warnUnread(strPath);
+    if (file.state != FileState::whole) warnNotReadable(strPath);
     found = withoutEntry(file, name) && deleteEntry(name, strPath);
   }
   trace("pfParmeters::DeleteSettings( return(", found, ") )");
@@ -203,15 +207,15 @@ bool pfParameters::SaveEntry(const std::string& name, const std::string& path,
   const auto failed =
       platform::changeWholeFile(path, [&](const WholeFile& old) -> std::optional<std::string> {
         std::string owner = filterName;
-        valid = isOurs(old, owner);
+        valid = belongsToFilter(old, owner);
         read = old.state != FileState::refused;
         if (!valid || !read) return std::nullopt;
         const bool isNew = old.state == FileState::absent;
         const std::string header = std::string(presetOwnerKeyword) + " " + filterName + lineEnd;
         return withPreset(isNew ? header : old.content, name, values, lineEnd);
       });
-  if (failed) warnUnwritten(path, *failed);
-  if (!read) warnUnread(path);
+  if (failed) warnNotWritten(path, *failed);
+  if (!read) warnNotReadable(path);
   if (failure != nullptr && failed) *failure = failed->reason;
   if (failure != nullptr && !read) *failure = "cannot be read";
   return valid;

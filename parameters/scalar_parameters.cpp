@@ -35,9 +35,9 @@ void pfParameterFloat::WriteScript(hostapi::FilterRecord* record, hostapi::Token
   writeScriptNumber(*record, token, key, value_);
 }
 
-void pfParameterFloat::ReadScript(hostapi::FilterRecord* record, std::uint32_t other,
+void pfParameterFloat::ReadScript(hostapi::FilterRecord* record, std::uint32_t descriptorKey,
                                   hostapi::Token token) {
-  if (!ownsKey(other)) return;
+  if (!ownsKey(descriptorKey)) return;
   if (const auto v = readScriptNumber(*record, token)) SetValue(*v);
 }
 
@@ -48,8 +48,8 @@ std::unique_ptr<pfUndo> pfParameterFloat::CreateUndo() {
 void pfParameterFloat::Randomize(double amount) {
   if (!randomizable) return;
   const double range = maximum - minimum;
-  const double moved = range * randomStep() * amount + value_ - minimum;
-  const double v = minimum + ReflectInto(moved, static_cast<std::int32_t>(range));
+  const double stepped = range * randomStep() * amount + value_ - minimum;
+  const double v = minimum + ReflectInto(stepped, static_cast<std::int32_t>(range));
   if (v != value_) {
     value_ = v;
     NotifyWidget();
@@ -80,9 +80,9 @@ void pfParameterInt::WriteScript(hostapi::FilterRecord* record, hostapi::Token t
   writeScriptInteger(*record, token, key, value_);
 }
 
-void pfParameterInt::ReadScript(hostapi::FilterRecord* record, std::uint32_t other,
+void pfParameterInt::ReadScript(hostapi::FilterRecord* record, std::uint32_t descriptorKey,
                                 hostapi::Token token) {
-  if (!ownsKey(other)) return;
+  if (!ownsKey(descriptorKey)) return;
   if (const auto v = readScriptInteger(*record, token)) {
     value_ = *v;
     NotifyWidget();
@@ -96,9 +96,9 @@ std::unique_ptr<pfUndo> pfParameterInt::CreateUndo() {
 void pfParameterInt::Randomize(double amount) {
   if (!randomizable) return;
   const double range = static_cast<double>(maximum) - minimum;
-  const double moved = range * randomStep() * amount + value_ - minimum;
-  const double folded = ReflectInto(moved, maximum - minimum) + minimum;
-  SetValue(static_cast<std::int32_t>(std::trunc(folded + 0.5)));
+  const double stepped = range * randomStep() * amount + value_ - minimum;
+  const double reflected = ReflectInto(stepped, maximum - minimum) + minimum;
+  SetValue(static_cast<std::int32_t>(std::trunc(reflected + 0.5)));
   Validate();
 }
 
@@ -121,9 +121,9 @@ void pfParameterBool::WriteScript(hostapi::FilterRecord* record, hostapi::Token 
   writeScriptFlag(*record, token, key, value_);
 }
 
-void pfParameterBool::ReadScript(hostapi::FilterRecord* record, std::uint32_t other,
+void pfParameterBool::ReadScript(hostapi::FilterRecord* record, std::uint32_t descriptorKey,
                                  hostapi::Token token) {
-  if (!ownsKey(other)) return;
+  if (!ownsKey(descriptorKey)) return;
   if (const auto v = readScriptFlag(*record, token)) SetValue(*v);
 }
 
@@ -168,9 +168,9 @@ void pfParameterList::WriteScript(hostapi::FilterRecord* record, hostapi::Token 
   writeScriptInteger(*record, token, key, value_);
 }
 
-void pfParameterList::ReadScript(hostapi::FilterRecord* record, std::uint32_t other,
+void pfParameterList::ReadScript(hostapi::FilterRecord* record, std::uint32_t descriptorKey,
                                  hostapi::Token token) {
-  if (!ownsKey(other)) return;
+  if (!ownsKey(descriptorKey)) return;
   const auto v = readScriptInteger(*record, token);
   if (v && *v > 0) SetValue(*v);
 }
@@ -181,10 +181,11 @@ std::unique_ptr<pfUndo> pfParameterList::CreateUndo() {
 
 void pfParameterList::Randomize(double amount) {
   if (!randomizable) return;
-  if (amount > 2.0) amount = 0.0;  // wanted, though a colour takes 2.0 there
-  const double moved = EntryCount() * randomStep() * amount + value_ - 1;
-  const double folded = ReflectInto(moved, EntryCount()) + 1.0;
-  const auto v = static_cast<std::int32_t>(std::trunc(folded + 0.5));
+  // A colour clamps to 2.0 instead. This is intended: the values of a given seed depend on it.
+  if (amount > 2.0) amount = 0.0;
+  const double stepped = EntryCount() * randomStep() * amount + value_ - 1;
+  const double reflected = ReflectInto(stepped, EntryCount()) + 1.0;
+  const auto v = static_cast<std::int32_t>(std::trunc(reflected + 0.5));
   if (isEntry(v)) SetValue(v);
   Validate();
 }

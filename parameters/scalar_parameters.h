@@ -1,4 +1,4 @@
-// Parameters of one value with one script key.
+// Parameters with one value and one script key.
 #pragma once
 
 #include <cstdint>
@@ -16,14 +16,16 @@ class ScalarParameter : public pfParameter {
     if (key != 0) *keys = key;
   }
 
-  // 0: no script presence for reading. Writing does not test it; hosts see key 0, as wanted.
+  // 0 is never read. It is written all the same. This is intended: hosts get the same sequence of
+  // values in every script.
   std::uint32_t key = 0;
 
  protected:
-  bool ownsKey(std::uint32_t other) const { return key != 0 && key == other; }
+  bool ownsKey(std::uint32_t descriptorKey) const { return key != 0 && key == descriptorKey; }
 };
 
-// A flag that is false leaves its end open for Validate; the widget uses the numbers all the same.
+// Validate enforces minimum and maximum only when useMinimum and useMaximum are set; the slider's
+// range is always minimum to maximum.
 class pfParameterFloat final : public ScalarParameter {
  public:
   using Value = double;
@@ -33,11 +35,11 @@ class pfParameterFloat final : public ScalarParameter {
 
   void Validate() override;
   void WriteScript(hostapi::FilterRecord* record, hostapi::Token token) override;
-  void ReadScript(hostapi::FilterRecord* record, std::uint32_t other,
+  void ReadScript(hostapi::FilterRecord* record, std::uint32_t descriptorKey,
                   hostapi::Token token) override;
   std::unique_ptr<pfUndo> CreateUndo() override;
   void Randomize(double amount) override;
-  void Restore(Value v);  // as undo does: onChange is called, changed or not
+  void Restore(Value v);  // for undo; calls onChange also when the value stays the same
 
   double minimum = 0.0;
   double maximum = 1.0;
@@ -57,7 +59,7 @@ class pfParameterInt final : public ScalarParameter {
 
   void Validate() override;
   void WriteScript(hostapi::FilterRecord* record, hostapi::Token token) override;
-  void ReadScript(hostapi::FilterRecord* record, std::uint32_t other,
+  void ReadScript(hostapi::FilterRecord* record, std::uint32_t descriptorKey,
                   hostapi::Token token) override;
   std::unique_ptr<pfUndo> CreateUndo() override;
   void Randomize(double amount) override;
@@ -81,7 +83,7 @@ class pfParameterBool final : public ScalarParameter {
 
   void Validate() override {}
   void WriteScript(hostapi::FilterRecord* record, hostapi::Token token) override;
-  void ReadScript(hostapi::FilterRecord* record, std::uint32_t other,
+  void ReadScript(hostapi::FilterRecord* record, std::uint32_t descriptorKey,
                   hostapi::Token token) override;
   std::unique_ptr<pfUndo> CreateUndo() override;
   void Randomize(double amount) override;  // a random value, whatever the amount
@@ -91,12 +93,12 @@ class pfParameterBool final : public ScalarParameter {
   bool value_ = false;
 };
 
-// A choice among named entries, counted from 1.
+// A choice of one of several named entries, counted from 1.
 class pfParameterList final : public ScalarParameter {
  public:
   using Value = std::int32_t;
 
-  // Refuses a value above the number of entries; one below 1 stands until Validate.
+  // Ignores a value above the number of entries; accepts one below 1 until Validate clamps it.
   bool SetValue(std::int32_t v);
   std::int32_t value() const { return value_; }
 
@@ -106,7 +108,7 @@ class pfParameterList final : public ScalarParameter {
 
   void Validate() override;
   void WriteScript(hostapi::FilterRecord* record, hostapi::Token token) override;
-  void ReadScript(hostapi::FilterRecord* record, std::uint32_t other,
+  void ReadScript(hostapi::FilterRecord* record, std::uint32_t descriptorKey,
                   hostapi::Token token) override;
   std::unique_ptr<pfUndo> CreateUndo() override;
   void Randomize(double amount) override;

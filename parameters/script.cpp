@@ -1,4 +1,4 @@
-// Reading and writing the host's descriptors.
+// Reads and writes the host's descriptors.
 
 #include <utility>
 
@@ -14,7 +14,7 @@ using platform::callHost;
 
 namespace {
 
-// An open descriptor of the host's, closed at the end of its life. Empty where the host opens none.
+// RAII: a descriptor of the host opened for reading. get returns null when the host opened none.
 class ReadToken {
  public:
   ReadToken(const hostapi::ReadDescriptorProcs& procs, hostapi::Handle descriptor,
@@ -33,20 +33,21 @@ class ReadToken {
   hostapi::Token token_;
 };
 
-// A descriptor that is being written. What it holds is handed over by finish, or is dropped.
+// RAII: a descriptor opened for writing. The caller of finish owns the written handle; without
+// finish it is freed.
 class WriteToken {
  public:
   WriteToken(const hostapi::WriteDescriptorProcs& procs, const hostapi::HandleProcs* handleProcs)
       : procs_(procs), handleProcs_(handleProcs), token_(callHost(procs.openWriteDescriptorProc)) {}
   ~WriteToken() {
     if (token_ == nullptr) return;
-    if (hostapi::Handle dropped = finish()) DisposeDescriptorHandle(handleProcs_, dropped);
+    if (hostapi::Handle unused = finish()) DisposeDescriptorHandle(handleProcs_, unused);
   }
   WriteToken(const WriteToken&) = delete;
   WriteToken& operator=(const WriteToken&) = delete;
 
   hostapi::Token get() const { return token_; }
-  // Null where the host fails.
+  // Null when the host fails.
   hostapi::Handle finish() {
     hostapi::Handle written = nullptr;
     callHost(procs_.closeWriteDescriptorProc, std::exchange(token_, nullptr), &written);
@@ -68,7 +69,7 @@ bool allEntriesPresent(const hostapi::ReadDescriptorProcs& procs) {
          procs.getPinnedIntegerProc && procs.getPinnedFloatProc && procs.getPinnedUnitFloatProc;
 }
 
-bool isFit(const hostapi::HandleProcs* procs) {
+bool isUsable(const hostapi::HandleProcs* procs) {
   return procs != nullptr && procs->handleProcsVersion == hostapi::handleProcsVersion &&
          procs->numHandleProcs >= hostapi::handleProcsCount && procs->newProc &&
          procs->disposeProc && procs->getSizeProc && procs->setSizeProc;
@@ -90,7 +91,7 @@ bool IsDescriptorUsable(const hostapi::PIDescriptorParameters* descriptorParamet
 }
 
 void DisposeDescriptorHandle(const hostapi::HandleProcs* handleProcs, hostapi::Handle handle) {
-  if (isFit(handleProcs)) {
+  if (isUsable(handleProcs)) {
     callHost(handleProcs->disposeProc, handle);
   } else {
     platform::freeGlobalHandle(reinterpret_cast<void**>(handle));
@@ -112,7 +113,7 @@ std::vector<std::uint32_t> pfParameters::ScriptKeys() const {
 bool pfParameters::ReadScriptParams(hostapi::FilterRecord* record) {
   trace("pfParmeters::ReadScriptParams( pFilterRecord(0x", static_cast<void*>(record), ") )");
   const LogIndent indent;
-  bool interfaceWanted = true;
+  bool showsInterface = true;
   std::vector<std::uint32_t> keys = ScriptKeys();
 
   hostapi::PIDescriptorParameters* descriptors = record->descriptorParameters;
@@ -133,10 +134,10 @@ bool pfParameters::ReadScriptParams(hostapi::FilterRecord* record) {
       DisposeDescriptorHandle(record->handleProcs, descriptors->descriptor);
       descriptors->descriptor = nullptr;
     }
-    interfaceWanted = descriptors->playInfo == hostapi::playDisplay;
+    showsInterface = descriptors->playInfo == hostapi::playDisplay;
   }
-  trace("pfParmeters::ReadScriptParams( return(", interfaceWanted, ") )");
-  return interfaceWanted;
+  trace("pfParmeters::ReadScriptParams( return(", showsInterface, ") )");
+  return showsInterface;
 }
 
 void pfParameters::WriteScriptParams(hostapi::FilterRecord* record) {

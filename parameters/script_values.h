@@ -1,4 +1,4 @@
-// Single values of the host's scripts, at the place of a token.
+// Reads and writes single values of the host's scripts through a token.
 #pragma once
 
 #include <cmath>
@@ -10,8 +10,8 @@
 
 namespace radiashafts {
 
-// None where the host refuses. A value that is not finite is refused too: nothing could be done
-// with it, and it would stay in the filter for all runs to come.
+// None when the host returns an error, or when the value is not finite: such a value cannot be
+// rendered and would stay in the filter for later runs.
 inline std::optional<double> readScriptNumber(const hostapi::FilterRecord& record,
                                               hostapi::Token token) {
   double v = 0.0;
@@ -36,7 +36,7 @@ inline std::optional<bool> readScriptFlag(const hostapi::FilterRecord& record,
   return v != 0;
 }
 
-// What the host does not take is not written.
+// Errors of the host are ignored: the value is then missing in the script.
 inline void writeScriptNumber(const hostapi::FilterRecord& record, hostapi::Token token,
                               std::uint32_t key, double value) {
   platform::callHost(record.descriptorParameters->writeDescriptorProcs->putFloatProc, token, key,

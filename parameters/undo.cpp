@@ -5,8 +5,8 @@ namespace radiashafts {
 void UndoHistory::Push(std::unique_ptr<pfUndo> record) {
   if (record == nullptr || !bEnabled) return;
   if (nOldest <= nCurrent - capacity) {
-    const std::int32_t forgotten = slotOf(nOldest).group;
-    while (nOldest < nCurrent && slotOf(nOldest).group == forgotten) ++nOldest;
+    const std::int32_t oldestGroup = slotOf(nOldest).group;
+    while (nOldest < nCurrent && slotOf(nOldest).group == oldestGroup) ++nOldest;
   }
   slotOf(nCurrent) = {std::move(record), nGroup};
   nNewest = nCurrent++;

@@ -14,8 +14,8 @@
 
 namespace radiashafts {
 
-// Remembers one parameter's value. Applying it swaps that value with the parameter's, so that one
-// record serves both directions.
+// Stores one parameter's value. Apply swaps it with the parameter's current value, so that one
+// record serves both undo and redo.
 class pfUndo {
  public:
   virtual ~pfUndo() = default;
@@ -29,14 +29,15 @@ class UndoParameter final : public pfUndo {
       : parameter_(&parameter), stored_(parameter.value()) {}
 
   void Apply() override {
-    const typename Parameter::Value present = parameter_->value();
+    const typename Parameter::Value current = parameter_->value();
     parameter_->Restore(stored_);
-    stored_ = present;
-    // A position's widget has been told where it changed; all others are told in any case.
+    stored_ = current;
+    // A position's widget is updated by Restore only when the value changed; all others are always
+    // updated.
     if constexpr (!std::is_same_v<Parameter, pfParameterPosition>) parameter_->NotifyWidget();
   }
 
-  // Null when memory is out.
+  // Null when out of memory.
   static std::unique_ptr<pfUndo> Create(Parameter& parameter) {
     return std::unique_ptr<pfUndo>(new (std::nothrow) UndoParameter(parameter));
   }
@@ -53,32 +54,32 @@ using pfUndoParameterFloat = UndoParameter<pfParameterFloat>;
 using pfUndoParameterList = UndoParameter<pfParameterList>;
 using pfUndoParameterRGB = UndoParameter<pfParameterRGB>;
 
-// A ring of records. Records with one group number make one step; a caller closes a group by adding
-// 1 to nGroup. Sequence numbers only grow: number n lives in slot n modulo capacity.
+// A ring buffer of records. Records with the same group number are one step; the caller ends a
+// group by incrementing nGroup. Record numbers only grow; record n is in slot n modulo capacity.
 class UndoHistory {
  public:
   static constexpr std::int32_t capacity = 500;  // records, not groups
 
-  // Keeps the record when the history is enabled and the record is not null. A full ring forgets
-  // its oldest group whole.
+  // Adds the record unless the history is disabled or the record is null. When the buffer is full
+  // the whole oldest group is dropped.
   void Push(std::unique_ptr<pfUndo> record);
-  // A record that is a step by itself.
+  // Adds a record that is a step by itself.
   void PushStep(std::unique_ptr<pfUndo> record) {
     Push(std::move(record));
     ++nGroup;
   }
 
-  bool Undo();  // whether any record was applied
+  bool Undo();  // returns whether any record was applied
   bool Redo();
 
   bool CanUndo() const { return nCurrent > nOldest; }
   bool CanRedo() const { return nCurrent <= nNewest; }
 
-  std::int32_t nOldest = 0;   // the oldest live record
-  std::int32_t nNewest = -1;  // the newest record that redo may reach
-  std::int32_t nCurrent = 0;  // the number that the next record takes
-  std::int32_t nGroup = 0;    // the group of new records
-  bool bEnabled = false;      // off until the interface stands
+  std::int32_t nOldest = 0;   // number of the oldest record kept
+  std::int32_t nNewest = -1;  // number of the newest record
+  std::int32_t nCurrent = 0;  // number of the next record
+  std::int32_t nGroup = 0;    // group of new records
+  bool bEnabled = false;      // set when the interface opens
 
  private:
   struct Slot {

@@ -26,7 +26,7 @@ void writeValues(hostapi::FilterRecord* record, hostapi::Token token,
   }
 }
 
-// The values with those replaced that key names. A key of 0 is not excluded.
+// Returns values with those replaced whose key matches. Unlike for scalars, key 0 matches too.
 template <std::size_t N>
 std::array<double, N> readValues(hostapi::FilterRecord* record, hostapi::Token token,
                                  std::uint32_t key, const std::array<std::uint32_t, N>& keys,

@@ -1,4 +1,4 @@
-// Parameters of several values, each with a script key of its own.
+// Parameters with several values, each with its own script key.
 #pragma once
 
 #include <array>
@@ -8,8 +8,8 @@
 
 namespace radiashafts {
 
-// A point of the picture: 0.0 is its left or upper edge, 1.0 its last pixel. It is not limited; a
-// point outside the picture is legal.
+// A point of the picture: 0.0 is its left or upper edge, 1.0 its last pixel. Points outside the
+// picture are valid.
 class pfParameterPosition final : public pfParameter {
  public:
   using Value = std::array<double, 2>;

@@ -5,23 +5,23 @@
 
 namespace radiashafts {
 
-// Calls the visitor with the parameter as the class that it is of.
+// Calls the visitor with the parameter cast to its dynamic type.
 template <class Visitor>
 void visitParameter(pfParameter& parameter, const Visitor& visitor) {
-  const auto visitedAs = [&](auto* whichever) {
-    auto* known = dynamic_cast<decltype(whichever)>(&parameter);
-    if (known != nullptr) visitor(*known);
-    return known != nullptr;
+  const auto visitAs = [&](auto* typeTag) {
+    auto* typed = dynamic_cast<decltype(typeTag)>(&parameter);
+    if (typed != nullptr) visitor(*typed);
+    return typed != nullptr;
   };
-  visitedAs(static_cast<pfParameterPosition*>(nullptr)) ||
-      visitedAs(static_cast<pfParameterBool*>(nullptr)) ||
-      visitedAs(static_cast<pfParameterInt*>(nullptr)) ||
-      visitedAs(static_cast<pfParameterFloat*>(nullptr)) ||
-      visitedAs(static_cast<pfParameterRGB*>(nullptr)) ||
-      visitedAs(static_cast<pfParameterList*>(nullptr));
+  visitAs(static_cast<pfParameterPosition*>(nullptr)) ||
+      visitAs(static_cast<pfParameterBool*>(nullptr)) ||
+      visitAs(static_cast<pfParameterInt*>(nullptr)) ||
+      visitAs(static_cast<pfParameterFloat*>(nullptr)) ||
+      visitAs(static_cast<pfParameterRGB*>(nullptr)) ||
+      visitAs(static_cast<pfParameterList*>(nullptr));
 }
 
-// One visitor of functions for single classes.
+// Combines functions for single parameter classes into one visitor.
 template <class... Functions>
 struct ParameterVisitor : Functions... {
   using Functions::operator()...;

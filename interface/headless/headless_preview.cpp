@@ -1,4 +1,4 @@
-// The interface of a module without windows: it never opens, and says so in the log.
+// The interface of a module without windows: Show fails and logs an error.
 
 #include "diagnostics/debug_log.h"
 #include "interface/model/live_preview.h"

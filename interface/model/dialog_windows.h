@@ -1,4 +1,4 @@
-// The two dialogs as the code that decides sees them.
+// The interface through which the model controls the two dialogs.
 #pragma once
 
 #include <array>
@@ -14,23 +14,23 @@ class DialogWindows {
  public:
   virtual ~DialogWindows() = default;
 
-  virtual Extent frameSize() const = 0;  // of the preview's frame, screen pixels
+  virtual Extent frameSize() const = 0;  // of the preview's frame, in screen pixels
   virtual void invalidateFrame() = 0;
-  virtual void paintNow() = 0;  // what is invalid in the preview
-  virtual void bitmapChanged() = 0;
+  virtual void paintNow() = 0;       // paints the invalid part of the preview
+  virtual void bitmapChanged() = 0;  // also called before it is freed
   virtual void setPercentage(const std::string& text) = 0;
   virtual void setCaption(const std::string& text) = 0;  // of the preview
   virtual void enableHistory(bool undo, bool redo) = 0;
 
-  virtual void captureMouse() = 0;  // for the preview
+  virtual void captureMouse() = 0;  // in the preview
   virtual void releaseMouse() = 0;
 
   virtual void usePipetteCursor(bool pipette) = 0;
-  // The colour at a point of the preview's client area; none where it cannot be read.
+  // The colour at a point of the preview's client area; none when it cannot be read.
   virtual std::optional<std::array<std::uint8_t, 3>> screenColor(Point point) = 0;
 
   virtual void enableDialogs(bool enabled) = 0;
-  // The place of a control in the parameter dialog's client area.
+  // The rectangle of a control in the parameter dialog's client area.
   virtual Box controlBox(int id) const = 0;
 };
 

@@ -24,28 +24,29 @@ bool isNeutral(const Color& color) {
   return color[0] == color[1] && color[1] == color[2];
 }
 
-// The tint that a neutral colour may have, and what a primary has to be above the other two.
-constexpr int mostTint = 64;
-constexpr int leastColor = 32;
+// How far the channels of a drawn grey may differ, and by how much the channel of a drawn primary
+// colour has to exceed the other two.
+constexpr int maximumTint = 64;
+constexpr int minimumLead = 32;
 
 bool hasHueOf(const Color& patch, const Color& seen) {
   if (isNeutral(patch)) {
-    const auto [least, most] = std::minmax_element(seen.begin(), seen.end());
-    return *most - *least <= mostTint;
+    const auto [smallest, largest] = std::minmax_element(seen.begin(), seen.end());
+    return *largest - *smallest <= maximumTint;
   }
   for (std::size_t c = 0; c < 3; ++c) {
     if (patch[c] == 0) continue;
-    return seen[c] - std::max(seen[(c + 1) % 3], seen[(c + 2) % 3]) >= leastColor;
+    return seen[c] - std::max(seen[(c + 1) % 3], seen[(c + 2) % 3]) >= minimumLead;
   }
   return false;
 }
 
 struct Range {
-  int least = 3 * 255;
-  int most = 0;
-  void take(int value) {
-    least = std::min(least, value);
-    most = std::max(most, value);
+  int smallest = 3 * 255;
+  int largest = 0;
+  void include(int value) {
+    smallest = std::min(smallest, value);
+    largest = std::max(largest, value);
   }
 };
 
@@ -63,7 +64,8 @@ std::vector<std::uint8_t> drawingSample() {
 }
 
 bool showsSample(const std::uint8_t* drawn) {
-  constexpr int apart = 3 * 16;  // of black, grey and white, in sums of channels
+  // How far black, grey and white are apart at least, in sums of the channels.
+  constexpr int minimumDistance = 3 * 16;
   Range blacks, greys, whites;
   for (int y = sampleHeight - 1; y >= 0; --y) {
     for (int x = 0; x < sampleWidth; ++x, drawn += 3) {
@@ -74,10 +76,11 @@ bool showsSample(const std::uint8_t* drawn) {
                            : patch == grey  ? &greys
                            : patch == white ? &whites
                                             : nullptr;
-      if (range != nullptr) range->take(seen[0] + seen[1] + seen[2]);
+      if (range != nullptr) range->include(seen[0] + seen[1] + seen[2]);
     }
   }
-  return blacks.most + apart <= greys.least && greys.most + apart <= whites.least;
+  return blacks.largest + minimumDistance <= greys.smallest &&
+         greys.largest + minimumDistance <= whites.smallest;
 }
 
 }  // namespace radiashafts

@@ -1,4 +1,4 @@
-// Whether a host draws pixels as it is told, or by a format of its own.
+// Checks with a sample whether the host's displayPixels draws colours and positions correctly.
 #pragma once
 
 #include <cstdint>
@@ -6,14 +6,14 @@
 
 namespace radiashafts {
 
-// A small picture of known colours, as large as the narrowest bitmap of the preview: red, green,
-// blue, rows from the top.
+// A small picture of known colours: 3-byte pixels of red, green, blue, top row first. It is as wide
+// as the narrowest bitmap of the preview.
 inline constexpr int sampleWidth = 32;
 inline constexpr int sampleHeight = 16;
 std::vector<std::uint8_t> drawingSample();
 
-// Whether what was drawn of it, blue, green, red and rows from the bottom, has every colour in its
-// place. Hosts manage colour: another shade will do.
+// Whether drawn, the sample as blue, green, red with the bottom row first, shows every colour in
+// its place. Shades may differ, because hosts apply colour management.
 bool showsSample(const std::uint8_t* drawn);
 
 }  // namespace radiashafts

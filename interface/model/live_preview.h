@@ -1,4 +1,4 @@
-// What the interface tells a running preview render. In a final render nRenderStartTick is 0.
+// Shared state of the interface and a running preview render.
 #pragma once
 
 #include <atomic>
@@ -6,9 +6,10 @@
 
 namespace radiashafts {
 
-inline std::atomic<std::uint32_t> nRenderStartTick{0};  // milliseconds; 0 outside the interface
-inline std::atomic<bool> bRenderPending{false};         // a render is wanted
-inline std::atomic<bool> bLivePreview{true};            // a pending render may cut one short
-inline std::atomic<bool> bInterfaceEnded{false};        // while a render ran, which ends as well
+inline std::atomic<std::uint32_t> nRenderStartTick{
+    0};                                           // milliseconds; 0 while no interface is open
+inline std::atomic<bool> bRenderPending{false};   // a new render is requested
+inline std::atomic<bool> bLivePreview{true};      // a request may cancel the running render
+inline std::atomic<bool> bInterfaceEnded{false};  // cancels the running render
 
 }  // namespace radiashafts

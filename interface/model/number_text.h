@@ -1,4 +1,4 @@
-// Numbers as the dialog's edits show and take them, in every locale alike.
+// Formats and parses the numbers in the dialog's edits, independent of the locale.
 #pragma once
 
 #include <optional>
@@ -9,8 +9,8 @@ namespace radiashafts {
 // Six significant digits, without trailing zeros.
 std::string numberText(double value);
 
-// The number that the whole text is, with blanks before it allowed; none for a part of a number and
-// for one that no double holds.
+// Parses the whole text, with leading white space allowed. None when it is not a number or is out
+// of range.
 std::optional<double> parseNumber(const std::string& text);
 
 }  // namespace radiashafts

@@ -17,7 +17,7 @@ void ParameterEditing::open(WidgetList* widgets, ControlPanel* panel) {
 }
 
 void ParameterEditing::close() {
-  dropPipette();
+  deactivatePipette();
   if (widgets_ == nullptr) return;
   for (const auto& widget : *widgets_) widget->Open(nullptr);
   widgets_ = nullptr;
@@ -84,7 +84,7 @@ pfParameterRGB* ParameterEditing::FindSwatchParameter(Point point) const {
   return nullptr;
 }
 
-// The step is recorded even when the colour came back the same.
+// The undo step is recorded even when the chosen colour is the old one.
 void ParameterEditing::OnInterfaceLeftDown(Point point) {
   pfParameterRGB* parameter = FindSwatchParameter(point);
   if (parameter == nullptr) return;
@@ -100,23 +100,23 @@ void ParameterEditing::OnInterfaceLeftDown(Point point) {
 }
 
 void ParameterEditing::OnInterfaceLeftUp() {
-  dropPipette();
+  deactivatePipette();
 }
 
 void ParameterEditing::OnSwatchRightUp(Point point) {
-  pickedColor_ = FindSwatchParameter(point);
-  if (pickedColor_ != nullptr) record(*pickedColor_);
-  windows_.usePipetteCursor(pickedColor_ != nullptr);
+  pipetteTarget_ = FindSwatchParameter(point);
+  if (pipetteTarget_ != nullptr) record(*pipetteTarget_);
+  windows_.usePipetteCursor(pipetteTarget_ != nullptr);
 }
 
-void ParameterEditing::pipetteTakes(const std::array<std::uint8_t, 3>& color) {
+void ParameterEditing::applyPipetteColor(const std::array<std::uint8_t, 3>& color) {
   const bool renderNeeded =
-      pickedColor_->SetValue(color[0] * byteToUnit, color[1] * byteToUnit, color[2] * byteToUnit);
+      pipetteTarget_->SetValue(color[0] * byteToUnit, color[1] * byteToUnit, color[2] * byteToUnit);
   if (renderNeeded) view_.RequestRender();
 }
 
-void ParameterEditing::dropPipette() {
-  pickedColor_ = nullptr;
+void ParameterEditing::deactivatePipette() {
+  pipetteTarget_ = nullptr;
   windows_.usePipetteCursor(false);
 }
 
@@ -139,7 +139,7 @@ std::vector<ParameterEditing::Swatch> ParameterEditing::swatches() {
     const auto& [red, green, blue] = swatch->bound().value();
     if (choosesGrey(view_.record().imageMode) && !(red == green && green == blue)) {
       const double grey = luminance<3>(swatch->bound().value().data());
-      // What is no number never compares equal: it would be painted again without end.
+      // A NaN never compares equal, so setting it would request repaints without end.
       if (std::isfinite(grey)) swatch->bound().SetValue(grey, grey, grey);
     }
     Swatch& shown = swatches.emplace_back(Swatch{swatch->firstId(), {}});

@@ -1,5 +1,5 @@
-// What the controls of the parameter dialog do: changes with their undo records, the history's
-// buttons, colour swatches and the pipette.
+// Handles input in the parameter dialog: parameter changes with undo records, undo, redo, reset,
+// colour swatches and the pipette.
 #pragma once
 
 #include <array>
@@ -20,34 +20,34 @@ class ParameterEditing {
   void open(WidgetList* widgets, ControlPanel* panel);
   void close();
 
-  // A control says that it changed. Asks for a render where one is needed, and records the step
-  // where wanted; false when nothing needs a render.
+  // Called when a control has changed. Applies the change, requests a render if it needs one, and
+  // then records an undo step if withUndo is set. Returns whether a render is needed.
   bool OnControlChange(int id, bool withUndo);
-  // A slider moved, or came to rest. One drag makes one step of the history.
+  // A slider moved, or was released (atRest). One drag makes one undo step.
   void OnScroll(int id, bool atRest);
   void OnEditKillFocus(int id);
   void Undo();
   void Redo();
   void Reset();
 
-  // The mouse in the parameter dialog: the left button on a swatch opens a colour chooser, the
-  // right one, released there, picks up the pipette.
+  // The mouse in the parameter dialog, in client coordinates: pressing the left button on a swatch
+  // opens a colour chooser, releasing the right button there activates the pipette.
   void OnInterfaceLeftDown(Point point);
   void OnInterfaceLeftUp();
   void OnSwatchRightUp(Point point);
 
-  bool pipetteActive() const { return pickedColor_ != nullptr; }
-  void pipetteTakes(const std::array<std::uint8_t, 3>& color);
-  void dropPipette();
+  bool pipetteActive() const { return pipetteTarget_ != nullptr; }
+  void applyPipetteColor(const std::array<std::uint8_t, 3>& color);
+  void deactivatePipette();
 
-  // The position parameter that the preview's handle shows; null for none.
+  // The position parameter that the handle in the preview shows; null for none.
   pfParameterPosition* FindOriginParameter() const;
 
   struct Swatch {
     int id;
     std::array<int, 3> color;  // 0 to 255
   };
-  // The swatches to paint. On a grey picture their parameters become grey for good.
+  // The swatches to paint. On a grey picture this also changes their parameters to grey.
   std::vector<Swatch> swatches();
 
  private:
@@ -57,7 +57,7 @@ class ParameterEditing {
   DialogWindows& windows_;
   PreviewView& view_;
   WidgetList* widgets_ = nullptr;
-  pfParameterRGB* pickedColor_ = nullptr;
+  pfParameterRGB* pipetteTarget_ = nullptr;
   bool scrolling_ = false;
 };
 

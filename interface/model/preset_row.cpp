@@ -10,7 +10,7 @@ void PresetRow::UpdateSettingsList() {
   trace("pfPreviewWin32::UpdateSettingsList()");
   const LogIndent indent;
   const int selected = controls_.selectedPreset();
-  const std::string kept = selected < 0 ? "" : controls_.presetName(selected).value_or("");
+  const std::string previous = selected < 0 ? "" : controls_.presetName(selected).value_or("");
   controls_.clearPresets();
   std::vector<std::string> names;
   if (!filter_->parameters.GetSettingNames(strPresetPath, names, filter_->GetFilterName())) {
@@ -25,9 +25,9 @@ void PresetRow::UpdateSettingsList() {
     trace("about to add string: ", name);
     controls_.addPreset(name);
   }
-  if (kept.empty()) return;
-  trace("select setting: ", kept);
-  if (const int index = controls_.findPreset(kept); index >= 0) controls_.selectPreset(index);
+  if (previous.empty()) return;
+  trace("select setting: ", previous);
+  if (const int index = controls_.findPreset(previous); index >= 0) controls_.selectPreset(index);
 }
 
 void PresetRow::OnChangeSettingFile() {
@@ -41,9 +41,9 @@ void PresetRow::OnChangeSettingFile() {
     strPresetPath = *path;
     UpdateSettingsList();
   } else if (owner == filter_->GetFilterName()) {
-    controls_.complain("The file you selected is no valid Settingsfile.", "Error");
+    controls_.showError("The file you selected is no valid Settingsfile.", "Error");
   } else {
-    controls_.complain("The selected settings file belongs to the Filter: " + owner, "Error");
+    controls_.showError("The selected settings file belongs to the Filter: " + owner, "Error");
   }
 }
 
@@ -68,12 +68,13 @@ void PresetRow::OnSaveSetting() {
   if (const int index = controls_.findPreset(name); index >= 0) controls_.selectPreset(index);
 }
 
-std::optional<std::string> PresetRow::agreeOnName(std::string name) {
+std::optional<std::string> PresetRow::confirmName(std::string name) {
   std::replace(name.begin(), name.end(), ' ', '_');
-  const bool agreed = controls_.findPreset(name) < 0 ||
-                      controls_.confirm("There already is a preset with that name.\nOverwrite it? ",
-                                        "Overwrite Setting?");
-  return agreed ? std::optional(std::move(name)) : std::nullopt;
+  const bool accepted =
+      controls_.findPreset(name) < 0 ||
+      controls_.confirm("There already is a preset with that name.\nOverwrite it? ",
+                        "Overwrite Setting?");
+  return accepted ? std::optional(std::move(name)) : std::nullopt;
 }
 
 void PresetRow::OnDeleteSetting() {

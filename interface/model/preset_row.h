@@ -1,4 +1,4 @@
-// The preset row of the parameter dialog: the names in one preset file, and what its buttons do.
+// The preset row of the parameter dialog: the names in one preset file, and its buttons.
 #pragma once
 
 #include <optional>
@@ -9,16 +9,16 @@
 
 namespace radiashafts {
 
-// The combo box, sorted and without regard to case, and the prompts. Indices count from 0 in the
-// combo's own order.
+// The interface to the combo box, which sorts and compares names ignoring case, and to the prompts.
+// Indices count from 0 in the order of the combo box.
 class PresetControls {
  public:
   virtual ~PresetControls() = default;
 
   virtual int selectedPreset() const = 0;  // -1 for none
-  // Empty where the name is too long to be one.
+  // None when the name is too long.
   virtual std::optional<std::string> presetName(int index) const = 0;
-  virtual std::string shownPreset() const = 0;  // the text in the combo, at most 255 characters
+  virtual std::string shownPreset() const = 0;  // the text in the combo box, at most 255 characters
   virtual void clearPresets() = 0;
   virtual void addPreset(const std::string& name) = 0;
   virtual int findPreset(const std::string& name) const = 0;  // -1 for none
@@ -26,12 +26,12 @@ class PresetControls {
   virtual void enablePresets(bool choosing, bool saving, bool deleting) = 0;
   virtual const void* presetWindow() const = 0;  // for the log
 
-  // The path of a file that may be new; none on Cancel.
+  // The chosen path, of a file that need not exist; none on Cancel.
   virtual std::optional<std::string> choosePresetFile(const std::string& path) = 0;
-  // Runs the save as dialog, which leaves the name that was agreed on; empty for none.
+  // Runs the "save as" dialog. Returns the name that confirmName accepted; empty on Cancel.
   virtual std::string askPresetName(const std::string& proposed) = 0;
   virtual bool confirm(const char* text, const char* caption) = 0;
-  virtual void complain(const std::string& text, const char* caption) = 0;
+  virtual void showError(const std::string& text, const char* caption) = 0;
 };
 
 class PresetRow {
@@ -45,17 +45,18 @@ class PresetRow {
   const std::string& path() const { return strPresetPath; }
   void setPath(const std::string& path) { strPresetPath = path; }
 
-  // Shows the names of the file, with the selected one kept.
+  // Fills the combo box with the names in the file and keeps the selection.
   void UpdateSettingsList();
   void OnChangeSettingFile();
-  void OnSelectSetting();  // loads, as one step of the history
+  void OnSelectSetting();  // loads the preset as one undo step
   void OnSaveSetting();
-  // The neighbour of the deleted preset is selected and loaded. The preview keeps showing the old
-  // values until the next change; wanted.
+  // Selects and loads the preset next to the deleted one. No render is requested, so the preview
+  // shows the old values until the next change. This is intended: dialog tests depend on it.
   void OnDeleteSetting();
 
-  // The name as preset files can hold it, if the user agrees to write it; none keeps asking.
-  std::optional<std::string> agreeOnName(std::string name);
+  // The name with blanks replaced by "_". None when it exists and the user refuses to overwrite it;
+  // the caller then prompts again.
+  std::optional<std::string> confirmName(std::string name);
 
  private:
   void load(const std::string& name);

@@ -56,9 +56,9 @@ Box PreviewGeometry::source() const {
 }
 
 std::array<Box, 4> PreviewGeometry::margins() const {
-  constexpr int past = 200;
+  constexpr int overhang = 200;  // screen pixels
   const Box to = destination();
-  const int bottom = frame.height + past;
+  const int bottom = frame.height + overhang;
   return {{{0, 0, frame.width, to.top},
            {0, to.bottom, frame.width, bottom},
            {0, 0, to.left, bottom},
@@ -73,10 +73,10 @@ Point PreviewGeometry::handle(double x, double y) const {
       wholePixels(shown.height * y + to.top - (shown.height - to.height()) + pan.y / viewScale)};
 }
 
-// The display's size is rounded here and truncated when it is drawn; a pixel's difference, and
-// wanted.
+// Rounds the display's size, while display() truncates it, so the two may differ by a pixel. This
+// is intended: the positions that a click sets depend on it.
 std::array<double, 2> PreviewGeometry::clientToImage(Point point,
-                                                     std::array<double, 2> otherwise) const {
+                                                     std::array<double, 2> fallback) const {
   const int shownWidth = wholePixels(image.width / viewScale + 0.5);
   const int shownHeight = wholePixels(image.height / viewScale + 0.5);
   int x = point.x;
@@ -91,9 +91,9 @@ std::array<double, 2> PreviewGeometry::clientToImage(Point point,
   } else {
     y = wholePixels((shownHeight - frame.height) - pan.y / viewScale + y);
   }
-  if (shownWidth > 0) otherwise[0] = static_cast<double>(x) / shownWidth;
-  if (shownHeight > 0) otherwise[1] = static_cast<double>(y) / shownHeight;
-  return otherwise;
+  if (shownWidth > 0) fallback[0] = static_cast<double>(x) / shownWidth;
+  if (shownHeight > 0) fallback[1] = static_cast<double>(y) / shownHeight;
+  return fallback;
 }
 
 }  // namespace radiashafts

@@ -1,4 +1,4 @@
-// Where the picture, the light's handle and the pointer are in the preview's frame.
+// Converts between image pixels, normalised positions and screen pixels of the preview's frame.
 #pragma once
 
 #include <array>
@@ -26,40 +26,40 @@ struct Box {
   int height() const { return bottom - top; }
 };
 
-// The frame stands at (0, 0) of the preview's client area.
+// The frame's origin is (0, 0) of the preview's client area.
 struct PreviewGeometry {
   Extent frame;            // screen pixels
   Extent image;            // the rendered image
   double viewScale = 1.0;  // image pixels per screen pixel; below 1 the image is enlarged
   Point pan;               // image pixels; y counts from the image's bottom
 
-  Extent display() const;  // of the whole image on the screen
+  Extent display() const;  // size of the whole image in screen pixels
   void limitPan();
-  // The image pixel in the middle of the frame, seen at a scale; the image's own middle where the
-  // image fits in the frame.
+  // The image pixel in the middle of the frame at a scale in image pixels per screen pixel; along
+  // an axis on which the image is smaller than the frame, the image's middle.
   Point centre(double scale) const;
   void panTo(Point centre);
 
-  Box destination() const;  // the part of the frame that the image fills
+  Box destination() const;  // the part of the frame that the image covers
   Box source() const;       // the image pixels shown there; y counts from the bottom
-  // The rest of the frame: above, below, left and right. The lower ends reach past the frame, over
-  // what a resize has just uncovered.
+  // The rest of the frame: above, below, left and right. Their lower ends extend below the frame,
+  // to cover what a resize has just uncovered.
   std::array<Box, 4> margins() const;
 
-  // The place of a normalised position on the screen.
+  // The screen pixel of a normalised position.
   Point handle(double x, double y) const;
-  // The normalised position under a point of the client area; margins lie outside 0 to 1. An axis
-  // along which nothing is shown keeps what it gets in.
-  std::array<double, 2> clientToImage(Point point, std::array<double, 2> otherwise) const;
+  // The normalised position at a point of the client area; in the margins it is outside 0 to 1. An
+  // axis on which the image has no size gets the value of fallback.
+  std::array<double, 2> clientToImage(Point point, std::array<double, 2> fallback) const;
 };
 
-// The truncated value, held in a range that no arithmetic on screen coordinates leaves.
+// The truncated value, clamped so that arithmetic on screen coordinates cannot overflow; 0 for NaN.
 int wholePixels(double value);
 
-// The light's handle: nested squares from the middle outward, and a black one with its diagonals.
+// The light's handle: nested squares, innermost first, around them a black one with diagonals.
 struct HandleSquare {
   int halfSize;
-  unsigned color;  // grey levels, so that the order of channels does not matter
+  unsigned color;  // a grey, so the channel order does not matter
 };
 inline constexpr std::array<HandleSquare, 5> handleSquares{
     {{1, 0xEEEEEE}, {3, 0xBBBBBB}, {5, 0x999999}, {7, 0x666666}, {9, 0x333333}}};

@@ -13,7 +13,7 @@ namespace radiashafts {
 namespace {
 
 struct Layout {
-  int colors = 0;  // colour planes shown, 0 for a picture that is not
+  int colors = 0;  // colour planes shown; 0 when the picture cannot be shown
   bool hasAlpha = false;
   int alphaPlane = 0;
 };
@@ -33,7 +33,7 @@ Layout layoutOf(const hostapi::FilterRecord& record) {
   return layout;
 }
 
-// Samples on the bitmap's scale of 0 to 255, and alpha.
+// A colour sample on the bitmap's scale of 0 to 255.
 double color(std::uint8_t sample) {
   return sample;
 }
@@ -44,10 +44,12 @@ double color(float sample) {
   return std::min(sample * 255.0, 255.0);
 }
 
+// An alpha sample on the scale of 0 to 1.
 double alpha(std::uint8_t sample) {
   return sample * 0.003921569;
 }
-// 1 / 35768: a fully opaque pixel lets a little of the backdrop through. Wanted.
+// 1 / 35768 although full opacity is 32768, so some of the background remains visible. This is
+// intended: previews must stay the same, byte for byte.
 double alpha(std::uint16_t sample) {
   return sample * 2.7957951241333034e-05;
 }
@@ -60,10 +62,10 @@ std::uint8_t toByte(double value) {
   return static_cast<std::uint8_t>(std::clamp(value, 0.0, 255.0));
 }
 
-// The checkerboard's cells measure 16 pixels of the whole image.
-class Backdrop {
+// The background of transparent pixels. Its cells are 16 by 16 pixels of the whole image.
+class Checkerboard {
  public:
-  Backdrop(const hostapi::FilterRecord& record, int width, int height)
+  Checkerboard(const hostapi::FilterRecord& record, int width, int height)
       : imageWidth_(record.imageSize.h),
         imageHeight_(record.imageSize.v),
         width_(width),
@@ -79,8 +81,8 @@ class Backdrop {
   int imageWidth_, imageHeight_, width_, height_;
 };
 
-// Which planes give a pixel's three values, in the bitmap's byte order; -1 is black. Of two
-// channels the second comes first and the third value is black, whoever draws.
+// The source plane of each byte of a bitmap pixel; -1 is black. With two channels the order is the
+// same for host and system: second channel, first channel, black.
 std::array<int, 3> planesInOrder(int colors, BitmapOrder order) {
   if (colors == 1) return {0, 0, 0};
   if (colors == 2) return {1, 0, -1};
@@ -88,14 +90,14 @@ std::array<int, 3> planesInOrder(int colors, BitmapOrder order) {
 }
 
 template <class Sample>
-std::uint8_t shown(Sample sample) {
+std::uint8_t opaqueByte(Sample sample) {
   if constexpr (std::is_same_v<Sample, std::uint8_t>) return sample;
   return toByte(color(sample));
 }
 
 template <class Sample>
-std::uint8_t shownOver(double behind, double opacity, Sample sample) {
-  return toByte((color(sample) - behind) * opacity + behind);
+std::uint8_t blendedByte(double background, double opacity, Sample sample) {
+  return toByte((color(sample) - background) * opacity + background);
 }
 
 template <class Sample>
@@ -103,22 +105,23 @@ void drawPixels(const hostapi::FilterRecord& record, const Layout& layout, Bitma
                 int bitmapWidth, std::uint8_t* bitmap) {
   const int width = record.outRect.right - record.outRect.left;
   const int height = record.outRect.bottom - record.outRect.top;
-  const Backdrop backdrop(record, width, height);
+  const Checkerboard checkerboard(record, width, height);
   const std::array<int, 3> planes = planesInOrder(layout.colors, order);
-  const auto rowOfBitmap = static_cast<std::ptrdiff_t>(bitmapWidth) * 3;
+  const auto bitmapStride = static_cast<std::ptrdiff_t>(bitmapWidth) * 3;
   for (int y = 0; y < height; ++y) {
     const auto* pixel = reinterpret_cast<const StoredSample<Sample>*>(
         static_cast<const std::uint8_t*>(record.outData) +
         static_cast<std::ptrdiff_t>(y) * record.outRowBytes);
-    std::uint8_t* to = bitmap + (order == BitmapOrder::forHost ? y : height - 1 - y) * rowOfBitmap;
+    std::uint8_t* out =
+        bitmap + (order == BitmapOrder::forHost ? y : height - 1 - y) * bitmapStride;
     for (int x = 0; x < width; ++x, pixel += record.planes) {
       const auto sampleOf = [&](int plane) { return plane < 0 ? Sample{} : pixel[plane]; };
       if (layout.hasAlpha) {
         const double opacity = alpha(pixel[layout.alphaPlane]);
-        const double behind = backdrop.at(x, y);
-        for (const int plane : planes) *to++ = shownOver(behind, opacity, sampleOf(plane));
+        const double background = checkerboard.at(x, y);
+        for (const int plane : planes) *out++ = blendedByte(background, opacity, sampleOf(plane));
       } else {
-        for (const int plane : planes) *to++ = shown(sampleOf(plane));
+        for (const int plane : planes) *out++ = opaqueByte(sampleOf(plane));
       }
     }
   }

@@ -1,4 +1,4 @@
-// Turns what the filter rendered into the preview's bitmap.
+// Converts the rendered image to the preview's bitmap.
 #pragma once
 
 #include <cstdint>
@@ -7,19 +7,19 @@
 
 namespace radiashafts {
 
-// Who brings the bitmap to the screen: the host takes red, green, blue with rows from the top; the
-// system takes blue, green, red with rows from the bottom.
+// The pixel layout of the bitmap, which depends on who draws it: red, green, blue with the top row
+// first for the host; blue, green, red with the bottom row first for the system.
 enum class BitmapOrder { forHost, forSystem };
 
-// Pixels of a row of the preview's bitmap: a multiple of 32 above the width, so that rows of 3-byte
-// pixels are a multiple of 4 bytes.
+// The bitmap's width in pixels for an image width: the next larger multiple of 32, so that the row
+// stride of 3-byte pixels is a multiple of 4 bytes.
 constexpr int bitmapWidthFor(int width) {
   return (width / 32 + 1) * 32;
 }
 
-// Fills the bitmap, rows of bitmapWidth 3-byte pixels, from the record's output. Transparent places
-// show a checkerboard. False, with nothing written, where the record has no picture that can be
-// shown.
+// Converts the record's output to rows of bitmapWidth 3-byte pixels. Transparent areas show a
+// checkerboard. False, with nothing written, when the record's mode, depth or size is not
+// supported.
 bool drawToPreview(const hostapi::FilterRecord& record, BitmapOrder order, int bitmapWidth,
                    std::uint8_t* bitmap);
 

@@ -5,7 +5,7 @@
 
 namespace radiashafts {
 
-void PreviewPointer::letGo() {
+void PreviewPointer::cancelDrag() {
   draggedOrigin_ = nullptr;
   leftDrag_ = false;
   panActive_ = false;
@@ -39,7 +39,7 @@ void PreviewPointer::OnLeftUp() {
   leftDrag_ = false;
   windows_.releaseMouse();
   if (!editing_.pipetteActive()) return;
-  editing_.dropPipette();
+  editing_.deactivatePipette();
   view_.RequestRender();
 }
 
@@ -60,7 +60,7 @@ void PreviewPointer::OnRightUp() {
 
 void PreviewPointer::OnMove(Point point) {
   if (!view_.isOpen()) return;
-  tellPlace(point);
+  showPosition(point);
   if (panActive_) {
     const double scale = view_.geometry().viewScale;
     view_.panTo({wholePixels(panStart_.x - (point.x - rightDown_.x) * scale),
@@ -68,12 +68,12 @@ void PreviewPointer::OnMove(Point point) {
   }
   if (leftDrag_ && draggedOrigin_ != nullptr) dragOriginTo(point);
   if (editing_.pipetteActive()) {
-    if (const auto color = windows_.screenColor(point)) editing_.pipetteTakes(*color);
+    if (const auto color = windows_.screenColor(point)) editing_.applyPipetteColor(*color);
   }
 }
 
-// In pixels of the whole image, to a tenth.
-void PreviewPointer::tellPlace(Point point) {
+// Shows the position in the caption, in pixels of the whole image with one decimal.
+void PreviewPointer::showPosition(Point point) {
   const auto [x, y] = view_.geometry().clientToImage(point, {0.0, 0.0});
   const Extent image = view_.renderedSize();
   const int step = view_.imagePixelsPerStep();

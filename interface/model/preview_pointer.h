@@ -1,5 +1,5 @@
-// The mouse in the preview: the left button drags the light, the right one the picture, and the
-// pipette takes colours.
+// Handles the mouse in the preview: the left button drags the light, the right button pans the
+// picture, and the active pipette reads colours.
 #pragma once
 
 #include "interface/model/parameter_editing.h"
@@ -14,9 +14,9 @@ class PreviewPointer {
   PreviewPointer(const PreviewPointer&) = delete;
   PreviewPointer& operator=(const PreviewPointer&) = delete;
 
-  void letGo();  // of everything that is dragged
+  void cancelDrag();
 
-  // Points of the preview's client area. A press anywhere in the frame moves the light there.
+  // Points are in the preview's client area. A left press in the frame moves the light there.
   void OnLeftDown(Point point);
   void OnLeftUp();
   void OnRightDown(Point point);
@@ -26,7 +26,7 @@ class PreviewPointer {
  private:
   bool isInFrame(Point point) const;
   void dragOriginTo(Point point);
-  void tellPlace(Point point);
+  void showPosition(Point point);
 
   DialogWindows& windows_;
   PreviewView& view_;

@@ -17,7 +17,7 @@ void PreviewView::open(EditedFilter* filter, hostapi::FilterRecord* record) {
   nAppliedFactor = -1;
   nDraftLevel = 0;
   geometry_ = {};
-  settled_.reset();
+  fullQualityView_.reset();
   hostDraws_ = record->displayPixels != nullptr;
 }
 
@@ -31,7 +31,7 @@ void PreviewView::close() {
 
 void PreviewView::RequestRender() {
   bRenderPending = true;
-  zoomAloneWantsRender_ = false;
+  zoomOnlyPending_ = false;
   UpdateUndoButtons();
 }
 
@@ -41,7 +41,7 @@ void PreviewView::UpdateUndoButtons() {
   }
 }
 
-// A host may answer with any rectangle.
+// Clamped, because a host may return any rectangle.
 Extent PreviewView::renderedSize() const {
   const hostapi::Rect& rect = record_->outRect;
   return {std::clamp(rect.right - rect.left, 0, hostapi::maximumSide),
@@ -55,8 +55,8 @@ const PreviewGeometry& PreviewView::geometry() {
 
 void PreviewView::panTo(Point pan) {
   geometry_.pan = pan;
-  settled_.reset();
-  if (nDraftLevel == 0) settled_ = {nFactor, geometry_};
+  fullQualityView_.reset();
+  if (nDraftLevel == 0) fullQualityView_ = {nFactor, geometry_};
   windows_.invalidateFrame();
 }
 
@@ -73,7 +73,7 @@ void PreviewView::FitScaleToFrame() {
 void PreviewView::ZoomBy(std::int32_t steps) {
   nRequestedFactor = nFactor + steps;
   if (nRequestedFactor == nFactor) return;
-  zoomAloneWantsRender_ = !bRenderPending || zoomAloneWantsRender_;
+  zoomOnlyPending_ = !bRenderPending || zoomOnlyPending_;
   bRenderPending = true;
 }
 
@@ -85,35 +85,36 @@ void PreviewView::AssignScaleFactor(std::int32_t factor) {
   windows_.setPercentage(scale.percentage());
 
   geometry_.frame = windows_.frameSize();
-  const bool sameView = settled_ && settled_->factor == nFactor;
-  const PreviewGeometry before = sameView ? settled_->geometry : geometry_;
+  const bool sameView = fullQualityView_ && fullQualityView_->factor == nFactor;
+  const PreviewGeometry before = sameView ? fullQualityView_->geometry : geometry_;
   const Point centre = before.centre(before.viewScale);
   geometry_.viewScale = scale.viewScale();
   const bool sameImage = scale.renderFactor() == nAppliedFactor;
   if (!sameImage && !fetch(scale.renderFactor())) return;
-  const auto scaled = [](int position, int now, int then) {
-    return then > 0 ? wholePixels(static_cast<double>(position) * now / then) : now / 2;
+  const auto scaled = [](int position, int newSide, int oldSide) {
+    return oldSide > 0 ? wholePixels(static_cast<double>(position) * newSide / oldSide)
+                       : newSide / 2;
   };
   geometry_.panTo({scaled(centre.x, geometry_.image.width, before.image.width),
                    scaled(centre.y, geometry_.image.height, before.image.height)});
   if (nDraftLevel == 0) {
     if (sameView) geometry_.pan = before.pan;
-    settled_ = {nFactor, geometry_};
+    fullQualityView_ = {nFactor, geometry_};
   } else if (!sameView) {
-    settled_.reset();  // a view chosen over a draft: an older one of this factor is another place
+    fullQualityView_.reset();  // the scale was changed in a draft, so the last view is of no use
   }
   windows_.invalidateFrame();
   windows_.paintNow();
   if (!sameImage) {
     renewBitmap();
-  } else if (zoomAloneWantsRender_) {
+  } else if (zoomOnlyPending_) {
     bRenderPending = false;
   }
   trace("pfPreviewWin32::AssignScaleFactor( return(", 0, ") )");
 }
 
-// Where the host fails the record tells of an image that is not there, and nothing is rendered
-// until it is.
+// When the host fails, the record describes an image that is not there; nothing is rendered until a
+// later attempt succeeds.
 bool PreviewView::fetch(std::int32_t renderFactor) {
   releaseBitmap();
   nAppliedFactor = -1;
@@ -151,7 +152,7 @@ void PreviewView::releaseBitmap() {
   bitmap_ = nullptr;
 }
 
-void PreviewView::drawWithoutHost() {
+void PreviewView::disableHostDrawing() {
   hostDraws_ = false;
   if (!bBitmapValid) return;
   bBitmapValid = false;
@@ -168,13 +169,13 @@ void PreviewView::RenderUntilFinal() {
       AssignScaleFactor(nRequestedFactor);
       continue;
     }
-    // 0 would stand for a final render.
+    // Not 0, which would mean a final render.
     nRenderStartTick = std::max<std::uint32_t>(platform::tickCount(), 1);
     bRenderPending = false;
-    zoomAloneWantsRender_ = false;
+    zoomOnlyPending_ = false;
     filter_->previewLevel = nDraftLevel;
     if (nAppliedFactor < 0) {
-      AssignScaleFactor(nFactor);  // the host may be able to now
+      AssignScaleFactor(nFactor);  // retries the fetch
       if (nAppliedFactor < 0) break;
       continue;
     }
@@ -192,7 +193,7 @@ void PreviewView::RenderUntilFinal() {
     if (!bRenderPending && nDraftLevel > 0) {
       nDraftLevel = 0;
       AssignScaleFactor(nRequestedFactor);
-      bRenderPending = true;  // even where a zoom step has kept the draft's scale
+      bRenderPending = true;  // also when AssignScaleFactor fetched no new image
     }
   }
 }
@@ -201,7 +202,7 @@ std::int16_t PreviewView::render() {
   try {
     return filter_->SelectRenderTemplate(record_);
   } catch (const std::bad_alloc&) {
-    return hostapi::memoryFullError;  // the windows stay open
+    return hostapi::memoryFullError;  // keeps the dialogs open
   }
 }
 

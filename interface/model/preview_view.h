@@ -1,5 +1,4 @@
-// The rendered view of the picture: its scale, its bitmap, and the renders that bring it up to
-// date.
+// The preview's rendered view: scale, pan position, bitmap, and the render loop.
 #pragma once
 
 #include <cstdint>
@@ -20,22 +19,22 @@ class PreviewView {
   PreviewView(const PreviewView&) = delete;
   PreviewView& operator=(const PreviewView&) = delete;
 
-  // From open to close the filter and the record stand.
+  // The caller owns filter and record and keeps them valid until close.
   void open(EditedFilter* filter, hostapi::FilterRecord* record);
   void close();
 
   void RequestRender();
-  // undo and redo are enabled by what the history holds.
+  // Enables the undo and redo buttons when the history has such steps.
   void UpdateUndoButtons();
 
-  // Chooses the scale at which the whole image is smaller than the frame.
+  // Selects the scale at which the whole image is smaller than the frame.
   void FitScaleToFrame();
   void AssignScaleFactor(std::int32_t factor);
-  void ZoomBy(std::int32_t steps);  // taken up by the next RenderUntilFinal; 1 is coarser
+  void ZoomBy(std::int32_t steps);  // 1 is coarser; takes effect in the next RenderUntilFinal
 
   bool needsRender() const;
-  // Renders until a picture at full quality stands or a render fails. A render that a change
-  // overtakes is followed by a coarser one, a coarser one by one at full quality.
+  // Renders until the picture has full quality or a render fails. A render that a change has
+  // cancelled is followed by a coarser draft, a completed draft by a full-quality render.
   void RenderUntilFinal();
 
   bool isOpen() const { return filter_ != nullptr; }
@@ -46,7 +45,7 @@ class PreviewView {
   Extent renderedSize() const;
   int imagePixelsPerStep() const { return ViewScale{nFactor, nDraftLevel}.imagePixelsPerStep(); }
 
-  // With the frame's present size.
+  // With the frame size updated to the current one.
   const PreviewGeometry& geometry();
   void panTo(Point pan);
   void limitPan();
@@ -54,10 +53,10 @@ class PreviewView {
   bool hasBitmap() const { return bBitmapValid; }
   const std::uint8_t* bitmap() const { return bitmap_; }
   Extent bitmapSize() const { return {nBitmapWidth, nBitmapHeight}; }
-  // Whether the host brings the bitmap to the screen; the bitmap's order goes by it.
+  // Whether the host draws the bitmap, which determines the bitmap's pixel layout.
   bool hostDraws() const { return hostDraws_; }
-  // It cannot: what it was given is rendered anew.
-  void drawWithoutHost();
+  // Switches to the system's layout for a host that cannot draw; renders a valid bitmap again.
+  void disableHostDrawing();
 
  private:
   bool fetch(std::int32_t renderFactor);
@@ -72,18 +71,18 @@ class PreviewView {
   std::int32_t nFactor = 1;
   std::int32_t nRequestedFactor = 1;
   std::int32_t nDraftLevel = 0;
-  std::int32_t nAppliedFactor = -1;    // of the image that the host has filled in, -1 for none
-  bool zoomAloneWantsRender_ = false;  // nothing else has asked since
+  std::int32_t nAppliedFactor = -1;  // reduction of the fetched image; -1 when there is none
+  bool zoomOnlyPending_ = false;     // the pending render was requested by zooming only
   PreviewGeometry geometry_;
-  // The view as it was chosen. Drafts come from it and lead back to it, so that rounding does not
-  // add up; none when a draft was panned since.
-  struct SettledView {
+  // The last view at full quality. Drafts are derived from it and return to it, so that rounding
+  // errors do not accumulate. Empty after a change of the view in a draft.
+  struct FullQualityView {
     std::int32_t factor;
     PreviewGeometry geometry;
   };
-  std::optional<SettledView> settled_;
-  std::optional<ThreadPool::KeepRunning> workers_;  // from the first render on: others follow
-  std::uint8_t* bitmap_ = nullptr;                  // memory of the host
+  std::optional<FullQualityView> fullQualityView_;
+  std::optional<ThreadPool::KeepRunning> workers_;  // set after the first render, since more follow
+  std::uint8_t* bitmap_ = nullptr;                  // allocated by the filter
   std::int32_t nBitmapWidth = 0;
   std::int32_t nBitmapHeight = 0;
   bool bBitmapValid = false;

@@ -13,7 +13,8 @@ namespace {
 
 using platform::UserKey;
 
-// The names of values; the two flags mean the opposite of theirs.
+// The names of stored values. The names HideHandle and FixedPreview say the opposite of what is
+// stored under them: showHandle and livePreview.
 constexpr char interfaceX[] = "Interface Position X";
 constexpr char interfaceY[] = "Interface Position Y";
 constexpr char presetPath[] = "Preset Path";
@@ -27,7 +28,7 @@ constexpr char previewState[] = "Preview State";
 constexpr char console[] = "console";
 constexpr char logFile[] = "logfile";
 
-// Behind the parameter's name.
+// Appended to the parameter's name.
 constexpr std::array<const char*, 2> positionSuffixes{"_X", "_Y"};
 constexpr std::array<const char*, 3> colorSuffixes{"_red", "_green", "_blue"};
 
@@ -42,7 +43,7 @@ std::optional<double> readDouble(const UserKey& key, const std::string& name) {
   return value && std::isfinite(*value) ? value : std::nullopt;
 }
 
-// All the values or none.
+// Sets all values, or none when one is missing.
 template <class Vector, std::size_t N>
 void readVector(const UserKey& key, Vector& vector, const std::array<const char*, N>& suffixes) {
   typename Vector::Value values{};
@@ -93,7 +94,7 @@ void writeParameter(UserKey& key, pfParameter& parameter) {
                        }});
 }
 
-// Whether there was one.
+// Returns whether the value exists.
 bool readPixels(const UserKey& key, const char* name, std::int32_t& value) {
   const auto number = key.readNumber(name);
   if (number) value = static_cast<std::int32_t>(*number);
@@ -113,25 +114,26 @@ void writeFlag(UserKey& key, const char* name, bool value) {
   key.writeBytes(name, &byte, sizeof byte);
 }
 
-std::int32_t broughtBack(std::int32_t place, std::int32_t screenSize) {
-  constexpr std::int32_t inside = 50;  // pixels of the window that show at least
-  if (place < 0) return 0;
-  return place > screenSize ? screenSize - inside : place;
+std::int32_t clampedToScreen(std::int32_t position, std::int32_t screenSize) {
+  constexpr std::int32_t visible = 50;  // pixels that remain on the screen
+  if (position < 0) return 0;
+  return position > screenSize ? screenSize - visible : position;
 }
 
-void bringBack(std::int32_t& x, std::int32_t& y, const ScreenMetrics& screen) {
+void moveOntoScreen(std::int32_t& x, std::int32_t& y, const ScreenMetrics& screen) {
   if (screen.virtualWidth == 0 || screen.virtualHeight == 0) return;
-  x = broughtBack(x, screen.virtualWidth);
-  y = broughtBack(y, screen.virtualHeight);
+  x = clampedToScreen(x, screen.virtualWidth);
+  y = clampedToScreen(y, screen.virtualHeight);
 }
 
-// Of both ways: the line names the opening at the closing too, wanted.
+// For reading and writing: the text names the opening also on closing. This is intended: texts of
+// the log do not change.
 void tracePresetPath(const std::string& path) {
   trace("UIProcedure - WM_INITDIALOG: PresetPath(", path, ")");
 }
 
-// Its side is taken from the screen's width, in both directions.
-PreviewPlacement firstPreview(const ScreenMetrics& screen) {
+// A square; width and height are both two thirds of the screen's width.
+PreviewPlacement defaultPreview(const ScreenMetrics& screen) {
   PreviewPlacement window;
   window.width = static_cast<std::int32_t>(screen.fullWidth * 0.6666666666666666);
   window.height = window.width;
@@ -163,14 +165,14 @@ void WriteLastUsedSettings(const pfParameters& parameters, const std::string& ke
 
 PreviewPlacement ReadPreviewPlacement(const ScreenMetrics& screen, const std::string& key) {
   const auto stored = UserKey::openForReading(key);
-  if (!stored) return firstPreview(screen);
+  if (!stored) return defaultPreview(screen);
   PreviewPlacement window;
   const bool hasX = readPixels(*stored, previewX, window.x);
   const bool hasY = readPixels(*stored, previewY, window.y);
   const bool hasWidth = readPixels(*stored, previewWidth, window.width);
   const bool hasHeight = readPixels(*stored, previewHeight, window.height);
   readPixels(*stored, previewState, window.state);
-  if (hasX && hasY && hasWidth && hasHeight) bringBack(window.x, window.y, screen);
+  if (hasX && hasY && hasWidth && hasHeight) moveOntoScreen(window.x, window.y, screen);
   return window;
 }
 
@@ -192,7 +194,7 @@ bool ReadParameterPlacement(ParameterPlacement& window, const ScreenMetrics& scr
   if (!stored) return false;
   const bool hasX = readPixels(*stored, interfaceX, window.x);
   const bool hasY = readPixels(*stored, interfaceY, window.y);
-  if (hasX && hasY) bringBack(window.x, window.y, screen);
+  if (hasX && hasY) moveOntoScreen(window.x, window.y, screen);
   const auto path = stored->readText(presetPath);
   if (path) window.presetPath = *path;
   tracePresetPath(path.value_or(""));

@@ -1,6 +1,6 @@
-// What the interface remembers of a user between runs: windows, the preset file, two check boxes
-// and the values of the last confirmed run; and the switches of the trace, which users set by hand.
-// A value that cannot be read leaves things as they are. Nothing here has a window handle.
+// The user's settings between runs: window positions, the preset file, two check boxes and the
+// values of the last confirmed run; and the trace switches, which users set by hand. A value that
+// cannot be read leaves its variable unchanged. Nothing here uses window handles.
 #pragma once
 
 #include <cstdint>
@@ -10,24 +10,25 @@
 
 namespace radiashafts {
 
-// The user's key of the filter. The values of parameters are in one below it.
+// The filter's key in the user's store, and the subkey with the values of the parameters.
 inline constexpr char settingsKey[] = "SOFTWARE\\Halvorsund\\Photoshop\\Radiashafts";
 inline constexpr char lastUsedSubkey[] = "\\LastUsed";
 
-// Takes the values of the last confirmed run, without limits, where the parameters are of the kind
-// that is stored. False when none are remembered.
+// Sets the parameters that presets store to the values of the last confirmed run, without clamping.
+// False when none are stored.
 bool ReadLastUsedSettings(const pfParameters& parameters, const std::string& key = settingsKey);
 void WriteLastUsedSettings(const pfParameters& parameters, const std::string& key = settingsKey);
 
-// In pixels. The virtual screen is that of all monitors, the full one what a maximised window has.
+// In pixels. The virtual screen spans all monitors; the full screen is a maximised window's client
+// area.
 struct ScreenMetrics {
-  std::int32_t virtualWidth = 0;  // 0: the system does not tell
+  std::int32_t virtualWidth = 0;  // 0: unknown
   std::int32_t virtualHeight = 0;
   std::int32_t fullWidth = 0;
   std::int32_t fullHeight = 0;
 };
 
-// Where the preview stands when it is not maximised, and the system's number for how it is shown.
+// The preview's rectangle when not maximised, in pixels, and the system's show state.
 struct PreviewPlacement {
   std::int32_t x = 200;
   std::int32_t y = 200;
@@ -37,7 +38,7 @@ struct PreviewPlacement {
 
   bool startsMaximized() const { return (state & 3) == 3; }
 };
-// As it stood last, brought back onto the screen. At first a square in the screen's middle.
+// The last placement, moved onto the screen; a centred square when none is stored.
 PreviewPlacement ReadPreviewPlacement(const ScreenMetrics& screen,
                                       const std::string& key = settingsKey);
 void WritePreviewPlacement(const PreviewPlacement& window, const std::string& key = settingsKey);
@@ -47,16 +48,16 @@ struct ParameterPlacement {
   std::int32_t y = 0;
   std::string presetPath;
   bool showHandle = true;
-  bool livePreview = true;  // not fixed
+  bool livePreview = true;  // "fixed preview" is not checked
 };
-// Puts the window where it stood last, or into the corner; the other members keep their values
-// where none are remembered. Whether the key is there: then OK has the focus.
+// Sets the position to the last one, or to (0, 0) when none is stored; other members without a
+// stored value stay unchanged. Returns whether the key exists.
 bool ReadParameterPlacement(ParameterPlacement& window, const ScreenMetrics& screen,
                             const std::string& key = settingsKey);
 void WriteParameterPlacement(const ParameterPlacement& window,
                              const std::string& key = settingsKey);
 
-// Switches the trace's console and file on as the user wants. Nothing switches them off.
+// Enables the trace's console and file when the user has set them. Never disables them.
 void ReadDebugSwitches(const std::string& key = settingsKey);
 
 }  // namespace radiashafts

@@ -8,7 +8,7 @@
 namespace radiashafts {
 namespace {
 
-constexpr double sliderSteps = 100.0;  // of a value of 1
+constexpr double sliderSteps = 100.0;  // slider positions per unit of the value
 
 int sliderPosition(double value) {
   return wholePixels(std::round(value * sliderSteps));
@@ -26,9 +26,9 @@ void pfParameterUIControls::UpdateState() {
 }
 
 void pfParameterUIControls::ShowText(int id, const std::string& text) {
-  showing = true;
+  settingText = true;
   panel->setText(id, text);
-  showing = false;
+  settingText = false;
 }
 
 void pfParameterUIFloat::Init() {
@@ -39,7 +39,8 @@ void pfParameterUIFloat::Init() {
   Update();
 }
 
-// The slider goes by way of its neighbours, or the system sees no need to repaint its thumb.
+// The slider is moved to other positions first, because the system does not repaint the thumb when
+// the position stays the same.
 void pfParameterUIFloat::Update() {
   if (panel == nullptr) return;
   const double value = bound().value();
@@ -54,7 +55,7 @@ void pfParameterUIFloat::Update() {
 }
 
 bool pfParameterUIFloat::OnChange() {
-  if (panel == nullptr || showing) return false;
+  if (panel == nullptr || settingText) return false;
   if (panel->hasFocus(firstId())) return TakeEdit();
   if (panel->hasFocus(secondId())) return TakeSlider();
   return false;
@@ -76,14 +77,14 @@ bool pfParameterUIFloat::TakeSlider() {
   return renderNeeded;
 }
 
-// A text that nobody touched says the value to six digits only, and is not taken for it.
+// An unedited text is not applied: it has six digits only and would round the value.
 void pfParameterUIFloat::OnKillFocus(int id) {
   if (panel == nullptr || id != firstId()) return;
   if (panel->text(firstId()) != numberText(bound().value())) TakeEdit();
   Update();
 }
 
-// A text that already means the value stays as the user typed it.
+// A text that already equals the value is left as the user typed it.
 void pfParameterUIPosition::Update() {
   if (panel == nullptr) return;
   const Extent image = panel->imageSize();
@@ -98,15 +99,15 @@ void pfParameterUIPosition::Update() {
 }
 
 bool pfParameterUIPosition::OnChange() {
-  if (panel == nullptr || showing) return false;
+  if (panel == nullptr || settingText) return false;
   const Extent image = panel->imageSize();
-  const auto taken = [this](int id, int side, double value) {
+  const auto editedValue = [this](int id, int side, double value) {
     const std::optional<double> pixels =
         panel->hasFocus(id) ? parseNumber(panel->text(id)) : std::nullopt;
     return pixels && side > 0 ? *pixels / side : value;
   };
-  return bound().SetValue(taken(firstId(), image.width, bound().x()),
-                          taken(secondId(), image.height, bound().y()));
+  return bound().SetValue(editedValue(firstId(), image.width, bound().x()),
+                          editedValue(secondId(), image.height, bound().y()));
 }
 
 void pfParameterUIBool::Update() {
@@ -137,7 +138,7 @@ bool pfParameterUIList::OnChange() {
   return entry >= 1 && entry <= bound().EntryCount() && bound().SetValue(entry);
 }
 
-// The control only places the swatch and stays hidden.
+// The control stays hidden; it only defines the swatch's rectangle.
 void pfParameterUIRGB::Update() {
   if (panel != nullptr) panel->invalidate(firstId());
 }

@@ -1,4 +1,4 @@
-// Widgets bind parameters to controls of the dialog: values to controls, and back on a change.
+// Widgets bind parameters to dialog controls: they show values and apply the user's changes.
 #pragma once
 
 #include <array>
@@ -11,17 +11,17 @@
 
 namespace radiashafts {
 
-// The base of all widgets. It does nothing while no panel is there.
+// The base class of the widgets. Without a panel, that is without an open dialog, it does nothing.
 class pfParameterUIControls : public pfParameterUI {
  public:
   explicit pfParameterUIControls(std::array<int, 2> ids) : ids_(ids) {}
 
-  // Binds the controls of an open dialog, sets them up and shows the value; null lets go of them.
+  // Binds the controls of an open dialog, sets them up and shows the value; null unbinds them.
   void Open(ControlPanel* controls) {
     panel = controls;
     if (panel != nullptr) Init();
   }
-  // Takes the state of the focused control. True when the preview needs a new render.
+  // Sets the parameter from the focused control. Returns whether the preview needs a new render.
   virtual bool OnChange() { return false; }
   // An edit has lost the focus.
   virtual void OnKillFocus(int) {}
@@ -34,13 +34,13 @@ class pfParameterUIControls : public pfParameterUI {
  protected:
   virtual void Init() { Update(); }
   int secondId() const { return ids_[1]; }
-  void UpdateState();  // enabled and visible, of all its controls
-  // The dialog reports a text that is set like one that is typed, and in the middle of an Update,
-  // whatever has the focus. showing tells such a report.
+  void UpdateState();  // enables or disables, shows or hides all its controls
+  // Sets an edit's text. The dialog reports this as a change, as if the user had typed; settingText
+  // is true meanwhile, so that OnChange can ignore it.
   void ShowText(int id, const std::string& text);
 
   ControlPanel* panel = nullptr;
-  bool showing = false;
+  bool settingText = false;
 
  private:
   std::array<int, 2> ids_;
@@ -72,7 +72,7 @@ class pfParameterUIPosition final : public pfParameterUIControls {
   pfParameterPosition& bound() const { return static_cast<pfParameterPosition&>(*parameter); }
 };
 
-// A check box, or a push button whose work is its parameter's onChange.
+// A check box, or a push button that runs its parameter's onChange.
 class pfParameterUIBool final : public pfParameterUIControls {
  public:
   using pfParameterUIControls::pfParameterUIControls;
@@ -94,7 +94,7 @@ class pfParameterUIList final : public pfParameterUIControls {
   pfParameterList& bound() const { return static_cast<pfParameterList&>(*parameter); }
 };
 
-// A swatch that the dialog paints in the place of a hidden control.
+// A colour swatch, which the dialog paints at the position of a hidden control.
 class pfParameterUIRGB final : public pfParameterUIControls {
  public:
   using pfParameterUIControls::pfParameterUIControls;

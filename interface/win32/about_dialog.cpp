@@ -7,13 +7,13 @@
 namespace radiashafts {
 namespace {
 
-// Every render is a full one.
-constexpr char licenceStatus[] = "full version";
+// Shown below the text; every build is a full version.
+constexpr char licenceText[] = "full version";
 
 INT_PTR AboutProcedure(HWND dialog, UINT message, WPARAM w, LPARAM l) {
   switch (message) {
     case WM_INITDIALOG: {
-      const std::string text = *reinterpret_cast<const std::string*>(l) + "\n" + licenceStatus;
+      const std::string text = *reinterpret_cast<const std::string*>(l) + "\n" + licenceText;
       SetDlgItemTextA(dialog, ID_ABOUT_TEXT, text.c_str());
       return TRUE;
     }

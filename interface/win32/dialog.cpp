@@ -7,7 +7,8 @@
 namespace radiashafts {
 namespace {
 
-// The system's own class icons are the host's too and are left alone; each dialog has its own.
+// Sets the icon of this window only, because all dialogs of the process, the host's too, share the
+// icon of the window class.
 void setIcon(HWND dialog) {
   const auto load = [](int metric) {
     const int side = GetSystemMetrics(metric);

@@ -1,4 +1,4 @@
-// A dialog of the interface: its window, and the way of its messages to an object.
+// The base class of the interface's dialogs: owns the window and forwards its messages.
 #pragma once
 
 #include <windows.h>
@@ -12,26 +12,26 @@ class Dialog {
   Dialog(const Dialog&) = delete;
   Dialog& operator=(const Dialog&) = delete;
 
-  // Makes the window from the module's resource, hidden, with the filter's icon; null where the
-  // system makes none. name is for the log.
+  // Creates the window, hidden, from the module's dialog resource. On failure logs an error with
+  // name and returns false.
   bool create(int resource, HWND owner, const char* name);
   void destroy();
 
-  HWND window() const { return window_; }  // null when there is none
+  HWND window() const { return window_; }  // null when not created
   void enable(bool enabled) { EnableWindow(window_, enabled ? TRUE : FALSE); }
 
  protected:
   Dialog() = default;
   ~Dialog() = default;
 
-  // TRUE, or the value that the message asks for, when the message was handled.
+  // Returns FALSE when the message was not handled; else TRUE or the message's own return value.
   virtual INT_PTR onMessage(UINT message, WPARAM w, LPARAM l) = 0;
-  // The result of a handled message, where the system reads one.
+  // Sets the result of a handled message, for messages that have one.
   void setResult(LONG_PTR result) { SetWindowLongPtrA(window_, DWLP_MSGRESULT, result); }
-  // The window is being destroyed. The interface ends where this was not by destroy: the host may
-  // have destroyed the owner.
-  void destroyed() {
-    if (!destroying_) interfaceEnd().windowGone();
+  // Called on WM_DESTROY. Ends the interface unless destroy was the cause: the host may have
+  // destroyed the owner window.
+  void onWindowDestroyed() {
+    if (!destroying_) interfaceEnd().windowDestroyed();
   }
 
  private:

@@ -74,7 +74,7 @@ int DialogControls::selectedEntry(int id) const {
   return static_cast<int>(send(id, CB_GETCURSEL));
 }
 
-// The entries of a list never change, so that an open one is left alone.
+// Filled only once, since the entries never change: a list that is dropped down stays open.
 void DialogControls::setEntries(int id, const std::vector<std::string>& entries, int selected) {
   if (send(id, CB_GETCOUNT) != static_cast<LRESULT>(entries.size())) {
     send(id, CB_RESETCONTENT);

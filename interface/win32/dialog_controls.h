@@ -8,7 +8,7 @@
 
 namespace radiashafts {
 
-// Of a window that paints what is invalid in it.
+// RAII: the device context for a WM_PAINT message.
 class PaintContext {
  public:
   explicit PaintContext(HWND window) : window_(window), context_(BeginPaint(window, &paint_)) {}
@@ -56,13 +56,13 @@ class DialogControls final : public ControlPanel {
   Extent imageSize_;
 };
 
-// Of the system's monitors.
+// The current metrics of the system's monitors.
 ScreenMetrics screenMetrics();
 
-// The place of a control, hidden or not, in its dialog's client area.
+// The rectangle of a control, hidden or not, in its dialog's client area.
 RECT controlRect(HWND dialog, int id);
 
-// Enables or disables a control; one that is disabled passes the focus on to the next one.
+// Enables or disables a control. If the control had the focus when disabled, the next one gets it.
 void enableControl(HWND dialog, int id, bool enabled);
 
 }  // namespace radiashafts

@@ -1,5 +1,5 @@
-// Ids of the dialogs and of the controls that belong to no parameter, for the code and for the
-// resource compiler alike. Those of the parameters' controls are in parameters/effect_table.h.
+// Ids of the dialogs and of the controls without a parameter. Included by the code and by the
+// resource compiler. The ids of parameters' controls are in parameters/effect_table.h.
 #pragma once
 
 #define ID_PARAMETER_DIALOG 101

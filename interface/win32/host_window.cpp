@@ -6,25 +6,26 @@
 namespace radiashafts {
 namespace {
 
-bool threadAnswers(HWND window) {
-  constexpr UINT patience = 500;  // milliseconds
+bool threadResponds(HWND window) {
+  constexpr UINT timeout = 500;  // milliseconds
   if (GetWindowThreadProcessId(window, nullptr) == GetCurrentThreadId()) return true;
   DWORD_PTR result = 0;
-  return SendMessageTimeoutA(window, WM_NULL, 0, 0, SMTO_NORMAL | SMTO_ABORTIFHUNG, patience,
+  return SendMessageTimeoutA(window, WM_NULL, 0, 0, SMTO_NORMAL | SMTO_ABORTIFHUNG, timeout,
                              &result) != 0;
 }
 
-void CALLBACK enable(PTP_CALLBACK_INSTANCE, void* window) {
+void CALLBACK enableInThreadpool(PTP_CALLBACK_INSTANCE, void* window) {
   EnableWindow(static_cast<HWND>(window), TRUE);
 }
 
-// The window takes input at once; only the message that tells it so waits, in a thread that keeps
-// the module loaded.
-void enableWithoutWaiting(HWND window) {
+// Enables the window from a thread-pool thread, which keeps the module loaded. The window accepts
+// input at once; only the notification that EnableWindow sends blocks until the window's thread
+// responds.
+void enableAsync(HWND window) {
   TP_CALLBACK_ENVIRON environment;
   InitializeThreadpoolEnvironment(&environment);
   SetThreadpoolCallbackLibrary(&environment, moduleInstance());
-  TrySubmitThreadpoolCallback(enable, window, &environment);
+  TrySubmitThreadpoolCallback(enableInThreadpool, window, &environment);
 }
 
 }  // namespace
@@ -34,38 +35,38 @@ HWND HostWindow::ownerFor(const hostapi::FilterRecord& record) {
   if (record.platformData == nullptr) return nullptr;
   const auto window = static_cast<HWND>(record.platformData->ownerWindow);
   if (IsWindow(window) == FALSE) return nullptr;
-  if (!threadAnswers(window)) {
+  if (!threadResponds(window)) {
     logLine(severityWarning, warningMarker, "The host's window does not answer");
     return nullptr;
   }
   return owner_ = window;
 }
 
-// One of another process is left alone: it would rest for good if this process ended early.
-void HostWindow::rest() {
+// A window of another process is not disabled: it would stay disabled if this process crashed.
+void HostWindow::disable() {
   if (owner_ == nullptr) return;
   const HWND window = GetAncestor(owner_, GA_ROOT);
   DWORD process = 0;
   if (window != nullptr) GetWindowThreadProcessId(window, &process);
   if (process != GetCurrentProcessId() || IsWindowEnabled(window) == FALSE) return;
-  if (window != owner_ && !threadAnswers(window)) return;
-  resting_ = window;
+  if (window != owner_ && !threadResponds(window)) return;
+  disabled_ = window;
   EnableWindow(window, FALSE);
 }
 
-void HostWindow::wake() {
-  if (resting_ != nullptr && IsWindow(resting_) != FALSE) {
-    if (threadAnswers(resting_)) {
-      EnableWindow(resting_, TRUE);
+void HostWindow::enable() {
+  if (disabled_ != nullptr && IsWindow(disabled_) != FALSE) {
+    if (threadResponds(disabled_)) {
+      EnableWindow(disabled_, TRUE);
     } else {
-      enableWithoutWaiting(resting_);
+      enableAsync(disabled_);
     }
   }
-  resting_ = nullptr;
+  disabled_ = nullptr;
 }
 
-bool HostWindow::answers() const {
-  return owner_ == nullptr || IsWindow(owner_) == FALSE || threadAnswers(owner_);
+bool HostWindow::isResponding() const {
+  return owner_ == nullptr || IsWindow(owner_) == FALSE || threadResponds(owner_);
 }
 
 }  // namespace radiashafts

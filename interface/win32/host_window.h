@@ -1,4 +1,4 @@
-// The window that the host's user works in.
+// The host's window, which owns the dialogs.
 #pragma once
 
 #include <windows.h>
@@ -7,26 +7,26 @@
 
 namespace radiashafts {
 
-// It rests while the dialogs stand over it. Its thread may be another than the caller's, and may
-// look at no messages for as long as the filter runs: nothing here waits for it for long.
+// The window is disabled while the dialogs are open. It may belong to another thread, which may
+// process no messages while the filter runs, so calls wait for it with a timeout only.
 class HostWindow {
  public:
   HostWindow() = default;
-  ~HostWindow() { wake(); }
+  ~HostWindow() { enable(); }
   HostWindow(const HostWindow&) = delete;
   HostWindow& operator=(const HostWindow&) = delete;
 
-  // The host's window as the owner of dialogs; null where there is none or it does not answer: the
-  // input of a window and of its owner goes through one queue.
+  // The host's window as the owner of the dialogs. Null when the host has none, or when its thread
+  // does not respond: a window shares its owner's input queue and would get no input.
   HWND ownerFor(const hostapi::FilterRecord& record);
-  void rest();
-  void wake();
-  // Whether its thread still looks at messages.
-  bool answers() const;
+  void disable();
+  void enable();
+  // Whether its thread still processes messages; true without a window.
+  bool isResponding() const;
 
  private:
   HWND owner_ = nullptr;
-  HWND resting_ = nullptr;
+  HWND disabled_ = nullptr;  // the top-level window to enable again
 };
 
 }  // namespace radiashafts

@@ -7,7 +7,8 @@
 namespace radiashafts {
 namespace {
 
-// Tells our quit message, which only loops of the system get, from the host's.
+// The exit code that distinguishes our quit message, posted only for loops of the system, from the
+// host's.
 constexpr int ourQuit = 0x52617973;
 
 }  // namespace
@@ -18,29 +19,30 @@ InterfaceEnd& interfaceEnd() {
 }
 
 void InterfaceEnd::reset() {
-  asked_ = confirmed_ = gone_ = false;
-  fault_ = nullptr;
+  requested_ = confirmed_ = windowDestroyed_ = false;
+  exception_ = nullptr;
   bInterfaceEnded = false;
 }
 
-void InterfaceEnd::ask(bool confirmed) {
-  if (asked_) return;
-  asked_ = true;
+void InterfaceEnd::request(bool confirmed) {
+  if (requested_) return;
+  requested_ = true;
   confirmed_ = confirmed;
   wakeLoops();
 }
 
-void InterfaceEnd::windowGone() {
-  gone_ = true;
+void InterfaceEnd::windowDestroyed() {
+  windowDestroyed_ = true;
   wakeLoops();
 }
 
-void InterfaceEnd::fail(std::exception_ptr fault) noexcept {
-  if (fault_ == nullptr) fault_ = std::move(fault);
+void InterfaceEnd::fail(std::exception_ptr exception) noexcept {
+  if (exception_ == nullptr) exception_ = std::move(exception);
   wakeLoops();
 }
 
-// A loop that waits for messages may be what called: another thread's message is handled in there.
+// Posts a message, because the loop may be waiting in GetMessage, which also dispatches messages
+// sent by other threads.
 void InterfaceEnd::wakeLoops() noexcept {
   bInterfaceEnded = true;
   PostThreadMessageA(GetCurrentThreadId(), WM_NULL, 0, 0);
@@ -48,18 +50,18 @@ void InterfaceEnd::wakeLoops() noexcept {
 }
 
 void InterfaceEnd::rethrow() {
-  if (fault_ != nullptr) std::rethrow_exception(std::exchange(fault_, nullptr));
+  if (exception_ != nullptr) std::rethrow_exception(std::exchange(exception_, nullptr));
 }
 
 SystemDialog::SystemDialog() {
   ++interfaceEnd().systemDialogs_;
 }
 
-// The system's loops hand the quit message on to the loop around them.
+// The system's loops post the quit message again for the outer loop; ours is removed here.
 SystemDialog::~SystemDialog() {
   platform::setDefaultFloatingPoint();
   InterfaceEnd& end = interfaceEnd();
-  if (--end.systemDialogs_ > 0 || !end.hasCome()) return;
+  if (--end.systemDialogs_ > 0 || !end.isEnding()) return;
   MSG message;
   const BOOL found = PeekMessageA(&message, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE);
   if (found != FALSE && message.wParam != ourQuit) {

@@ -1,4 +1,4 @@
-// The end of what the interface shows, and how its procedures and loops come to it.
+// The request to close the interface, and its delivery to message loops and renders.
 #pragma once
 
 #include <windows.h>
@@ -10,41 +10,43 @@
 
 namespace radiashafts {
 
-// No message stands for the end: a host that takes the messages of its thread may lose any. The
-// message loop looks here, and so does a render. Of one interface at a time, on its thread.
+// The end is a flag and not a message, because a host that reads its thread's messages may lose
+// any. The message loop checks this object, and a running render checks bInterfaceEnded. There is
+// one interface at a time; only its thread uses this object.
 class InterfaceEnd {
  public:
-  // A new interface opens.
+  // Called when an interface opens.
   void reset();
-  // OK or Cancel, from outside of a render or inside one; only the first call counts.
-  void ask(bool confirmed);
-  // Cancel, whatever was asked: a window is gone without our doing.
-  void windowGone();
-  // A procedure threw.
-  void fail(std::exception_ptr fault) noexcept;
+  // OK or Cancel, also during a render. Only the first call has an effect.
+  void request(bool confirmed);
+  // A window was destroyed by others. Counts as Cancel, even after OK.
+  void windowDestroyed();
+  // A window procedure threw an exception.
+  void fail(std::exception_ptr exception) noexcept;
 
-  bool hasCome() const { return asked_ || gone_ || fault_ != nullptr; }
-  // A render that was wanted before the end was asked for is still done.
-  bool allowsRender() const { return !gone_ && fault_ == nullptr; }
+  bool isEnding() const { return requested_ || windowDestroyed_ || exception_ != nullptr; }
+  // A render that is still pending at OK or Cancel is executed.
+  bool allowsRender() const { return !windowDestroyed_ && exception_ == nullptr; }
   bool isConfirmed() const { return confirmed_ && allowsRender(); }
-  // Throws what a procedure threw, where one did.
+  // Rethrows the exception of a procedure, if there was one.
   void rethrow();
 
  private:
   friend class SystemDialog;
   void wakeLoops() noexcept;
 
-  bool asked_ = false;
+  bool requested_ = false;
   bool confirmed_ = false;
-  bool gone_ = false;
-  std::exception_ptr fault_;
-  int systemDialogs_ = 0;
+  bool windowDestroyed_ = false;
+  std::exception_ptr exception_;
+  int systemDialogs_ = 0;  // open ones, which may be nested
 };
 
 InterfaceEnd& interfaceEnd();
 
-// Stands around a dialog with a message loop of the system's own, which ends with the interface.
-// The system runs other programs' extensions in it.
+// RAII: surrounds a modal dialog with the system's own message loop, so that the interface's end
+// also closes it. Sets the floating-point state afterwards, because the system runs other programs'
+// extensions in the loop.
 class SystemDialog {
  public:
   SystemDialog();
@@ -53,12 +55,12 @@ class SystemDialog {
   SystemDialog& operator=(const SystemDialog&) = delete;
 };
 
-// A dialog's procedure as the system calls it: by whichever loop, in whichever visual style and
-// floating-point state, and with nothing thrown into the system.
+// The procedure that is passed to the system. Any message loop may call it, so it sets the visual
+// style and the floating-point state. It catches exceptions, because none may reach the system.
 template <INT_PTR (*procedure)(HWND, UINT, WPARAM, LPARAM)>
 INT_PTR CALLBACK windowProcedure(HWND dialog, UINT message, WPARAM w, LPARAM l) noexcept {
   const platform::DefaultFloatingPoint state;
-  const VisualStyle::Again style;
+  const VisualStyle::Reactivation style;
   try {
     return procedure(dialog, message, w, l);
   } catch (...) {

@@ -14,7 +14,7 @@ INT_PTR ParameterDialog::onMessage(UINT message, WPARAM w, LPARAM l) {
   switch (message) {
     case WM_INITDIALOG:
       onOpen();
-      return FALSE;  // the focus is at OK
+      return FALSE;  // onOpen has set the focus to OK
     case WM_DESTROY:
       onDestroy();
       return TRUE;
@@ -55,8 +55,8 @@ INT_PTR ParameterDialog::onMessage(UINT message, WPARAM w, LPARAM l) {
 
 void ParameterDialog::onOpen() {
   const hostapi::Point whole = view_.record().wholeSize;
-  const bool told = whole.h > 0 && whole.v > 0;
-  controls_.attach(window(), told ? Extent{whole.h, whole.v} : view_.imageSize());
+  const bool hasWholeSize = whole.h > 0 && whole.v > 0;
+  controls_.attach(window(), hasWholeSize ? Extent{whole.h, whole.v} : view_.imageSize());
   SendDlgItemMessageA(window(), ID_PRESETS, CB_SETDROPPEDWIDTH, droppedPresetsWidth(), 0);
   SetFocus(GetDlgItem(window(), IDOK));
 
@@ -82,10 +82,10 @@ void ParameterDialog::onDestroy() {
     WriteParameterPlacement(
         {rect.left, rect.top, presets().path(), preview_.showsHandle(), bLivePreview});
   }
-  destroyed();
+  onWindowDestroyed();
 }
 
-// Names of presets may be long: the open list takes the row's whole width.
+// The dropped-down list is as wide as the whole row, because preset names may be long.
 WPARAM ParameterDialog::droppedPresetsWidth() const {
   return static_cast<WPARAM>(controlRect(window(), ID_DELETE_PRESET).right -
                              controlRect(window(), ID_PRESETS).left);
@@ -97,12 +97,12 @@ void ParameterDialog::onCommand(int id, int notification) {
     case IDOK:
       if (!clicked) return;
       trace("UIProcedure - WM_COMMAND OK pressed.");
-      interfaceEnd().ask(true);
+      interfaceEnd().request(true);
       return;
     case IDCANCEL:
       if (!clicked) return;
       trace("UIProcedure - WM_COMMAND CANCEL pressed.");
-      interfaceEnd().ask(false);
+      interfaceEnd().request(false);
       return;
     case ID_PRESETS:
       if (notification != CBN_SELCHANGE) return;

@@ -1,4 +1,4 @@
-// The parameter dialog, which holds the controls and the preset row.
+// The parameter dialog with the parameters' controls and the preset row.
 #pragma once
 
 #include <windows.h>
@@ -26,7 +26,7 @@ class ParameterDialog final : public Dialog {
 
   void setPercentage(const std::string& text);
   void enableHistory(bool undo, bool redo);
-  // The place of a control in the client area.
+  // The rectangle of a control in the client area.
   Box controlBox(int id) const;
 
  private:

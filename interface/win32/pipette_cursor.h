@@ -1,4 +1,4 @@
-// The pointer as a pipette, while the user takes a colour from the picture.
+// The pipette cursor, shown while the user picks a colour from the picture.
 #pragma once
 
 #include <windows.h>
@@ -15,7 +15,7 @@ class PipetteCursor {
   void load();
   void release();
   void use(bool pipette);
-  // Sets it in place of the window's own cursor; false when it is not in use.
+  // For WM_SETCURSOR: sets the pipette cursor; false when it is not in use.
   bool set() const;
 
  private:

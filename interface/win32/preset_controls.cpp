@@ -15,15 +15,17 @@ namespace {
 
 using Text = std::array<char, 256>;
 
-// The process's working directory, which the file dialog changes, put back.
-class WorkingDirectory {
+// RAII: restores the process's working directory, which the file dialog changes.
+class WorkingDirectoryRestorer {
  public:
-  WorkingDirectory() { GetCurrentDirectoryA(static_cast<DWORD>(path_.size()), path_.data()); }
-  ~WorkingDirectory() {
+  WorkingDirectoryRestorer() {
+    GetCurrentDirectoryA(static_cast<DWORD>(path_.size()), path_.data());
+  }
+  ~WorkingDirectoryRestorer() {
     if (path_[0] != '\0') SetCurrentDirectoryA(path_.data());
   }
-  WorkingDirectory(const WorkingDirectory&) = delete;
-  WorkingDirectory& operator=(const WorkingDirectory&) = delete;
+  WorkingDirectoryRestorer(const WorkingDirectoryRestorer&) = delete;
+  WorkingDirectoryRestorer& operator=(const WorkingDirectoryRestorer&) = delete;
 
  private:
   std::array<char, 1024> path_{};
@@ -32,12 +34,12 @@ class WorkingDirectory {
 struct SaveAsRequest {
   PresetRow* row;
   std::string proposed;
-  std::string agreed;  // empty until OK: the interface's end closes the dialog without a button
+  std::string confirmed;  // empty until OK; the interface's end closes the dialog without a button
 };
 
 INT_PTR SaveAsProcedure(HWND dialog, UINT message, WPARAM w, LPARAM l) {
   const HWND edit = GetDlgItem(dialog, ID_SETTING_NAME);
-  const auto askAgain = [edit] {
+  const auto selectName = [edit] {
     SetFocus(edit);
     SendMessageA(edit, EM_SETSEL, 0, -1);
   };
@@ -45,7 +47,7 @@ INT_PTR SaveAsProcedure(HWND dialog, UINT message, WPARAM w, LPARAM l) {
     SetWindowLongPtrA(dialog, DWLP_USER, l);
     SendMessageA(edit, EM_LIMITTEXT, Text().size() - 1, 0);
     SetWindowTextA(edit, reinterpret_cast<const SaveAsRequest*>(l)->proposed.c_str());
-    askAgain();
+    selectName();
     return FALSE;
   }
   if (message != WM_COMMAND || HIWORD(w) != BN_CLICKED) return FALSE;
@@ -55,16 +57,16 @@ INT_PTR SaveAsProcedure(HWND dialog, UINT message, WPARAM w, LPARAM l) {
     GetWindowTextA(edit, text.data(), static_cast<int>(text.size()));
     for (char& character : text) character = character == ' ' ? '_' : character;
     SetWindowTextA(edit, text.data());
-    EnableWindow(dialog, FALSE);  // a question that the row asks is the main dialog's
-    const auto name = request->row->agreeOnName(text.data());
-    EnableWindow(GetWindow(dialog, GW_OWNER), FALSE);  // the question's end may have enabled it
+    EnableWindow(dialog, FALSE);  // a message box of the row has the parameter dialog as owner
+    const auto name = request->row->confirmName(text.data());
+    EnableWindow(GetWindow(dialog, GW_OWNER), FALSE);  // the message box may have enabled it
     EnableWindow(dialog, TRUE);
     SetForegroundWindow(dialog);
     if (name) {
-      request->agreed = *name;
+      request->confirmed = *name;
       EndDialog(dialog, 0);
     } else {
-      askAgain();
+      selectName();
     }
     return TRUE;
   }
@@ -123,7 +125,7 @@ void PresetControlsWin32::enablePresets(bool choosing, bool saving, bool deletin
   enableControl(dialog_.window(), ID_DELETE_PRESET, deleting);
 }
 
-// No file must exist: a new name begins a new file.
+// The file need not exist; a new name creates a new file.
 std::optional<std::string> PresetControlsWin32::choosePresetFile(const std::string& path) {
   Text text{};
   std::strncpy(text.data(), path.c_str(), text.size() - 1);
@@ -137,11 +139,11 @@ std::optional<std::string> PresetControlsWin32::choosePresetFile(const std::stri
   request.lpstrTitle = "Open Presets File";
   request.lpstrDefExt = "cfg";
   request.Flags = OFN_HIDEREADONLY | OFN_EXPLORER | OFN_LONGNAMES | OFN_ENABLESIZING;
-  const WorkingDirectory hosts;
+  const WorkingDirectoryRestorer restoreAtEnd;
   const SystemDialog dialog;
   bool chosen = GetOpenFileNameA(&request) != FALSE;
   if (!chosen && CommDlgExtendedError() == FNERR_INVALIDFILENAME) {
-    text.fill('\0');  // no path to begin with
+    text.fill('\0');  // retries without an initial path
     chosen = GetOpenFileNameA(&request) != FALSE;
   }
   return chosen ? std::optional<std::string>(text.data()) : std::nullopt;
@@ -154,7 +156,7 @@ std::string PresetControlsWin32::askPresetName(const std::string& proposed) {
   const INT_PTR result =
       DialogBoxParamA(moduleInstance(), MAKEINTRESOURCEA(ID_SAVE_AS_DIALOG), dialog_.window(),
                       windowProcedure<SaveAsProcedure>, reinterpret_cast<LPARAM>(&request));
-  return result == -1 ? std::string() : request.agreed;
+  return result == -1 ? std::string() : request.confirmed;
 }
 
 bool PresetControlsWin32::confirm(const char* text, const char* caption) {
@@ -162,7 +164,7 @@ bool PresetControlsWin32::confirm(const char* text, const char* caption) {
   return MessageBoxA(dialog_.window(), text, caption, MB_YESNO | MB_ICONQUESTION) == IDYES;
 }
 
-void PresetControlsWin32::complain(const std::string& text, const char* caption) {
+void PresetControlsWin32::showError(const std::string& text, const char* caption) {
   const SystemDialog dialog;
   MessageBoxA(dialog_.window(), text.c_str(), caption, MB_OK | MB_ICONEXCLAMATION);
 }

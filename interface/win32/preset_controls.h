@@ -1,4 +1,4 @@
-// The preset row's controls and prompts.
+// The Windows controls and prompts of the preset row.
 #pragma once
 
 #include <windows.h>
@@ -13,7 +13,7 @@ namespace radiashafts {
 
 class PresetControlsWin32 final : private PresetControls {
  public:
-  // The dialog holds the controls and this.
+  // The dialog contains the controls and owns this object.
   explicit PresetControlsWin32(const Dialog& dialog) : dialog_(dialog) {}
 
   PresetRow& row() { return row_; }
@@ -31,7 +31,7 @@ class PresetControlsWin32 final : private PresetControls {
   std::optional<std::string> choosePresetFile(const std::string& path) override;
   std::string askPresetName(const std::string& proposed) override;
   bool confirm(const char* text, const char* caption) override;
-  void complain(const std::string& text, const char* caption) override;
+  void showError(const std::string& text, const char* caption) override;
 
   LRESULT send(UINT message, WPARAM w = 0, LPARAM l = 0) const;
 

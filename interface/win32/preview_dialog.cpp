@@ -20,12 +20,12 @@ INT_PTR PreviewDialog::onMessage(UINT message, WPARAM w, LPARAM l) {
       onDestroy();
       return TRUE;
     case WM_CLOSE:  // as Cancel
-      interfaceEnd().ask(false);
+      interfaceEnd().request(false);
       return TRUE;
     case WM_SIZE:
       if (w != SIZE_MINIMIZED) onSize();
       return TRUE;
-    case WM_ERASEBKGND:  // painting covers everything
+    case WM_ERASEBKGND:  // not needed: WM_PAINT covers the whole client area
       setResult(TRUE);
       return TRUE;
     case WM_PAINT:
@@ -53,9 +53,10 @@ INT_PTR PreviewDialog::onMessage(UINT message, WPARAM w, LPARAM l) {
       pointer_.OnMove(point);
       return TRUE;
     case WM_CAPTURECHANGED:
-      if (!releasing_ && reinterpret_cast<HWND>(l) != window()) pointer_.letGo();
+      if (!releasingMouse_ && reinterpret_cast<HWND>(l) != window()) pointer_.cancelDrag();
       return TRUE;
-    // The keyboard stays with the dialog itself: its one child, hidden, would take it and keep it.
+    // The focus stays at the dialog itself, or its only child, which is hidden, would get and keep
+    // it.
     case WM_ACTIVATE:
       if (LOWORD(w) != WA_INACTIVE) SetFocus(window());
       return TRUE;
@@ -72,11 +73,11 @@ INT_PTR PreviewDialog::onMessage(UINT message, WPARAM w, LPARAM l) {
 void PreviewDialog::onOpen() {
   ReadDebugSwitches();
   const PreviewPlacement placement = ReadPreviewPlacement(screenMetrics());
-  // In two steps: on a monitor of another scaling the system resizes what is moved there.
+  // Position first, then size: moving to a monitor with another scaling makes the system resize.
   SetWindowPos(window(), nullptr, placement.x, placement.y, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
   SetWindowPos(window(), nullptr, 0, 0, placement.width, placement.height,
                SWP_NOMOVE | SWP_NOZORDER);
-  onSize();  // also where that was its size before
+  onSize();  // the system sends no WM_SIZE when the size stays the same
   if (placement.startsMaximized()) ShowWindow(window(), SW_MAXIMIZE);
 }
 
@@ -88,12 +89,12 @@ void PreviewDialog::onDestroy() {
     WritePreviewPlacement({rect.left, rect.top, rect.right - rect.left, rect.bottom - rect.top,
                            static_cast<std::int32_t>(placement.showCmd)});
   }
-  destroyed();
+  onWindowDestroyed();
 }
 
 // The frame fills the client area.
 void PreviewDialog::onSize() {
-  constexpr int smallest = 100;  // of the window's sides
+  constexpr int smallest = 100;  // width and height of the window, in pixels
   RECT outer{};
   GetWindowRect(window(), &outer);
   const int width = std::max<int>(outer.right - outer.left, smallest);
@@ -108,9 +109,9 @@ void PreviewDialog::onSize() {
 }
 
 void PreviewDialog::onKey(WPARAM key) {
-  if (key == VK_RETURN) PostMessageA(keyboard_, WM_COMMAND, IDOK, 0);
-  if (key == VK_ESCAPE) PostMessageA(keyboard_, WM_COMMAND, IDCANCEL, 0);
-  if (key == VK_TAB) SetActiveWindow(keyboard_);
+  if (key == VK_RETURN) PostMessageA(keyTarget_, WM_COMMAND, IDOK, 0);
+  if (key == VK_ESCAPE) PostMessageA(keyTarget_, WM_COMMAND, IDCANCEL, 0);
+  if (key == VK_TAB) SetActiveWindow(keyTarget_);
 }
 
 void PreviewDialog::PaintPreview() {
@@ -127,7 +128,7 @@ void PreviewDialog::showHandle(bool show) {
   invalidateFrame();
 }
 
-void PreviewDialog::leaveOwner() {
+void PreviewDialog::detachOwner() {
   if (window() != nullptr) SetWindowLongPtrA(window(), GWLP_HWNDPARENT, 0);
 }
 
@@ -144,9 +145,9 @@ void PreviewDialog::invalidateFrame() {
 
 void PreviewDialog::releaseMouse() {
   if (window() == nullptr || GetCapture() != window()) return;
-  releasing_ = true;
+  releasingMouse_ = true;
   ReleaseCapture();
-  releasing_ = false;
+  releasingMouse_ = false;
 }
 
 std::optional<std::array<std::uint8_t, 3>> PreviewDialog::screenColor(Point point) const {

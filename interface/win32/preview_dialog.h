@@ -1,4 +1,4 @@
-// The resizable preview.
+// The resizable preview dialog.
 #pragma once
 
 #include <windows.h>
@@ -23,10 +23,10 @@ class PreviewDialog final : public Dialog {
                 const PipetteCursor& pipette)
       : view_(view), editing_(editing), pointer_(pointer), pipette_(pipette) {}
 
-  // The dialog that takes the preview's keys: it has no controls of its own.
-  void forwardKeysTo(HWND dialog) { keyboard_ = dialog; }
-  // Gives up the owner, whose thread would have to look at messages when the preview is destroyed.
-  void leaveOwner();
+  // The preview has no controls; it forwards Enter, Escape and Tab to this dialog.
+  void forwardKeysTo(HWND dialog) { keyTarget_ = dialog; }
+  // Removes the owner. Destroying a window waits for its owner's thread, which may not respond.
+  void detachOwner();
   void release() { painting_.release(); }
 
   bool showsHandle() const { return bShowHandle; }
@@ -35,11 +35,11 @@ class PreviewDialog final : public Dialog {
   Extent frameSize() const;
   void invalidateFrame();
   void paintNow() { UpdateWindow(window()); }
-  void bitmapChanged() { painting_.forgetBitmap(); }
+  void bitmapChanged() { painting_.invalidateBitmap(); }
   void setCaption(const std::string& text) { SetWindowTextA(window(), text.c_str()); }
   void captureMouse() { SetCapture(window()); }
   void releaseMouse();
-  // Of a point of the client area; none where it cannot be read.
+  // The colour at a point of the client area; none when it cannot be read.
   std::optional<std::array<std::uint8_t, 3>> screenColor(Point point) const;
 
  private:
@@ -55,9 +55,9 @@ class PreviewDialog final : public Dialog {
   PreviewPointer& pointer_;
   const PipetteCursor& pipette_;
   PreviewPainting painting_;
-  HWND keyboard_ = nullptr;
+  HWND keyTarget_ = nullptr;
   bool bShowHandle = true;
-  bool releasing_ = false;  // the mouse, by our own call
+  bool releasingMouse_ = false;  // set during our own ReleaseCapture
 };
 
 }  // namespace radiashafts

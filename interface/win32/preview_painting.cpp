@@ -28,7 +28,7 @@ BITMAPINFO describe(int width, int height, WORD bits) {
   BITMAPINFO info{};
   info.bmiHeader.biSize = sizeof info.bmiHeader;
   info.bmiHeader.biWidth = width;
-  info.bmiHeader.biHeight = height;  // rows from the bottom, or from the top where it is negative
+  info.bmiHeader.biHeight = height;  // positive: bottom row first; negative: top row first
   info.bmiHeader.biPlanes = 1;
   info.bmiHeader.biBitCount = bits;
   info.bmiHeader.biCompression = BI_RGB;
@@ -75,8 +75,8 @@ void drawHandle(HDC context, Point centre) {
   SelectObject(context, previous);
 }
 
-// What a stretch by one does, several times as fast: a system may take new memory to convert in.
-// Boxes of the source count their rows from the bottom, as the bitmap does.
+// Same result as StretchDIBits at scale 1, but several times faster, because some systems allocate
+// a conversion buffer there. In from, as in the bitmap, y counts from the bottom.
 void copyPixels(const Surface& buffer, const Box& to, const Box& from, const void* bits,
                 int bitmapWidth) {
   GdiFlush();
@@ -84,13 +84,13 @@ void copyPixels(const Surface& buffer, const Box& to, const Box& from, const voi
     const std::ptrdiff_t row = from.top + from.height() - 1 - y;
     const auto* pixel =
         static_cast<const std::uint8_t*>(bits) + (row * bitmapWidth + from.left) * 3;
-    auto* shown = static_cast<std::uint8_t*>(buffer.bits()) +
-                  ((to.top + y) * buffer.size().width + to.left) * 4;
-    for (int x = 0; x < to.width(); ++x, pixel += 3, shown += 4) std::memcpy(shown, pixel, 3);
+    auto* out = static_cast<std::uint8_t*>(buffer.bits()) +
+                ((to.top + y) * buffer.size().width + to.left) * 4;
+    for (int x = 0; x < to.width(); ++x, pixel += 3, out += 4) std::memcpy(out, pixel, 3);
   }
 }
 
-// Red, green, blue, rows from the top.
+// Lets the host draw pixels, which are red, green, blue with the top row first, to the surface.
 hostapi::OSErr drawByHost(const hostapi::FilterRecord& record, const std::uint8_t* pixels,
                           const Surface& surface) {
   const Extent size = surface.size();
@@ -109,7 +109,7 @@ hostapi::OSErr drawByHost(const hostapi::FilterRecord& record, const std::uint8_
   return error;
 }
 
-void show(const Surface& buffer, HDC screen) {
+void copyToScreen(const Surface& buffer, HDC screen) {
   const Extent size = buffer.size();
   BitBlt(screen, 0, 0, size.width, size.height, buffer.context(), 0, 0, SRCCOPY);
 }
@@ -128,7 +128,7 @@ Surface::~Surface() {
   DeleteDC(context_);
 }
 
-bool hostDrawsAsTold(const hostapi::FilterRecord& record) {
+bool hostDrawsCorrectly(const hostapi::FilterRecord& record) {
   if (record.displayPixels == nullptr) return false;
   const Surface surface(describe(sampleWidth, sampleHeight, 24));
   if (!surface.isUsable()) return false;
@@ -148,7 +148,7 @@ const Surface& PreviewPainting::bufferFor(Extent frame) {
 }
 
 void PreviewPainting::release() {
-  forgetBitmap();
+  invalidateBitmap();
   hostSurface_.reset();
   buffer_.reset();
 }
@@ -164,7 +164,7 @@ void PreviewPainting::paint(HDC screen, PreviewView& view,
   const Box from = geometry.source();
   SetBrushOrgEx(context, to.left - geometry.pan.x, to.top - geometry.pan.y, nullptr);
   const BITMAPINFO info = describeBitmap(view);
-  const void* bits = view.hasBitmap() ? bitsOf(view, info) : nullptr;
+  const void* bits = view.hasBitmap() ? bitmapBits(view, info) : nullptr;
   if (bits == nullptr) {
     const RECT rect = rectOf(to);
     FillRect(context, &rect, static_cast<HBRUSH>(GetStockObject(BLACK_BRUSH)));
@@ -189,25 +189,25 @@ void PreviewPainting::paint(HDC screen, PreviewView& view,
   }
   DeleteObject(brush);
   if (light) drawHandle(context, geometry.handle((*light)[0], (*light)[1]));
-  if (buffer.isUsable()) show(buffer, screen);
+  if (buffer.isUsable()) copyToScreen(buffer, screen);
 }
 
-const void* PreviewPainting::bitsOf(PreviewView& view, const BITMAPINFO& info) {
+const void* PreviewPainting::bitmapBits(PreviewView& view, const BITMAPINFO& info) {
   return view.hostDraws() ? drawnByHost(view, info) : view.bitmap();
 }
 
 const void* PreviewPainting::drawnByHost(PreviewView& view, const BITMAPINFO& info) {
   const Extent size = view.bitmapSize();
-  if (hostHasDrawn_ && hostSurface_) return hostSurface_->bits();
+  if (hostSurfaceValid_ && hostSurface_) return hostSurface_->bits();
   if (!hostSurface_ || hostSurface_->size() != size) hostSurface_.emplace(info);
   if (!hostSurface_->isUsable()) return nullptr;
 
   if (const auto error = drawByHost(view.record(), view.bitmap(), *hostSurface_); error != 0) {
     logLine(severityWarning, warningMarker, "displayPixels failed. Code(", error, ")");
-    view.drawWithoutHost();
+    view.disableHostDrawing();
     return nullptr;
   }
-  hostHasDrawn_ = true;
+  hostSurfaceValid_ = true;
   return hostSurface_->bits();
 }
 

@@ -1,4 +1,4 @@
-// Paints the preview's frame.
+// Paints the contents of the preview's frame.
 #pragma once
 
 #include <windows.h>
@@ -9,7 +9,8 @@
 
 namespace radiashafts {
 
-// Memory to draw into and to read from. A reader or writer of its bits flushes first.
+// RAII: a memory bitmap with a device context. Callers call GdiFlush before accessing bits
+// directly.
 class Surface {
  public:
   explicit Surface(const BITMAPINFO& info);
@@ -30,9 +31,9 @@ class Surface {
   HGDIOBJ previous_;
 };
 
-// Has the host draw a sample and tells whether it draws what it is given, in the log as well: it
-// may draw by its own document's format.
-bool hostDrawsAsTold(const hostapi::FilterRecord& record);
+// Lets the host draw a sample and returns whether the result is correct; logs a warning when it is
+// wrong. Some hosts interpret the pixels in the format of their own document.
+bool hostDrawsCorrectly(const hostapi::FilterRecord& record);
 
 class PreviewPainting {
  public:
@@ -41,23 +42,23 @@ class PreviewPainting {
   PreviewPainting(const PreviewPainting&) = delete;
   PreviewPainting& operator=(const PreviewPainting&) = delete;
 
-  // The picture, the margins around it and, where there is one, the light's handle at its
-  // normalised position.
+  // Paints the picture, the margins and, unless light is empty, the handle at that normalised
+  // position.
   void paint(HDC screen, PreviewView& view, const std::optional<std::array<double, 2>>& light);
-  // What the host has drawn of the view's bitmap is out of date.
-  void forgetBitmap() { hostHasDrawn_ = false; }
-  // Gives everything back to the system.
+  // Called when the view's bitmap has changed: the host has to draw it again.
+  void invalidateBitmap() { hostSurfaceValid_ = false; }
+  // Frees the surfaces.
   void release();
 
  private:
   const Surface& bufferFor(Extent frame);
-  const void* bitsOf(PreviewView& view, const BITMAPINFO& info);
+  const void* bitmapBits(PreviewView& view, const BITMAPINFO& info);
   const void* drawnByHost(PreviewView& view, const BITMAPINFO& info);
 
-  // Both stay from one painting to the next of their size.
-  std::optional<Surface> buffer_;  // of the frame, so that nothing flickers on the screen
+  // Both are reused while the size stays the same.
+  std::optional<Surface> buffer_;  // of the frame; double buffering avoids flicker
   std::optional<Surface> hostSurface_;
-  bool hostHasDrawn_ = false;
+  bool hostSurfaceValid_ = false;
 };
 
 }  // namespace radiashafts

@@ -19,22 +19,22 @@ std::unique_ptr<pfPreview> MakePreview() {
   return std::make_unique<pfPreviewWin32>();
 }
 
-// From the opening of the interface to its end, however that comes.
-class pfPreviewWin32::Opening {
+// RAII: closes the dialogs and the view when Show returns or throws.
+class pfPreviewWin32::OpenInterface {
  public:
-  Opening(pfPreviewWin32& preview, EditedFilter* filter, hostapi::FilterRecord* record)
+  OpenInterface(pfPreviewWin32& preview, EditedFilter* filter, hostapi::FilterRecord* record)
       : preview_(preview) {
     interfaceEnd().reset();
     preview.view_.open(filter, record);
     preview.parameters_.presets().open(filter);
   }
-  ~Opening() {
+  ~OpenInterface() {
     preview_.closeDialogs();
     preview_.view_.close();
     platform::setDefaultFloatingPoint();
   }
-  Opening(const Opening&) = delete;
-  Opening& operator=(const Opening&) = delete;
+  OpenInterface(const OpenInterface&) = delete;
+  OpenInterface& operator=(const OpenInterface&) = delete;
 
  private:
   pfPreviewWin32& preview_;
@@ -48,10 +48,10 @@ bool pfPreviewWin32::Show(EditedFilter* filter, hostapi::FilterRecord* record,
   const VisualStyle style;
   bool confirmed = false;
   {
-    const Opening opening(*this, filter, record);
+    const OpenInterface open(*this, filter, record);
     if (openDialogs(widgets)) {
-      hostWindow_.rest();
-      prepare();
+      hostWindow_.disable();
+      showDialogs();
       confirmed = runMessageLoop();
     }
   }
@@ -62,7 +62,7 @@ bool pfPreviewWin32::Show(EditedFilter* filter, hostapi::FilterRecord* record,
 }
 
 bool pfPreviewWin32::openDialogs(WidgetList* widgets) {
-  if (!hostDrawsAsTold(view_.record())) view_.drawWithoutHost();
+  if (!hostDrawsCorrectly(view_.record())) view_.disableHostDrawing();
   if (!preview_.create(ID_PREVIEW_DIALOG, hostWindow_.ownerFor(view_.record()), "Preview") ||
       !parameters_.create(ID_PARAMETER_DIALOG, preview_.window(), "Interface")) {
     return false;
@@ -72,10 +72,10 @@ bool pfPreviewWin32::openDialogs(WidgetList* widgets) {
   platform::setDefaultFloatingPoint();
   view_.FitScaleToFrame();
   editing_.open(widgets, &parameters_.controls());
-  return !interfaceEnd().hasCome();
+  return !interfaceEnd().isEnding();
 }
 
-void pfPreviewWin32::prepare() {
+void pfPreviewWin32::showDialogs() {
   view_.filter().undoHistory.bEnabled = true;
   parameters_.presets().UpdateSettingsList();
   trace("Updated Settings List");
@@ -83,7 +83,7 @@ void pfPreviewWin32::prepare() {
   trace("Updated Undo Buttons");
   ShowWindow(parameters_.window(), SW_SHOW);
   ShowWindow(preview_.window(), SW_SHOW);
-  SetForegroundWindow(parameters_.window());  // the keyboard begins at OK
+  SetForegroundWindow(parameters_.window());  // its OK button has the focus
   trace("windows up");
   view_.AssignScaleFactor(view_.requestedFactor());
   trace("assigned scale factor");
@@ -92,25 +92,25 @@ void pfPreviewWin32::prepare() {
   view_.RequestRender();
 }
 
-// Windows that want to be painted do not hold a render up: it paints them when it looks for
-// messages. A render that was wanted before the end is done first; one that runs when it comes is
-// not. A quit message is the host's and is given back to it.
+// Paint messages do not delay a render, which dispatches them itself when it pumps messages. A
+// render pending at OK or Cancel is executed before the loop ends; a running one is cancelled. A
+// quit message belongs to the host and is posted again.
 bool pfPreviewWin32::runMessageLoop() {
   constexpr UINT allButPaint = PM_QS_INPUT | PM_QS_POSTMESSAGE | PM_QS_SENDMESSAGE;
   const InterfaceEnd& end = interfaceEnd();
   MSG message;
   BOOL got = TRUE;
-  while (got > 0 && !end.hasCome() && (got = GetMessageA(&message, nullptr, 0, 0)) > 0) {
+  while (got > 0 && !end.isEnding() && (got = GetMessageA(&message, nullptr, 0, 0)) > 0) {
     for (MSG next; got > 0;) {
       if (IsDialogMessageA(parameters_.window(), &message) == FALSE) {
         TranslateMessage(&message);
         DispatchMessageA(&message);
       }
-      if (end.hasCome()) break;
+      if (end.isEnding()) break;
       if (PeekMessageA(&next, nullptr, 0, 0, PM_NOREMOVE | allButPaint) == FALSE) break;
       got = GetMessageA(&message, nullptr, 0, 0);
     }
-    platform::setDefaultFloatingPoint();  // windows of others may have left their own
+    platform::setDefaultFloatingPoint();  // other window procedures may have changed it
     if (!end.allowsRender() || !view_.needsRender()) continue;
     bInterfaceEnded = false;
     view_.RenderUntilFinal();
@@ -120,10 +120,10 @@ bool pfPreviewWin32::runMessageLoop() {
 }
 
 void pfPreviewWin32::closeDialogs() {
-  pointer_.letGo();
+  pointer_.cancelDrag();
   editing_.close();
-  hostWindow_.wake();  // before its dialogs go, or another program comes to the front
-  if (!hostWindow_.answers()) preview_.leaveOwner();
+  hostWindow_.enable();  // before its dialogs close, or another program comes to the foreground
+  if (!hostWindow_.isResponding()) preview_.detachOwner();
   parameters_.destroy();
   preview_.destroy();
   preview_.release();
@@ -157,7 +157,7 @@ bool pfPreviewWin32::AlternativeColorSelection(hostapi::FilterRecord* record, do
   return chosen;
 }
 
-// When they come back the parameter dialog is the active window again.
+// When enabled again, the parameter dialog becomes the active window.
 void pfPreviewWin32::enableDialogs(bool enabled) {
   parameters_.enable(enabled);
   preview_.enable(enabled);

@@ -1,4 +1,4 @@
-// The interface in the system's own windows: the parameter dialog over the preview.
+// The interface with Windows dialogs: the preview, and the parameter dialog that it owns.
 #pragma once
 
 #include "interface/model/dialog_windows.h"
@@ -21,10 +21,10 @@ class pfPreviewWin32 final : public pfPreview, private DialogWindows {
                                  double* blue) override;
 
  private:
-  class Opening;
+  class OpenInterface;
   bool openDialogs(WidgetList* widgets);
   void closeDialogs();
-  void prepare();
+  void showDialogs();
   bool runMessageLoop();
 
   Extent frameSize() const override { return preview_.frameSize(); }

@@ -1,5 +1,5 @@
-// Gives the windows made in its life the system's current visual style, whatever the host's. Calls
-// into the host keep the host's.
+// Activation context for windows: those created while a VisualStyle exists get the system's current
+// visual style, whatever the host uses. Calls into the host run with the host's own context.
 #pragma once
 
 #include <windows.h>
@@ -8,7 +8,7 @@
 
 namespace radiashafts {
 
-// The module itself, which carries the resources.
+// The handle of this module, which contains the resources.
 HINSTANCE moduleInstance();
 
 class VisualStyle {
@@ -18,13 +18,14 @@ class VisualStyle {
   VisualStyle(const VisualStyle&) = delete;
   VisualStyle& operator=(const VisualStyle&) = delete;
 
-  // Gives it to what runs in the life of this as well: a loop of the host's may have called.
-  class Again {
+  // RAII: activates the context of the current VisualStyle again, for a window procedure that a
+  // message loop of the host has called.
+  class Reactivation {
    public:
-    Again();
-    ~Again();
-    Again(const Again&) = delete;
-    Again& operator=(const Again&) = delete;
+    Reactivation();
+    ~Reactivation();
+    Reactivation(const Reactivation&) = delete;
+    Reactivation& operator=(const Reactivation&) = delete;
 
    private:
     ULONG_PTR cookie_ = 0;

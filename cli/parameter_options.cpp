@@ -11,7 +11,7 @@
 namespace radiashafts::cli {
 namespace {
 
-struct NotAValue : std::runtime_error {
+struct InvalidValue : std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
@@ -29,12 +29,12 @@ std::string optionName(const ParameterFacts& facts) {
   return name;
 }
 
-// The locale never changes how numbers are read.
+// Independent of the locale, unlike strtod.
 double parseNumber(std::string_view text) {
   double value = 0.0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
   if (error != std::errc() || end != text.data() + text.size() || !std::isfinite(value)) {
-    throw NotAValue("'" + std::string(text) + "' is no number");
+    throw InvalidValue("'" + std::string(text) + "' is no number");
   }
   return value;
 }
@@ -45,8 +45,8 @@ ParameterNumbers parseNumbers(const std::string& text, int count) {
   for (int i = 0; i < count; ++i) {
     const std::size_t comma = rest.find(',');
     if ((comma == std::string_view::npos) != (i == count - 1)) {
-      throw NotAValue("'" + text + "' is not " + std::to_string(count) +
-                      " numbers with commas between them");
+      throw InvalidValue("'" + text + "' is not " + std::to_string(count) +
+                         " numbers with commas between them");
     }
     numbers[static_cast<std::size_t>(i)] = parseNumber(rest.substr(0, comma));
     if (comma != std::string_view::npos) rest.remove_prefix(comma + 1);
@@ -57,7 +57,7 @@ ParameterNumbers parseNumbers(const std::string& text, int count) {
 double parseSwitch(const std::string& text) {
   if (text == "on" || text == "true" || text == "yes" || text == "1") return 1.0;
   if (text == "off" || text == "false" || text == "no" || text == "0") return 0.0;
-  throw NotAValue("'" + text + "' is neither on nor off");
+  throw InvalidValue("'" + text + "' is neither on nor off");
 }
 
 double parseEntry(const std::string& text, const ParameterFacts& facts) {
@@ -69,7 +69,7 @@ double parseEntry(const std::string& text, const ParameterFacts& facts) {
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
   if (error != std::errc() || end != text.data() + text.size() || number < 1 ||
       number > static_cast<int>(facts.entries.size())) {
-    throw NotAValue("'" + text + "' is none of its entries; --list-parameters tells them");
+    throw InvalidValue("'" + text + "' is none of its entries; --list-parameters tells them");
   }
   return number;
 }
@@ -114,7 +114,7 @@ std::string textOf(const ParameterFacts& facts, std::int32_t value) {
   const bool known = value >= 1 && value <= static_cast<std::int32_t>(facts.entries.size());
   return known ? facts.entries[static_cast<std::size_t>(value) - 1] : std::to_string(value);
 }
-// The shortest text that means the number.
+// The shortest text that parses back to the same number.
 std::string textOf(const ParameterFacts&, double value) {
   char text[32];
   const auto result = std::to_chars(text, text + sizeof text, value);
@@ -183,7 +183,7 @@ ParameterOptions::ParameterOptions(CLI::App& app) {
     const auto parse = [&facts, &value](const CLI::results_t& texts) {
       try {
         value = {true, parseValue(texts.back(), facts)};
-      } catch (const NotAValue& error) {
+      } catch (const InvalidValue& error) {
         throw CLI::ValidationError(optionName(facts), error.what());
       }
       return true;
@@ -216,11 +216,11 @@ std::vector<std::string> ParameterOptions::notes() const {
     if (!values_[i].given || facts.bound == Bound::none) continue;
     for (std::size_t k = 0; k < static_cast<std::size_t>(valueCount(facts.kind)); ++k) {
       const double number = values_[i].numbers[k];
-      const double held = std::max(
+      const double clamped = std::max(
           facts.bound == Bound::both ? std::min(number, facts.maximum) : number, facts.minimum);
-      if (held == number) continue;
+      if (clamped == number) continue;
       notes.push_back(optionName(facts) + ": " + formatted(number) +
-                      " lies outside its range and is taken as " + formatted(held));
+                      " lies outside its range and is taken as " + formatted(clamped));
     }
   }
   return notes;
@@ -235,7 +235,7 @@ void printScript(std::ostream& out, const standin::Script& script) {
       });
       if (value == script.end()) continue;
       if (!text.empty()) text += ',';
-      text += std::visit([&facts](auto held) { return textOf(facts, held); }, value->second);
+      text += std::visit([&facts](auto number) { return textOf(facts, number); }, value->second);
     }
     if (!text.empty()) out << optionName(facts) << ' ' << text << '\n';
   }

@@ -19,7 +19,7 @@ struct ShownPicture {
 class PictureWindow {
  public:
   // No larger than fits on the screen.
-  static ShownPicture room();
+  static ShownPicture maximumSize();
   PictureWindow(const std::string& title, ShownPicture picture);
   ~PictureWindow();
   PictureWindow(const PictureWindow&) = delete;

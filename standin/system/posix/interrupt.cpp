@@ -35,7 +35,7 @@ extern "C" void note(int signal) {
 
 }  // namespace
 
-void noteInterrupts() {
+void catchInterrupts() {
   // Standard error may be silenced when a request comes.
   const int kept = fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
   if (kept >= 0) errors = kept;
@@ -54,12 +54,12 @@ int interruptCode() {
   return noted == 0 ? 0 : signalBase + noted;
 }
 
-EndsAtOnce::EndsAtOnce(const char* line) {
+ExitOnInterrupt::ExitOnInterrupt(const char* line) {
   lastLine = line;
   endIfWanted();
 }
 
-EndsAtOnce::~EndsAtOnce() {
+ExitOnInterrupt::~ExitOnInterrupt() {
   lastLine = nullptr;
 }
 

@@ -4,7 +4,7 @@ namespace radiashafts::standin {
 
 struct PictureWindow::State {};
 
-ShownPicture PictureWindow::room() {
+ShownPicture PictureWindow::maximumSize() {
   return {};
 }
 

@@ -32,7 +32,7 @@ BOOL WINAPI note(DWORD event) {
 
 }  // namespace
 
-void noteInterrupts() {
+void catchInterrupts() {
   SetConsoleCtrlHandler(note, TRUE);
 }
 
@@ -40,12 +40,12 @@ int interruptCode() {
   return noted ? interruptedCode : 0;
 }
 
-EndsAtOnce::EndsAtOnce(const char* line) {
+ExitOnInterrupt::ExitOnInterrupt(const char* line) {
   lastLine = line;
   endIfWanted();
 }
 
-EndsAtOnce::~EndsAtOnce() {
+ExitOnInterrupt::~ExitOnInterrupt() {
   lastLine = nullptr;
 }
 

@@ -42,7 +42,7 @@ struct PictureWindow::State {
   HWND window = nullptr;
 };
 
-ShownPicture PictureWindow::room() {
+ShownPicture PictureWindow::maximumSize() {
   constexpr int frame = 20;
   return {GetSystemMetrics(SM_CXFULLSCREEN) - frame, GetSystemMetrics(SM_CYFULLSCREEN) - frame, {}};
 }

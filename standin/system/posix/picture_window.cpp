@@ -8,7 +8,7 @@ ShownPicture PictureWindow::maximumSize() {
   return {};
 }
 
-// NOLINTNEXTLINE(performance-unnecessary-value-param): a system with windows keeps the picture.
+// NOLINTNEXTLINE(performance-unnecessary-value-param): the Windows version stores it.
 PictureWindow::PictureWindow(const std::string&, ShownPicture) {}
 PictureWindow::~PictureWindow() = default;
 

@@ -7,25 +7,26 @@
 namespace radiashafts::standin {
 namespace {
 
-constexpr int interruptedCode = 130;  // as for Ctrl-C on other systems
+constexpr int interruptedCode = 130;  // as after SIGINT on Linux
 
-std::atomic<bool> noted{false};
-std::atomic<const char*> lastLine{nullptr};
+std::atomic<bool> interrupted{false};
+std::atomic<const char*> exitMessage{nullptr};
 
-void endIfWanted() {
-  const char* const line = lastLine;
-  if (line == nullptr || !noted) return;
+void exitIfInterrupted() {
+  const char* const line = exitMessage;
+  if (line == nullptr || !interrupted) return;
   DWORD written = 0;
   WriteFile(GetStdHandle(STD_ERROR_HANDLE), line, static_cast<DWORD>(std::strlen(line)), &written,
             nullptr);
   TerminateProcess(GetCurrentProcess(), interruptedCode);
 }
 
-// Runs on a thread of the system's.
-BOOL WINAPI note(DWORD event) {
-  noted = true;
-  endIfWanted();
-  // When the console is closed, the process is ended as soon as this returns, or in some seconds.
+// Runs on a separate thread that the system creates.
+BOOL WINAPI handleConsoleEvent(DWORD event) {
+  interrupted = true;
+  exitIfInterrupted();
+  // After a close, logoff or shutdown event the system ends the process when this returns or after
+  // a few seconds. Not returning gives the main thread that time to clean up.
   if (event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT) Sleep(INFINITE);
   return TRUE;
 }
@@ -33,20 +34,20 @@ BOOL WINAPI note(DWORD event) {
 }  // namespace
 
 void catchInterrupts() {
-  SetConsoleCtrlHandler(note, TRUE);
+  SetConsoleCtrlHandler(handleConsoleEvent, TRUE);
 }
 
 int interruptCode() {
-  return noted ? interruptedCode : 0;
+  return interrupted ? interruptedCode : 0;
 }
 
 ExitOnInterrupt::ExitOnInterrupt(const char* line) {
-  lastLine = line;
-  endIfWanted();
+  exitMessage = line;
+  exitIfInterrupted();
 }
 
 ExitOnInterrupt::~ExitOnInterrupt() {
-  lastLine = nullptr;
+  exitMessage = nullptr;
 }
 
 }  // namespace radiashafts::standin

@@ -32,7 +32,7 @@ void registerClass() {
   windowClass.hCursor = LoadCursorA(nullptr, IDC_ARROW);
   windowClass.hbrBackground = static_cast<HBRUSH>(GetStockObject(DKGRAY_BRUSH));
   windowClass.lpszClassName = className;
-  RegisterClassA(&windowClass);  // fails, harmlessly, the second time
+  RegisterClassA(&windowClass);  // fails if already registered, which is harmless
 }
 
 }  // namespace

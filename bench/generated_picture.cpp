@@ -8,16 +8,17 @@
 namespace radiashafts::bench {
 namespace {
 
-// Waves of brightness, so that no two rows are alike and every channel moves.
-double waveOver(int x, int channel) {
+// Brightness waves that differ per channel, so that no two rows are equal.
+double horizontalWave(int x, int channel) {
   return 0.22 * std::sin(x * 0.013 + channel);
 }
 
-double waveDown(int y, int channel) {
+double verticalWave(int y, int channel) {
   return 0.22 * std::cos(y * 0.017 - channel);
 }
 
-// Without grain the processor foresees every decision of a render, as it cannot in a photograph.
+// Pseudo-random noise. Without it the branches of a render would be predicted almost perfectly,
+// which they are not on photographs.
 class Grain {
  public:
   double next() {
@@ -42,16 +43,18 @@ standin::Picture makePicture(int width, int height, int depth, int colorPlanes, 
   picture.allocate();
   std::vector<double> row;
   for (int x = 0; x < width; ++x) {
-    for (int c = 0; c < picture.planes; ++c) row.push_back(0.5 + waveOver(x, c));
+    for (int c = 0; c < picture.planes; ++c) row.push_back(0.5 + horizontalWave(x, c));
   }
   Grain grain;
   std::size_t i = 0;
   for (int y = 0; y < height; ++y) {
-    std::array<double, 4> down{};
-    for (int c = 0; c < picture.planes; ++c) down[static_cast<std::size_t>(c)] = waveDown(y, c);
+    std::array<double, 4> rowOffsets{};
+    for (int c = 0; c < picture.planes; ++c) {
+      rowOffsets[static_cast<std::size_t>(c)] = verticalWave(y, c);
+    }
     for (std::size_t k = 0; k < row.size(); ++k, ++i) {
       const double value =
-          row[k] + down[k % static_cast<std::size_t>(picture.planes)] + grain.next();
+          row[k] + rowOffsets[k % static_cast<std::size_t>(picture.planes)] + grain.next();
       if (depth == 8) {
         picture.bytes[i] = static_cast<std::uint8_t>(value * 255.0);
       } else if (depth == 16) {

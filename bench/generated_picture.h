@@ -5,7 +5,7 @@
 
 namespace radiashafts::bench {
 
-// Brightness waves with the grain of a photograph, at 8, 16 or 32 bits a channel.
+// Brightness waves plus noise, at 8, 16 or 32 bits per channel.
 standin::Picture makePicture(int width, int height, int depth, int colorPlanes, bool alpha);
 
 }  // namespace radiashafts::bench

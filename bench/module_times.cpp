@@ -1,5 +1,6 @@
-// Prints the time of each render of one process, in seconds, the first one included:
-// module_times MODULE DEPTH SOFTEN RENDERS. Builds alike on every system.
+// Prints the time in seconds of each render of one process, including the first:
+// module_times MODULE DEPTH SOFTEN RENDERS. Needs no benchmark library, so it also builds on
+// Windows.
 
 #include <chrono>
 #include <cstdio>

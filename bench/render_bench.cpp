@@ -1,4 +1,4 @@
-// Times whole renders through the module's entry.
+// Measures whole renders through the module's entry point.
 
 #include <cstdlib>
 
@@ -41,7 +41,7 @@ void BM_Render(benchmark::State& state) {
   render(state, 6000, 4000);
 }
 
-// As large as the picture in a preview.
+// The size of a typical preview.
 void BM_SmallRender(benchmark::State& state) {
   render(state, 1000, 667);
 }

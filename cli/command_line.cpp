@@ -29,7 +29,7 @@ class Formatter final : public CLI::Formatter {
   }
 };
 
-// Inputs and outputs from the plain arguments. Throws on a contradiction.
+// Pairs each input with its output. Throws a CLI::Error when the arguments contradict each other.
 std::vector<Job> jobsOf(const std::vector<std::string>& paths, const std::string& outputDirectory) {
   namespace fs = std::filesystem;
   std::vector<Job> jobs;
@@ -46,12 +46,12 @@ std::vector<Job> jobsOf(const std::vector<std::string>& paths, const std::string
     if (!fs::is_directory(pathOf(outputDirectory), error)) {
       throw CLI::ValidationError("--output-dir: " + outputDirectory + ": is no directory");
     }
-    std::map<fs::path, std::string> taken;
+    std::map<fs::path, std::string> inputOf;
     for (const std::string& path : paths) {
       const fs::path output = pathOf(outputDirectory) / pathOf(path).filename();
-      const auto [place, isNew] = taken.emplace(output, path);
-      if (!isNew) {
-        throw CLI::ValidationError(place->second + " and " + path + " would both become " +
+      const auto [existing, inserted] = inputOf.emplace(output, path);
+      if (!inserted) {
+        throw CLI::ValidationError(existing->second + " and " + path + " would both become " +
                                    output.string());
       }
       jobs.push_back({pathOf(path), output});
@@ -60,10 +60,10 @@ std::vector<Job> jobsOf(const std::vector<std::string>& paths, const std::string
   return jobs;
 }
 
-// What hosts differ in, to see the module get along with it.
+// Options that simulate hosts with different features.
 void addHostOptions(CLI::App& app, CommandLine& commandLine) {
   standin::HostTraits& traits = commandLine.traits;
-  constexpr int padding = 52;  // bytes: whole samples at every depth
+  constexpr int padding = 52;  // bytes; a multiple of the sample size at every depth
   const auto add = [&app](const char* name, const char* description, auto action) {
     app.add_flag_callback(name, action, description)->group("Host");
   };
@@ -127,7 +127,7 @@ ParsedCommandLine parseCommandLine(int argc, char** argv) {
   std::string outputDirectory;
   std::string mask;
   std::string module;
-  bool listWanted = false;
+  bool listRequested = false;
   app.add_option("paths", paths, "Pictures to read, and the one to write")
       ->option_text("INPUT... OUTPUT");
   app.add_option("--output-dir", outputDirectory, "Write each output here under its input's name")
@@ -136,21 +136,21 @@ ParsedCommandLine parseCommandLine(int argc, char** argv) {
       ->type_name("FILE");
   app.add_option("--module", module, "The filter module to run")->type_name("FILE");
   addHostOptions(app, commandLine);
-  app.add_flag("--list-parameters", listWanted, "Tell names, defaults, ranges and entries");
+  app.add_flag("--list-parameters", listRequested, "Tell names, defaults, ranges and entries");
   app.add_flag("--quiet", commandLine.quiet, "Print errors only");
   const PresetOptions presets(app);
   const ParameterOptions parameters(app);
 
   try {
     std::vector<std::string> arguments = standin::programArguments(argc, argv);
-    std::reverse(arguments.begin(), arguments.end());  // as the parser takes them
+    std::reverse(arguments.begin(), arguments.end());  // parse() takes them in reverse order
     app.parse(arguments);
-    if (listWanted) {
+    if (listRequested) {
       listParameters(std::cout);
       parsed.exitCode = exitSuccess;
       return parsed;
     }
-    if (!presets.needNoPictures() || !paths.empty()) {
+    if (!presets.canRunWithoutPictures() || !paths.empty()) {
       commandLine.jobs = jobsOf(paths, outputDirectory);
     }
     commandLine.notes = parameters.notes();

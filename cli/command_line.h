@@ -1,4 +1,4 @@
-// What the user asked for.
+// The parsed command line.
 #pragma once
 
 #include <array>
@@ -13,22 +13,22 @@
 
 namespace radiashafts::cli {
 
-// Beside these there is standin::interruptCode().
+// An interrupted program exits with standin::interruptCode() instead.
 enum ExitCode : int {
   exitSuccess = 0,
   exitUsage = 2,   // the command line
   exitInput = 3,   // a picture, mask or preset that cannot be read
   exitOutput = 4,  // a picture or preset that cannot be written
-  exitRender = 5   // the filter: not loaded, out of memory, refused; no threads
+  exitRender = 5   // module not loaded or refused, filter failed, no memory, no threads
 };
 
-// Ends the program with the code and one line that names the culprit.
+// Thrown to end the program with this exit code and one line that names the cause.
 struct Failure {
   int exitCode;
   std::string text;
 };
 
-// An argument as a path. Arguments are UTF-8, which is not every system's own way with paths.
+// Converts a UTF-8 argument to a path; the system's paths may use another encoding.
 std::filesystem::path pathOf(const std::string& text);
 
 struct Job {
@@ -42,18 +42,18 @@ struct CommandLine {
   std::filesystem::path module;
   standin::Script script;
   standin::HostTraits traits;
-  std::vector<std::string> notes;  // for the user, a line each
+  std::vector<std::string> notes;  // for the user, one line each
   std::optional<std::array<std::int16_t, 3>>
-      pickedColor;           // by the user of the host's colour picker
-  bool ownWindow = true;     // of the host, under the dialogs
-  bool printScript = false;  // that the filter hands back
+      pickedColor;           // result of the host's colour picker; none cancels it
+  bool ownWindow = true;     // show a host window as the owner of the dialogs
+  bool printScript = false;  // print the script that the filter returns
   bool quiet = false;
 };
 
 void printNotes(const CommandLine& commandLine);
 
-// Parses the arguments. Where there is nothing left to do (help, version, list, or a mistake, which
-// it throws as a Failure) it gives the exit code instead.
+// exitCode is set when nothing is left to do: help, version, a list, or presets only. Throws a
+// Failure on a usage error.
 struct ParsedCommandLine {
   std::optional<int> exitCode;
   CommandLine commandLine;

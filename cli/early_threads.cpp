@@ -1,5 +1,6 @@
-// A library far below the picture library starts threads when it is loaded, before main, and ends
-// the program without a word where it gets none. So this asks first, before any library begins.
+// An indirect dependency of the picture library starts threads in its static initialisers and ends
+// the program without a message when it cannot. So thread creation is tested before any library is
+// initialised, and a failure is reported.
 
 #include <cstddef>
 
@@ -11,37 +12,37 @@
 namespace radiashafts::cli {
 namespace {
 
-constexpr std::size_t threadsOfLibraries = 4;
+constexpr std::size_t libraryThreads = 4;
 
-pthread_mutex_t gate = PTHREAD_MUTEX_INITIALIZER;
+pthread_mutex_t startMutex = PTHREAD_MUTEX_INITIALIZER;
 
-void* passGate(void*) {
-  pthread_mutex_lock(&gate);
-  pthread_mutex_unlock(&gate);
+void* waitForStart(void*) {
+  pthread_mutex_lock(&startMutex);
+  pthread_mutex_unlock(&startMutex);
   return nullptr;
 }
 
-// Nothing of C++ has been set up yet.
-void askForThreads(int, char**, char**) {
-  pthread_t threads[threadsOfLibraries];
+// Runs before the C++ runtime is initialised: only C and POSIX calls are allowed.
+void checkThreadLimit(int, char**, char**) {
+  pthread_t threads[libraryThreads];
   std::size_t count = 0;
-  pthread_mutex_lock(&gate);
-  while (count < threadsOfLibraries &&
-         pthread_create(&threads[count], nullptr, passGate, nullptr) == 0) {
+  pthread_mutex_lock(&startMutex);
+  while (count < libraryThreads &&
+         pthread_create(&threads[count], nullptr, waitForStart, nullptr) == 0) {
     ++count;
   }
-  pthread_mutex_unlock(&gate);
-  const bool enough = count == threadsOfLibraries;
+  pthread_mutex_unlock(&startMutex);
+  const bool enough = count == libraryThreads;
   while (count > 0) pthread_join(threads[--count], nullptr);
   if (enough) return;
   constexpr char line[] = "radiashafts: the system lets this process have too few threads\n";
   const ssize_t written = write(STDERR_FILENO, line, sizeof line - 1);
-  static_cast<void>(written);  // nobody is left to be told
+  static_cast<void>(written);  // a failed write cannot be reported
   _exit(exitRender);
 }
 
-[[gnu::section(".preinit_array"), gnu::used]] void (*const first)(int, char**,
-                                                                  char**) = askForThreads;
+[[gnu::section(".preinit_array"), gnu::used]] void (*const preinitEntry)(int, char**,
+                                                                         char**) = checkThreadLimit;
 
 }  // namespace
 }  // namespace radiashafts::cli

@@ -26,9 +26,9 @@ std::uint8_t byteOf(const std::uint8_t* sample, int depth) {
 }  // namespace
 
 standin::ShownPicture shownPicture(const standin::Picture& picture,
-                                   const standin::ShownPicture& room) {
-  const double scale = std::min({1.0, static_cast<double>(room.width) / picture.width,
-                                 static_cast<double>(room.height) / picture.height});
+                                   const standin::ShownPicture& limit) {
+  const double scale = std::min({1.0, static_cast<double>(limit.width) / picture.width,
+                                 static_cast<double>(limit.height) / picture.height});
   standin::ShownPicture shown;
   shown.width = std::max(static_cast<int>(picture.width * scale), 1);
   shown.height = std::max(static_cast<int>(picture.height * scale), 1);

@@ -1,4 +1,4 @@
-// The host's window, with the picture that is being filtered in it.
+// The picture for the host's window.
 #pragma once
 
 #include <string>
@@ -8,8 +8,8 @@
 
 namespace radiashafts::cli {
 
-// The picture reduced to fit in the room, by the nearest pixel.
+// Reduces the picture to at most the limit's width and height, by nearest-neighbour sampling.
 standin::ShownPicture shownPicture(const standin::Picture& picture,
-                                   const standin::ShownPicture& room);
+                                   const standin::ShownPicture& limit);
 
 }  // namespace radiashafts::cli

@@ -1,4 +1,4 @@
-// The native command line: a small host that runs the filter module on picture files.
+// The command line: a small host that runs the filter module on picture files.
 
 #include <chrono>
 #include <cstdio>
@@ -39,7 +39,7 @@ std::string causeOf(std::int16_t status) {
   return "the filter answered " + std::to_string(status);
 }
 
-// Replaces the picture by the filtered one. Returns the seconds that the filter took.
+// Replaces the picture with the filtered one and returns the filter's run time in seconds.
 double filter(const CommandLine& commandLine, const Job& job, standin::EntryPoint entry,
               const standin::Mask* mask, standin::Picture& picture) {
   ProgressBar bar(job.input.filename().string(), !commandLine.quiet);
@@ -47,7 +47,7 @@ double filter(const CommandLine& commandLine, const Job& job, standin::EntryPoin
   std::optional<standin::PictureWindow> window;
   if (traits.playInfo == hostapi::playDisplay && commandLine.ownWindow) {
     window.emplace(job.input.filename().string(),
-                   shownPicture(picture, standin::PictureWindow::room()));
+                   shownPicture(picture, standin::PictureWindow::maximumSize()));
     traits.ownerWindow = window->handle();
   }
   standin::StandInHost host(picture, mask, traits);
@@ -76,7 +76,7 @@ double filter(const CommandLine& commandLine, const Job& job, standin::EntryPoin
 void process(const CommandLine& commandLine, const Job& job, standin::EntryPoint entry,
              const standin::Mask* mask) {
   standin::PictureFile file = [&job] {
-    const standin::EndsAtOnce endsAtOnce(interruptedLine);
+    const standin::ExitOnInterrupt exitOnInterrupt(interruptedLine);
     return standin::readPictureFile(job.input);
   }();
   if (mask != nullptr) checkMask(commandLine, *mask, file.picture);
@@ -103,7 +103,8 @@ void process(const CommandLine& commandLine, const Job& job, standin::EntryPoint
               printable(job.output.string()).c_str(), width, height, depth, seconds);
 }
 
-// Reads the module's file first, as hosts do, and says why it is refused.
+// Reads the entry point's name from the module file before it is loaded, as hosts do. Throws a
+// Failure when the module is refused.
 std::string entryNameOf(const std::filesystem::path& module) {
   std::error_code error;
   if (!std::filesystem::exists(module, error)) {
@@ -121,7 +122,7 @@ void run(const CommandLine& commandLine) {
   standin::EntryPoint entry = nullptr;
   std::optional<standin::Mask> mask;
   {
-    const standin::EndsAtOnce endsAtOnce(interruptedLine);
+    const standin::ExitOnInterrupt exitOnInterrupt(interruptedLine);
     const std::string entryName = entryNameOf(commandLine.module);
     if (!module.load(commandLine.module)) throw Failure{exitRender, module.error()};
     entry = reinterpret_cast<standin::EntryPoint>(module.symbol(entryName.c_str()));
@@ -134,14 +135,14 @@ void run(const CommandLine& commandLine) {
   for (const Job& job : commandLine.jobs) process(commandLine, job, entry, mask ? &*mask : nullptr);
 }
 
-// Whatever goes wrong becomes one line and an exit code.
+// Turns every exception into one error line and an exit code.
 int guarded(int argc, char** argv) {
   const auto failed = [](int exitCode, const std::string& text) {
     printLine(std::cerr, "radiashafts: " + text);
     return exitCode;
   };
   try {
-    standin::noteInterrupts();
+    standin::catchInterrupts();
     const ParsedCommandLine parsed = parseCommandLine(argc, argv);
     if (parsed.exitCode) return *parsed.exitCode;
     run(parsed.commandLine);
@@ -152,7 +153,7 @@ int guarded(int argc, char** argv) {
     return failed(exitInput, error.what());
   } catch (const std::bad_alloc&) {
     return failed(exitRender, "not enough memory");
-  } catch (const std::exception& error) {  // of the libraries below
+  } catch (const std::exception& error) {  // from libraries
     return failed(exitRender, error.what());
   } catch (...) {
     return failed(exitRender, "an unknown failure");

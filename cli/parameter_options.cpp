@@ -5,13 +5,14 @@
 #include <charconv>
 #include <cmath>
 #include <iomanip>
-#include <sstream>
 #include <stdexcept>
+
+#include "parameters/number_text.h"
 
 namespace radiashafts::cli {
 namespace {
 
-struct NotAValue : std::runtime_error {
+struct InvalidValue : std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
@@ -29,14 +30,9 @@ std::string optionName(const ParameterFacts& facts) {
   return name;
 }
 
-// The locale never changes how numbers are read.
-double parseNumber(std::string_view text) {
-  double value = 0.0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-  if (error != std::errc() || end != text.data() + text.size() || !std::isfinite(value)) {
-    throw NotAValue("'" + std::string(text) + "' is no number");
-  }
-  return value;
+double numberIn(std::string_view text) {
+  if (const auto value = parseNumber(text)) return *value;
+  throw InvalidValue("'" + std::string(text) + "' is no number");
 }
 
 ParameterNumbers parseNumbers(const std::string& text, int count) {
@@ -45,10 +41,10 @@ ParameterNumbers parseNumbers(const std::string& text, int count) {
   for (int i = 0; i < count; ++i) {
     const std::size_t comma = rest.find(',');
     if ((comma == std::string_view::npos) != (i == count - 1)) {
-      throw NotAValue("'" + text + "' is not " + std::to_string(count) +
-                      " numbers with commas between them");
+      throw InvalidValue("'" + text + "' is not " + std::to_string(count) +
+                         " numbers with commas between them");
     }
-    numbers[static_cast<std::size_t>(i)] = parseNumber(rest.substr(0, comma));
+    numbers[static_cast<std::size_t>(i)] = numberIn(rest.substr(0, comma));
     if (comma != std::string_view::npos) rest.remove_prefix(comma + 1);
   }
   return numbers;
@@ -57,7 +53,7 @@ ParameterNumbers parseNumbers(const std::string& text, int count) {
 double parseSwitch(const std::string& text) {
   if (text == "on" || text == "true" || text == "yes" || text == "1") return 1.0;
   if (text == "off" || text == "false" || text == "no" || text == "0") return 0.0;
-  throw NotAValue("'" + text + "' is neither on nor off");
+  throw InvalidValue("'" + text + "' is neither on nor off");
 }
 
 double parseEntry(const std::string& text, const ParameterFacts& facts) {
@@ -69,7 +65,7 @@ double parseEntry(const std::string& text, const ParameterFacts& facts) {
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
   if (error != std::errc() || end != text.data() + text.size() || number < 1 ||
       number > static_cast<int>(facts.entries.size())) {
-    throw NotAValue("'" + text + "' is none of its entries; --list-parameters tells them");
+    throw InvalidValue("'" + text + "' is none of its entries; --list-parameters tells them");
   }
   return number;
 }
@@ -100,13 +96,6 @@ std::string valueForm(const ParameterFacts& facts) {
   }
 }
 
-std::string formatted(double value) {
-  std::ostringstream stream;
-  stream.imbue(std::locale::classic());
-  stream << value;
-  return stream.str();
-}
-
 std::string textOf(const ParameterFacts&, bool value) {
   return value ? "on" : "off";
 }
@@ -114,7 +103,7 @@ std::string textOf(const ParameterFacts& facts, std::int32_t value) {
   const bool known = value >= 1 && value <= static_cast<std::int32_t>(facts.entries.size());
   return known ? facts.entries[static_cast<std::size_t>(value) - 1] : std::to_string(value);
 }
-// The shortest text that means the number.
+// The shortest text that parses back to the same number.
 std::string textOf(const ParameterFacts&, double value) {
   char text[32];
   const auto result = std::to_chars(text, text + sizeof text, value);
@@ -129,7 +118,7 @@ std::string defaultText(const ParameterFacts& facts) {
   std::string text;
   for (int i = 0; i < valueCount(facts.kind); ++i) {
     if (i > 0) text += ',';
-    text += formatted(facts.defaults[static_cast<std::size_t>(i)]);
+    text += numberText(facts.defaults[static_cast<std::size_t>(i)]);
   }
   return text;
 }
@@ -150,9 +139,9 @@ std::string rangeText(const ParameterFacts& facts) {
     }
     default:
       if (facts.bound == Bound::lower) {
-        return "from " + formatted(facts.minimum) + ", " + formatted(facts.maximum) + " is a lot";
+        return "from " + numberText(facts.minimum) + ", " + numberText(facts.maximum) + " is a lot";
       }
-      return formatted(facts.minimum) + " to " + formatted(facts.maximum);
+      return numberText(facts.minimum) + " to " + numberText(facts.maximum);
   }
 }
 
@@ -183,7 +172,7 @@ ParameterOptions::ParameterOptions(CLI::App& app) {
     const auto parse = [&facts, &value](const CLI::results_t& texts) {
       try {
         value = {true, parseValue(texts.back(), facts)};
-      } catch (const NotAValue& error) {
+      } catch (const InvalidValue& error) {
         throw CLI::ValidationError(optionName(facts), error.what());
       }
       return true;
@@ -216,11 +205,11 @@ std::vector<std::string> ParameterOptions::notes() const {
     if (!values_[i].given || facts.bound == Bound::none) continue;
     for (std::size_t k = 0; k < static_cast<std::size_t>(valueCount(facts.kind)); ++k) {
       const double number = values_[i].numbers[k];
-      const double held = std::max(
+      const double clamped = std::max(
           facts.bound == Bound::both ? std::min(number, facts.maximum) : number, facts.minimum);
-      if (held == number) continue;
-      notes.push_back(optionName(facts) + ": " + formatted(number) +
-                      " lies outside its range and is taken as " + formatted(held));
+      if (clamped == number) continue;
+      notes.push_back(optionName(facts) + ": " + numberText(number) +
+                      " lies outside its range and is taken as " + numberText(clamped));
     }
   }
   return notes;
@@ -235,7 +224,7 @@ void printScript(std::ostream& out, const standin::Script& script) {
       });
       if (value == script.end()) continue;
       if (!text.empty()) text += ',';
-      text += std::visit([&facts](auto held) { return textOf(facts, held); }, value->second);
+      text += std::visit([&facts](auto number) { return textOf(facts, number); }, value->second);
     }
     if (!text.empty()) out << optionName(facts) << ' ' << text << '\n';
   }

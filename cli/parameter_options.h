@@ -1,4 +1,4 @@
-// Command-line options for the effect's parameters, made from the parameter table.
+// Command-line options for the effect's parameters, generated from the parameter table.
 #pragma once
 
 #include <array>
@@ -13,20 +13,20 @@
 
 namespace radiashafts::cli {
 
-// One option a parameter that scripts can hold, in the table's order.
+// One option per scriptable parameter, in the table's order.
 class ParameterOptions {
  public:
-  // Adds the options to the application; this outlives its parsing.
+  // Adds the options to the application. This object must outlive app.parse().
   explicit ParameterOptions(CLI::App& app);
   ParameterOptions(const ParameterOptions&) = delete;
   ParameterOptions& operator=(const ParameterOptions&) = delete;
 
-  // The values that the user gave, as a recorded script.
+  // The values given on the command line, as a recorded script.
   standin::Script script() const;
-  // Sets the parameters to them.
+  // Sets the parameters that were given on the command line; leaves the others alone.
   void applyTo(EffectParameters& effect) const;
 
-  // Values outside the limits of their parameters, a line each: the filter holds them there.
+  // One line for each value outside its range. The filter clamps such values.
   std::vector<std::string> notes() const;
 
  private:
@@ -37,13 +37,13 @@ class ParameterOptions {
   std::array<Value, effectTable.size()> values_;
 };
 
-// A recorded script, an option with its value a line.
+// Prints a recorded script, one option and its value per line.
 void printScript(std::ostream& out, const standin::Script& script);
 
-// All values that scripts hold.
+// The values of all scriptable parameters as a script.
 standin::Script scriptOf(const EffectParameters& effect);
 
-// Name, range, default and entries of every option.
+// Prints name, default, range and entries of every option.
 void listParameters(std::ostream& out);
 
 }  // namespace radiashafts::cli

@@ -12,27 +12,27 @@
 namespace radiashafts::cli {
 namespace {
 
-// The effect's parameters as a collection.
-struct Collection {
-  Collection() {
+// The effect's parameters in the container that the preset functions take.
+struct EffectCollection {
+  EffectCollection() {
     for (pfParameter* parameter : effect.all) parameters.Add(parameter);
   }
   EffectParameters effect;
   pfParameters parameters;
 };
 
-struct PresetPlace {
+struct PresetLocation {
   std::string file;
   std::string name;
 };
 
-// A drive's letter has a colon of its own.
+// Whether the colon follows a drive letter, so it does not separate FILE and NAME.
 bool isDrive(const std::string& text, std::size_t colon) {
   const bool rooted = text.find_first_of("/\\", colon) == colon + 1;
   return colon == 1 && rooted && std::isalpha(static_cast<unsigned char>(text[0])) != 0;
 }
 
-PresetPlace placeOf(const std::string& text) {
+PresetLocation parseLocation(const std::string& text) {
   const std::size_t colon = text.rfind(':');
   if (colon == std::string::npos || colon == 0 || colon + 1 == text.size() ||
       isDrive(text, colon)) {
@@ -56,7 +56,7 @@ void checkOwner(pfParameters& parameters, const std::string& file, const std::st
                                             : ": its presets belong to the filter " + owner)};
 }
 
-// The path of a file that is there to be read, and ours.
+// The path of a readable preset file of this filter. Throws a Failure for any other file.
 std::string readablePath(pfParameters& parameters, const std::string& file) {
   std::string path = systemPath(file, exitInput);
   const platform::FileState state = platform::readWholeFile(path).state;
@@ -72,21 +72,21 @@ void list(pfParameters& parameters, const std::string& file) {
   for (const std::string& name : names) printLine(std::cout, name);
 }
 
-void load(pfParameters& parameters, const PresetPlace& place) {
-  if (parameters.LoadSettings(place.name, readablePath(parameters, place.file), nullptr)) return;
-  throw Failure{exitInput, place.file + ": has no preset '" + presetNameOf(place.name) +
+void load(pfParameters& parameters, const PresetLocation& preset) {
+  if (parameters.LoadSettings(preset.name, readablePath(parameters, preset.file), nullptr)) return;
+  throw Failure{exitInput, preset.file + ": has no preset '" + presetNameOf(preset.name) +
                                "'; --list-presets tells what it has"};
 }
 
-void save(pfParameters& parameters, const PresetPlace& place, bool quiet) {
-  const std::string path = systemPath(place.file, exitOutput);
-  checkOwner(parameters, place.file, path, exitOutput);
+void save(pfParameters& parameters, const PresetLocation& preset, bool quiet) {
+  const std::string path = systemPath(preset.file, exitOutput);
+  checkOwner(parameters, preset.file, path, exitOutput);
   parameters.ValidateAll();
   std::string failure;
-  // Another program may have put its own file there since.
-  if (!parameters.SaveSettings(place.name, path, effectName, &failure)) failure = "is in use";
-  if (!failure.empty()) throw Failure{exitOutput, place.file + ": " + failure};
-  if (!quiet) printLine(std::cout, place.file + ": has preset " + presetNameOf(place.name));
+  // SaveSettings checks the owner again: false when another program has replaced the file since.
+  if (!parameters.SaveSettings(preset.name, path, effectName, &failure)) failure = "is in use";
+  if (!failure.empty()) throw Failure{exitOutput, preset.file + ": " + failure};
+  if (!quiet) printLine(std::cout, preset.file + ": has preset " + presetNameOf(preset.name));
 }
 
 }  // namespace
@@ -106,15 +106,15 @@ PresetOptions::PresetOptions(CLI::App& app) {
 }
 
 standin::Script PresetOptions::apply(const ParameterOptions& parameters, bool quiet) const {
-  Collection values;
+  EffectCollection values;
   if (listed_) list(values.parameters, *listed_);
-  if (loaded_) load(values.parameters, placeOf(*loaded_));
+  if (loaded_) load(values.parameters, parseLocation(*loaded_));
   if (lastUsed_ && !ReadLastUsedSettings(values.parameters)) {
     throw Failure{exitInput, "--last-used: no values were confirmed in the interface yet"};
   }
   parameters.applyTo(values.effect);
   standin::Script script = loaded_ || lastUsed_ ? scriptOf(values.effect) : parameters.script();
-  if (saved_) save(values.parameters, placeOf(*saved_), quiet);
+  if (saved_) save(values.parameters, parseLocation(*saved_), quiet);
   return script;
 }
 

@@ -1,4 +1,4 @@
-// Command-line options for preset files and for the values that the interface remembers.
+// Command-line options for preset files and for the values last confirmed in the dialog.
 #pragma once
 
 #include <optional>
@@ -13,16 +13,16 @@ namespace radiashafts::cli {
 
 class PresetOptions {
  public:
-  // Adds the options to the application; this outlives its parsing.
+  // Adds the options to the application. This object must outlive app.parse().
   explicit PresetOptions(CLI::App& app);
   PresetOptions(const PresetOptions&) = delete;
   PresetOptions& operator=(const PresetOptions&) = delete;
 
-  // Whether they ask for something that can be done without pictures.
-  bool needNoPictures() const { return listed_ || saved_; }
+  // Whether an option was given that needs no pictures: listing or saving.
+  bool canRunWithoutPictures() const { return listed_ || saved_; }
 
-  // Lists and saves where that is wanted, and returns the values to render with: the preset's or
-  // the last used ones, with those over them that the options give. Throws a Failure.
+  // Lists and saves presets when requested and returns the values to render with: the preset's or
+  // the last used ones, overridden by the parameter options. Throws a Failure.
   standin::Script apply(const ParameterOptions& parameters, bool quiet) const;
 
  private:

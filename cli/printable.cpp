@@ -6,7 +6,8 @@
 namespace radiashafts::cli {
 namespace {
 
-// Bytes of the character at the text's start; 0 where there is none.
+// Length in bytes of the UTF-8 character at the start of the text, which is not empty; 0 when the
+// bytes are not valid UTF-8.
 std::size_t characterSize(std::string_view text) {
   const auto lead = static_cast<std::uint8_t>(text[0]);
   const std::size_t size = lead < 0x80   ? 1
@@ -28,7 +29,7 @@ bool isControl(std::string_view character) {
   return first == 0xC2 && static_cast<std::uint8_t>(character[1]) < 0xA0;
 }
 
-std::string writtenOut(char byte) {
+std::string escapedByte(char byte) {
   constexpr char digits[] = "0123456789abcdef";
   if (byte == '\n') return "\\n";
   if (byte == '\r') return "\\r";
@@ -45,7 +46,7 @@ std::string printable(std::string_view text) {
     const std::size_t size = characterSize(text);
     const std::string_view character = text.substr(0, size == 0 ? 1 : size);
     if (size == 0 || isControl(character)) {
-      for (const char byte : character) result += writtenOut(byte);
+      for (const char byte : character) result += escapedByte(byte);
     } else {
       result += character;
     }

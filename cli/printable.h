@@ -1,4 +1,4 @@
-// Messages as they may be shown: names of files can hold anything.
+// Makes messages safe to print: file names may contain control characters and invalid UTF-8.
 #pragma once
 
 #include <ostream>
@@ -7,10 +7,10 @@
 
 namespace radiashafts::cli {
 
-// The text with control characters, and bytes that are no UTF-8, written out: "\\n", "\\x1b".
+// The text with control characters and invalid UTF-8 bytes escaped: "\\n", "\\x1b".
 std::string printable(std::string_view text);
 
-// Prints the text as one line.
+// Prints the escaped text and a line feed.
 void printLine(std::ostream& out, std::string_view text);
 
 }  // namespace radiashafts::cli

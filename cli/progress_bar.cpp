@@ -8,8 +8,8 @@
 
 namespace radiashafts::cli {
 
-ProgressBar::ProgressBar(const std::string& label, bool wanted)
-    : label_(printable(label)), visible_(wanted && standin::errorIsTerminal()) {}
+ProgressBar::ProgressBar(const std::string& label, bool enabled)
+    : label_(printable(label)), visible_(enabled && standin::errorIsTerminal()) {}
 
 ProgressBar::~ProgressBar() {
   if (visible_ && shownPercent_ >= 0) std::fputs("\r\033[K", stderr);

@@ -5,11 +5,11 @@
 
 namespace radiashafts::cli {
 
-// A bar on standard error. Draws only when that is a terminal and only what changes; clears itself
-// at the end of its life.
+// A progress bar on standard error. Draws only when that is a terminal and the percentage has
+// changed; the destructor clears the line.
 class ProgressBar {
  public:
-  ProgressBar(const std::string& label, bool wanted);
+  ProgressBar(const std::string& label, bool enabled);
   ~ProgressBar();
   ProgressBar(const ProgressBar&) = delete;
   ProgressBar& operator=(const ProgressBar&) = delete;

@@ -13,13 +13,13 @@ DebugLog::~DebugLog() {
   if (std::FILE* file = file_.exchange(nullptr)) std::fclose(file);
 }
 
-bool DebugLog::isWanted(int severity) {
+bool DebugLog::isEnabled(int severity) {
   RefreshOutputs();
   return severity >= severityThreshold_ && (file_.load() != nullptr || console_.isOpen());
 }
 
 void DebugLog::LogMessage(const std::string& text, int severity) {
-  if (!isWanted(severity)) return;
+  if (!isEnabled(severity)) return;
   std::string line(static_cast<std::size_t>(std::max(0, indentLevel.load())) * 4, ' ');
   line += text;
   if (std::FILE* file = file_.load()) {
@@ -30,12 +30,12 @@ void DebugLog::LogMessage(const std::string& text, int severity) {
 }
 
 void DebugLog::RefreshOutputs() {
-  if (refreshing_.test_and_set()) return;  // another thread is at it
+  if (refreshing_.test_and_set()) return;  // another thread is refreshing them
   if (file_.load() == nullptr && !logPath_.empty()) {
     file_ = std::fopen(logPath_.c_str(), "a");
   }
-  if (!consoleWanted_ && console_.isOpen()) console_.close();
-  if (consoleWanted_ && !console_.isOpen()) console_.open("Debug Window", 120, 5000);
+  if (!consoleEnabled_ && console_.isOpen()) console_.close();
+  if (consoleEnabled_ && !console_.isOpen()) console_.open("Debug Window", 120, 5000);
   refreshing_.clear();
 }
 

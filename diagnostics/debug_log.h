@@ -1,5 +1,5 @@
-// The process-wide trace. Where a log file or a console is configured it shows the steps of a run;
-// with neither a line costs a look at two pointers.
+// The process-wide trace log. It writes to a log file, a console or both when they are configured;
+// otherwise a line costs two atomic loads.
 #pragma once
 
 #include <atomic>
@@ -14,7 +14,7 @@ namespace radiashafts {
 
 enum Severity : int { severityTrace = 1, severityWarning = 2, severityError = 3 };
 
-// Written by the caller at the start of a text of that severity.
+// Prefixes that the caller puts before a text of that severity.
 inline constexpr char warningMarker[] = "-**### WARNING ###**-: ";
 inline constexpr char errorMarker[] = "-**###  ERROR  ###**-: ";
 
@@ -27,36 +27,36 @@ class DebugLog {
 
   static DebugLog& Instance();
 
-  // Whether a text of the severity is written anywhere. Opens and closes the outputs as they are
-  // configured.
-  bool isWanted(int severity);
-  // Writes the indent and the text, which brings its own line feed. Failures are silent. Takes no
-  // lock: a line goes out whole, lines of several threads come in any order.
+  // Whether a text of the severity is written to any output. Opens or closes the outputs first to
+  // match the configuration.
+  bool isEnabled(int severity);
+  // Writes the indent and the text, which must end with a line feed. Ignores failures. Takes no
+  // lock: each line is written by one call, so lines of several threads do not mix.
   void LogMessage(const std::string& text, int severity);
 
-  // The file is opened for appending at the next LogMessage. A file that is open stays.
+  // The file is opened for appending at the next LogMessage. A file that is already open is kept.
   void SetLogFile(const std::string& path) { logPath_ = path; }
-  void SetConsoleWanted(bool wanted) { consoleWanted_ = wanted; }
+  void SetConsoleWanted(bool wanted) { consoleEnabled_ = wanted; }
   void RefreshOutputs();
 
-  // Raised and lowered by the traced functions, see LogIndent.
+  // Changed by LogIndent.
   std::atomic<int> indentLevel{0};
 
  private:
   std::string logPath_;
   std::atomic<std::FILE*> file_{nullptr};
-  std::atomic<bool> consoleWanted_{false};
+  std::atomic<bool> consoleEnabled_{false};
   std::atomic_flag refreshing_;
   int severityThreshold_ = severityTrace;
   platform::Console console_;
 };
 
-// One trace line: the parts in order and a line feed. Allocates nothing where nobody wants it; one
-// that there is no memory for is dropped.
+// Logs one line: the parts in order and a line feed. Allocates nothing when logging is disabled;
+// drops the line when memory runs out.
 template <class... Parts>
 void logLine(Severity severity, const Parts&... parts) noexcept {
   DebugLog& log = DebugLog::Instance();
-  if (!log.isWanted(severity)) return;
+  if (!log.isEnabled(severity)) return;
   try {
     std::ostringstream stream;
     (stream << ... << parts) << '\n';
@@ -71,7 +71,7 @@ void trace(const Parts&... parts) noexcept {
   logLine(severityTrace, parts...);
 }
 
-// Indents the log for the body of a traced function.
+// RAII: indents the log by one level during its lifetime.
 class LogIndent {
  public:
   LogIndent() { ++DebugLog::Instance().indentLevel; }

@@ -37,7 +37,8 @@ enum ImageMode : std::int16_t {
   modeGray32 = 17,
 };
 
-// How many colours the plug-in takes of a picture in the mode; 0 for a mode that it does not treat.
+// The largest number of colour planes that the plug-in filters in this mode; 0 when the mode is not
+// supported.
 constexpr int largestColorCount(std::int64_t imageMode) {
   switch (imageMode) {
     case modeGrayScale:
@@ -74,7 +75,7 @@ constexpr Fixed fixedOne = 0x10000;
 enum PlayInfo : std::int16_t { playDontDisplay = 0, playDisplay = 1, playSilent = 2 };
 enum RecordInfo : std::int16_t { recordDialogOptional = 0, recordDialogRequired = 1 };
 
-// What the host's 16-bit coordinate fields can hold on one side of a picture.
+// The longest side of a picture, in pixels: the host's coordinates are signed 16-bit integers.
 constexpr int maximumSide = 32767;
 
 }  // namespace hostapi

@@ -1,4 +1,4 @@
-// The host's scripting interface: descriptors that are read and written key by key.
+// The host's scripting interface: descriptors are read and written one key at a time.
 #pragma once
 
 #include <cstddef>
@@ -10,7 +10,7 @@ namespace hostapi {
 
 using Token = void*;                  // null means failure
 using DescriptorKey = std::uint32_t;  // a four-character code
-using UnusedProc = void (*)();        // slots of the tables that this plug-in never calls
+using UnusedProc = void (*)();        // a table entry that this plug-in never calls
 
 constexpr std::int16_t readDescriptorProcsCount = 18;
 constexpr std::int16_t writeDescriptorProcsCount = 16;

@@ -1,5 +1,5 @@
-// The host's parameter blocks. A FilterRecord is served by the host for every selector but the
-// about selector, which brings an AboutRecord.
+// The host's parameter blocks: the about selector passes an AboutRecord, every other selector a
+// FilterRecord.
 #pragma once
 
 #include <cstddef>
@@ -18,12 +18,12 @@ using ProgressProc = void (*)(std::int32_t done, std::int32_t total);
 using AdvanceStateProc = OSErr (*)();
 using ProcessEventProc = void (*)(void* event);
 
-// What platformData points at. The window may be null.
+// The target of platformData. The window may be null.
 struct PlatformData {
   void* ownerWindow;
 };
 
-// The one structure of the interface that is packed, to 4 bytes. Nothing here reads past depth.
+// The only packed structure of the interface: 4-byte alignment. Fields after depth are not used.
 #pragma pack(push, 4)
 struct FilterRecord {
   std::int32_t serialNumber;

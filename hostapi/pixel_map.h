@@ -1,4 +1,4 @@
-// A picture as the host's own drawing proc takes it.
+// The picture structure that the host's drawing proc takes.
 #pragma once
 
 #include <cstddef>

@@ -1,5 +1,5 @@
 // The host's service tables: the basic suite, the suites acquired through it, and the older
-// tables that hang directly on the filter record.
+// tables that the filter record points to.
 #pragma once
 
 #include <cstddef>
@@ -23,7 +23,7 @@ constexpr char bufferSuiteName[] = "Photoshop Buffer Suite for Plug-ins";
 constexpr std::int32_t bufferSuiteVersion = 1;
 
 struct BufferSuite1 {
-  // The host writes the size it gave into requestedSize. Null when it has no memory.
+  // The host stores the allocated size in requestedSize. Returns null when it has no memory.
   void* (*New)(std::uint32_t* requestedSize, std::uint32_t minimumSize);
   void (*Dispose)(void** buffer);
   std::uint32_t (*GetSize)(void* buffer);

@@ -1,4 +1,4 @@
-// The small types that the host's published structures are made of.
+// Basic types of the host's published structures.
 #pragma once
 
 #include <cstdint>
@@ -6,7 +6,7 @@
 namespace hostapi {
 
 using Boolean = std::uint8_t;  // non-zero is true
-using Fixed = std::int32_t;    // 16.16
+using Fixed = std::int32_t;    // 16.16 fixed point
 using OSErr = std::int16_t;    // 0 is success
 using Handle = char**;         // pointer to a master pointer: *handle is the block
 
@@ -34,7 +34,7 @@ struct RGBColor {
 using FilterColor = std::uint8_t[4];
 using PlugInMonitor = Fixed[10];
 
-// Four characters as the host counts them: the first one in the highest byte.
+// A four-character code: the first character is in the highest byte.
 constexpr std::uint32_t fourCharacterCode(const char (&text)[5]) {
   std::uint32_t code = 0;
   for (int i = 0; i < 4; ++i) code = code << 8 | static_cast<unsigned char>(text[i]);

@@ -6,7 +6,7 @@
 
 namespace radiashafts::platform {
 
-// A second text output beside the host's windows.
+// A text output for the log: a console window on Windows, standard error on Linux.
 class Console {
  public:
   Console() = default;
@@ -15,7 +15,7 @@ class Console {
   Console& operator=(const Console&) = delete;
 
   bool isOpen() const { return handle_ != 0; }
-  // Columns and lines are the size of the scroll-back where the system has one to size.
+  // columns and lines set the size of the console's buffer; ignored on Linux.
   void open(const char* title, int columns, int lines);
   void write(const std::string& text);
   void close();

@@ -1,6 +1,6 @@
 #pragma once
 
-// Marks the function that the module exports.
+// Exports a function from the module.
 #ifdef _WIN32
 #define RADIASHAFTS_EXPORT __declspec(dllexport)
 #else

@@ -4,8 +4,8 @@
 
 namespace radiashafts::platform {
 
-// Whether the file that is there may be changed: nobody has made it read-only, also where the user
-// may do anything, and the system lets this process.
+// Whether this process may change the existing file. False for a file marked read-only, even when
+// the user is root, who could write to it.
 bool mayChange(const std::filesystem::path& file);
 
 }  // namespace radiashafts::platform

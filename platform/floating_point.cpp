@@ -4,8 +4,8 @@
 
 namespace radiashafts::platform {
 
-// Flags of exceptions that have happened are cleared with it: one that the host unmasks would be
-// raised as soon as its state is back.
+// Also clears the pending exception flags: if the host unmasks such an exception, it would be
+// raised as soon as the host's state is restored.
 void setDefaultFloatingPoint() {
   constexpr std::uint32_t allMasked = 0x1F80;
   _mm_setcsr(allMasked);

@@ -1,4 +1,4 @@
-// The floating-point state of a thread: rounding, exceptions, and what becomes of denormal numbers.
+// The floating-point state of a thread: rounding, exceptions and the treatment of denormal numbers.
 #pragma once
 
 #include <array>
@@ -6,11 +6,11 @@
 
 namespace radiashafts::platform {
 
-// Gives the calling thread the state that all arithmetic here is written for: rounding to nearest,
-// no exceptions, denormal numbers kept, the x87 unit at its full precision.
+// Sets the state of the calling thread that all code here relies on: rounding to nearest,
+// exceptions masked, denormal numbers kept, x87 at full precision.
 void setDefaultFloatingPoint();
 
-// Sets the default state for its life and then gives the thread back the state that it had.
+// RAII: sets the default state and restores the thread's previous state in the destructor.
 class DefaultFloatingPoint {
  public:
   DefaultFloatingPoint();

@@ -2,8 +2,8 @@
 
 namespace radiashafts::platform {
 
-// Releases a handle, block and master pointer, where the system can tell that its own global
-// allocator made them; leaves any other handle alone.
+// Frees a handle, both block and master pointer, if the system's global allocator allocated them;
+// leaves any other handle alone.
 void freeGlobalHandle(void** handle);
 
 }  // namespace radiashafts::platform

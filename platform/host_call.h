@@ -5,9 +5,8 @@
 
 namespace radiashafts::platform {
 
-// Stands around a call into the host. Where the calling thread shows windows of the module's own
-// style, the host gets its own style back meanwhile; the floating-point state that it leaves behind
-// is set right.
+// RAII around a call into the host. On a thread with a HostContext the host's activation context is
+// active during the call; afterwards the default floating-point state is set again.
 class HostCall {
  public:
   HostCall();
@@ -19,7 +18,7 @@ class HostCall {
   std::uintptr_t cookie_ = 0;
 };
 
-// Calls a proc of the host and gives its answer.
+// Calls a proc of the host and returns its result.
 template <class Proc, class... Arguments>
 auto callHost(Proc proc, Arguments... arguments) {
   const HostCall call;

@@ -2,8 +2,8 @@
 
 namespace radiashafts::platform {
 
-// Tells the user of an error, without an owner window; returns when the user has seen it where
-// the system has windows.
+// Shows an error to the user: on Windows a message box without an owner window, returning when it
+// is closed; on Linux a line on standard error.
 void showErrorBox(const char* title, const char* text);
 
 }  // namespace radiashafts::platform

@@ -2,8 +2,8 @@
 
 namespace radiashafts::platform {
 
-// Takes and dispatches all waiting window messages of the calling thread. False when a quit
-// message was among them; it has then been posted again, so that the outer loop sees it too.
+// Dispatches the pending window messages of the calling thread. Returns false on a quit message,
+// which is posted again so that the outer message loop also ends.
 bool pumpPendingMessages();
 
 }  // namespace radiashafts::platform

@@ -4,9 +4,8 @@
 
 namespace radiashafts::platform {
 
-// A lock that its own thread may enter again. Works with std::lock_guard. The compiler's own one
-// registers every thread of a Windows host with the compiler's runtime, which keeps two handles for
-// it when the module is unloaded.
+// A recursive mutex, usable with std::lock_guard. On Windows std::recursive_mutex is not used: the
+// compiler's thread runtime leaks two handles per host thread when the module is unloaded.
 class RecursiveLock {
  public:
   RecursiveLock();

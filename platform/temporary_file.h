@@ -6,34 +6,36 @@
 
 namespace radiashafts::platform {
 
-// A file on its way to another's place. A step that fails is false and tells why in error().
+// A temporary file that replaces the target when it is complete. A failed step returns false and
+// sets error().
 class TemporaryFile {
  public:
-  explicit TemporaryFile(const std::string& place);
-  ~TemporaryFile();  // removes what was not put in place
+  explicit TemporaryFile(const std::string& target);
+  ~TemporaryFile();  // deletes the temporary file unless it was renamed
   TemporaryFile(const TemporaryFile&) = delete;
   TemporaryFile& operator=(const TemporaryFile&) = delete;
 
-  // Takes the name for this object alone, with what a process that ended left under it.
-  enum class Taken { own, byAnother, failed };
-  Taken open();
+  // Creates and locks the temporary file, or takes over one that an ended process left behind.
+  // inUse: another thread or process has it open.
+  enum class OpenResult { opened, inUse, failed };
+  OpenResult open();
   bool write(const char* bytes, std::size_t size);
   bool flush();  // to the disk
-  bool putInPlace();
+  bool renameToTarget();
   const std::string& error() const { return error_; }
 
  private:
-  bool failed();  // notes the system's last error
-  Taken refused(Taken why) {
-    failed();
-    return why;
+  bool recordError();  // stores the system's last error in error_; returns false
+  OpenResult recordError(OpenResult result) {
+    recordError();
+    return result;
   }
 
-  std::string place_;
+  std::string target_;
   std::string path_;
   std::string error_;
   std::intptr_t handle_ = -1;
-  bool opened_ = false;  // and not yet in place
+  bool exists_ = false;  // created and not yet renamed to the target
 };
 
 }  // namespace radiashafts::platform

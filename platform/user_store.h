@@ -8,17 +8,17 @@
 
 namespace radiashafts::platform {
 
-// A key of named, typed values that belong to the current user. Keys form paths with "\" between
-// their names; a key exists too where one below it does. A value of another type or size than is
-// asked for reads as absent. No failure is told: what cannot be written is not kept.
+// A key with named, typed values of the current user. Key paths are separated by "\"; a key also
+// exists if one of its subkeys does. Reading a value of a different type or size returns none, as
+// if it did not exist. Write errors are ignored.
 //
-// Names hold no line feeds, no " = ", and do not begin with "[".
+// Names must not contain line feeds or " = " and must not begin with "[".
 class UserKey {
  public:
-  // Empty when the key does not exist or may not be read.
+  // Empty when the key does not exist or cannot be read.
   static std::optional<UserKey> openForReading(const std::string& path);
-  // Made where it does not exist; empty when it may not be written. What is written counts from
-  // the key's closing on.
+  // Creates the key if needed; empty when it cannot be written. Values may not be visible to
+  // readers before this object is destroyed.
   static std::optional<UserKey> createForWriting(const std::string& path);
 
   UserKey(UserKey&& other) noexcept;
@@ -26,11 +26,11 @@ class UserKey {
   ~UserKey();
 
   std::optional<std::uint32_t> readNumber(const std::string& name) const;
-  // Four bytes of any type, for switches that users set by hand.
+  // Any value of four bytes, whatever its type: users set some switches by hand.
   std::optional<std::uint32_t> readAnyFourBytes(const std::string& name) const;
-  // A text that fits 256 bytes with the zero at its end.
+  // Only texts that fit in maximumUserText bytes.
   std::optional<std::string> readText(const std::string& name) const;
-  // Exactly so many bytes; leaves them alone when the answer is false.
+  // Reads a value of exactly this size. Returns false and leaves the buffer unchanged otherwise.
   bool readBytes(const std::string& name, void* bytes, std::size_t size) const;
 
   void writeNumber(const std::string& name, std::uint32_t value);
@@ -44,6 +44,6 @@ class UserKey {
   std::unique_ptr<State> state_;
 };
 
-inline constexpr std::size_t maximumUserText = 256;  // bytes, with the zero
+inline constexpr std::size_t maximumUserText = 256;  // bytes, including the terminating zero
 
 }  // namespace radiashafts::platform

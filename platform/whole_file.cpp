@@ -24,13 +24,13 @@ std::optional<ReplaceFailure> changeWholeFile(const std::string& path, const Fil
     }
     return !failure;
   };
-  const auto end = std::chrono::steady_clock::now() + 1s;
-  auto taken = TemporaryFile::Taken::failed;
-  const auto take = [&] { return (taken = file.open()) == TemporaryFile::Taken::own; };
-  while (!step(ReplaceStep::open, take)) {
-    const bool waits =
-        std::exchange(taken, TemporaryFile::Taken::failed) == TemporaryFile::Taken::byAnother;
-    if (!waits || std::chrono::steady_clock::now() >= end) return failure;
+  const auto deadline = std::chrono::steady_clock::now() + 1s;
+  using OpenResult = TemporaryFile::OpenResult;
+  auto result = OpenResult::failed;
+  const auto open = [&] { return (result = file.open()) == OpenResult::opened; };
+  while (!step(ReplaceStep::open, open)) {
+    const bool inUse = std::exchange(result, OpenResult::failed) == OpenResult::inUse;
+    if (!inUse || std::chrono::steady_clock::now() >= deadline) return failure;
     std::this_thread::sleep_for(5ms);
   }
   const auto content = change(readWholeFile(path));
@@ -41,7 +41,7 @@ std::optional<ReplaceFailure> changeWholeFile(const std::string& path, const Fil
     if (!step(ReplaceStep::write, write)) return failure;
   }
   if (step(ReplaceStep::flush, [&] { return file.flush(); })) {
-    step(ReplaceStep::rename, [&] { return file.putInPlace(); });
+    step(ReplaceStep::rename, [&] { return file.renameToTarget(); });
   }
   return failure;
 }

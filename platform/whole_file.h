@@ -1,4 +1,5 @@
-// Files that are read and replaced as a whole. Paths are in the system's narrow text.
+// Files that are read and replaced as a whole. Paths are narrow strings; on Windows they are in the
+// ANSI code page.
 #pragma once
 
 #include <cstddef>
@@ -9,14 +10,14 @@
 
 namespace radiashafts::platform {
 
-// None where the system's narrow text cannot say the path.
+// Empty when the system's narrow encoding cannot represent the path.
 std::optional<std::string> narrowPath(const std::filesystem::path& path);
 
 enum class FileState {
-  absent,   // there is none
-  refused,  // there is one that the system does not let be read
-  unfit,    // no plain file, or one beyond maximumWholeFile
-  whole
+  absent,   // no such file
+  refused,  // exists but cannot be read
+  unfit,    // not a regular file, or larger than maximumWholeFile
+  whole     // content holds the file's bytes
 };
 
 struct WholeFile {
@@ -28,30 +29,30 @@ inline constexpr std::size_t maximumWholeFile = std::size_t{512} << 20;
 
 WholeFile readWholeFile(const std::string& path);
 
-// The steps of a replacement. Writing takes one for each block of the content.
+// The steps of a replacement. There is one write step per replaceBlock bytes.
 enum class ReplaceStep { open, write, flush, rename };
 inline constexpr std::size_t replaceBlock = std::size_t{64} << 10;
 
 struct ReplaceFailure {
   ReplaceStep step;
-  std::string reason;  // in the system's words
+  std::string reason;  // the system's error message
 };
 
-// The new content for a file as it stands; none leaves it alone.
+// Returns the new content for the current file; empty leaves the file unchanged.
 using FileChange = std::function<std::optional<std::string>(const WholeFile& old)>;
 
-// Puts a file with the changed content in the path's place in one step, a new one where there is
-// none. Whatever fails, or wherever the process ends, the path holds its old bytes or the new ones,
-// which have reached the disk. The content is gathered beside it, under its name followed by "tmp".
-// Who has that file open is alone at the change, from reading to the end; others wait for a second
-// and have failed then. On Linux links are followed and rights kept.
+// Replaces the file atomically with the changed content, or creates it. After an error or a crash
+// the path holds either the old bytes or the complete new ones, which have been flushed to disk.
+// The content is written to a temporary file in the same folder, named like the file plus "tmp".
+// That file is also the lock: it is held from reading to renaming, and other writers wait up to a
+// second before they fail. On Linux symbolic links are followed and permissions kept.
 std::optional<ReplaceFailure> changeWholeFile(const std::string& path, const FileChange& change);
 
-// Where set, asked before each step and before each further try to open; a step that it answers
-// with true fails. For tests.
+// For tests: if set, called before each step, including each retry of open. Returning true makes
+// the step fail.
 extern bool (*replaceFault)(ReplaceStep step);
 
-// What the system's text files end a line with.
+// The line ending of the system's text files.
 extern const char lineEnd[];
 
 }  // namespace radiashafts::platform

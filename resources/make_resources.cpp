@@ -1,4 +1,4 @@
-// Writes the generated resources into files; runs on the building machine.
+// Writes the generated resources to files. Runs on the build machine.
 
 #include <cstdio>
 #include <fstream>

@@ -10,21 +10,21 @@
 namespace radiashafts::resources {
 namespace {
 
-// All measures in dialog units. Rows stand on one grid: labels, sliders and edits each in a column.
+// All sizes are in dialog units. Labels, sliders and edit fields each have a column.
 constexpr int dialogWidth = 177;
 constexpr int dialogHeight = 354;
 constexpr int margin = 4;
-constexpr int inset = 6;  // of a group's contents
+constexpr int inset = 6;  // between a group box and its contents
 constexpr int left = margin + inset;
 constexpr int right = dialogWidth - margin - inset;
-constexpr int controlLeft = 51;  // behind the labels
+constexpr int controlLeft = 51;  // right of the labels
 constexpr int editWidth = 34;
 constexpr int editHeight = 12;
 constexpr int sliderHeight = 11;
 constexpr int labelHeight = 8;
-constexpr int labelDrop = 2;  // centres a label on the row of an edit
+constexpr int labelOffset = 2;  // centres a label vertically next to an edit field
 constexpr int rowPitch = 13;
-constexpr int droppedHeight = 140;
+constexpr int dropDownHeight = 140;
 constexpr int gap = 3;
 
 const ParameterFacts& factsOf(std::string_view name) {
@@ -43,7 +43,7 @@ class Layout {
          << ", " << x << ", " << top << ", " << width << ", " << height << '\n';
   }
   void label(const char* text, int x, int width, const char* style = "SS_LEFT") {
-    control(text, -1, "STATIC", style, x, y + labelDrop, width, labelHeight);
+    control(text, -1, "STATIC", style, x, y + labelOffset, width, labelHeight);
   }
   void button(const char* text, int id, int x, int width, int height = rowPitch,
               const char* style = "BS_PUSHBUTTON | WS_TABSTOP") {
@@ -54,12 +54,13 @@ class Layout {
   }
   void combo(int id, int x, int width, const char* sorting = "") {
     const std::string style = std::string("CBS_DROPDOWNLIST | WS_VSCROLL | WS_TABSTOP") + sorting;
-    control("", id, "COMBOBOX", style.c_str(), x, y, width, droppedHeight);
+    control("", id, "COMBOBOX", style.c_str(), x, y, width, dropDownHeight);
   }
   void edit(int id, int x, int width) {
     control("", id, "EDIT", "ES_AUTOHSCROLL | WS_BORDER | WS_TABSTOP", x, y, width, editHeight);
   }
-  // In the middle column. Its track is inset in the control and begins where the edits do.
+  // In the middle column. The track is inset in the control, so that its left end is at
+  // controlLeft.
   void slider(int id) {
     constexpr int trackInset = 4;
     control("", id, "msctls_trackbar32", "TBS_NOTICKS | TBS_BOTH | WS_TABSTOP",
@@ -67,7 +68,7 @@ class Layout {
             sliderHeight);
   }
 
-  // A label, a slider and an edit.
+  // One row: label, slider and edit field.
   void numberRow(const char* name) {
     const ParameterFacts& facts = factsOf(name);
     label(facts.labels[0], left, controlLeft - left);
@@ -79,7 +80,7 @@ class Layout {
     for (const char* name : names) numberRow(name);
   }
 
-  // A group box around what is laid out between begin and end.
+  // Adds a group box of this height; y moves to the first row inside it.
   void beginGroup(const char* text, int height) {
     control(text, -1, "BUTTON", "BS_GROUPBOX", margin, y, dialogWidth - 2 * margin, height);
     y += 9;
@@ -127,7 +128,8 @@ void alterColor(Layout& layout) {
   layout.numberRows({"Hue", "Saturation", "Lightness", "ColorBalance"});
   const ParameterFacts& imageColor = factsOf("UseImageColor");
   layout.checkBox(imageColor.labels[0], imageColor.controls[0], left, right - left);
-  layout.y += 12;  // leaves room below, where the group box paints its border over the swatches
+  layout.y += 12;  // keeps the swatches clear of the group box's bottom border, which would be
+                   // painted over them
 
   constexpr int swatch = 34;
   const ParameterFacts& low = factsOf("ColorLow");
@@ -168,8 +170,8 @@ void actions(Layout& layout) {
   }
   constexpr int zoomLeft = dialogWidth - margin - 68;
   layout.button("-", ID_ZOOM_OUT, zoomLeft, 16);
-  layout.control("", ID_PERCENTAGE, "STATIC", "SS_CENTER", zoomLeft + 17, layout.y + labelDrop + 1,
-                 34, labelHeight);
+  layout.control("", ID_PERCENTAGE, "STATIC", "SS_CENTER", zoomLeft + 17,
+                 layout.y + labelOffset + 1, 34, labelHeight);
   layout.button("+", ID_ZOOM_IN, zoomLeft + 52, 16);
 
   layout.y = 331;

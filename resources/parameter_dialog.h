@@ -1,4 +1,4 @@
-// The parameter dialog as resource script, laid out from the parameter table.
+// Generates the resource script of the parameter dialog from the parameter table.
 #pragma once
 
 #include <string>

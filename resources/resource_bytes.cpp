@@ -22,7 +22,8 @@ constexpr std::uint16_t terminologyId = 16000;
 constexpr char enabledWhen[] =
     "in (PSHOP_ImageMode, GrayScaleMode, RGBMode, Gray16Mode, RGB48Mode, Gray32Mode, RGB96Mode)";
 
-// Little-endian, four-character codes too: they stand reversed in the file.
+// Writes little-endian integers. Four-character codes are integers too, so their bytes are reversed
+// in the file.
 class Writer {
  public:
   Writer& int16(std::uint16_t value) { return integer(value, 2); }
@@ -62,16 +63,16 @@ class Writer {
   Bytes bytes_;
 };
 
-// The length of a property counts its padding.
+// The property's length field includes the padding.
 void addProperty(Writer& list, const char (&key)[5], Writer data) {
   data.padToFour();
   list.code("8BIM").code(key).int32(0).int32(static_cast<std::uint32_t>(data.bytes().size()));
   list.append(data.bytes());
 }
 
-// One entry for each published filter case. Protected transparency is refused; everywhere else the
-// filter takes and gives straight data, works on blank data, may write outside the selection and
-// needs no copy of the source in its output.
+// One entry per filter case. Protected transparency is not supported. In all other cases the filter
+// reads and writes straight (not premultiplied) data, works on blank data, may write outside the
+// selection and does not need the source copied to the output.
 Writer filterCases() {
   constexpr std::uint8_t cannotFilter = 0;
   constexpr std::uint8_t straightData = 1;
@@ -84,7 +85,7 @@ Writer filterCases() {
   return cases;
 }
 
-// The terminology's parameters have an order of their own.
+// The order of the parameters in the terminology, which differs from the parameter table's.
 constexpr std::array<std::string_view, 20> terminologyOrder{
     "Origin",          "Intensity",    "RayLength",     "Radius",
     "ColorBalance",    "ColorLow",     "ColorHigh",     "UseImageColor",
@@ -113,7 +114,7 @@ void addType(Writer& writer, ParameterKind kind) {
   }
 }
 
-// Returns how many values were added.
+// Returns the number of values added.
 std::uint16_t addParameters(Writer& writer) {
   std::uint16_t count = 0;
   for (const std::string_view name : terminologyOrder) {

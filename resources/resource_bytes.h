@@ -1,4 +1,4 @@
-// The two binary resources by which a host knows the plug-in before it runs it.
+// The two binary resources that describe the plug-in to the host before it is loaded.
 #pragma once
 
 #include <cstdint>
@@ -8,7 +8,7 @@ namespace radiashafts::resources {
 
 using Bytes = std::vector<std::uint8_t>;
 
-// The plug-in property list: name, menu place, entry point and the pictures it takes.
+// The plug-in property list: name, menu category, entry point and supported image modes.
 Bytes makePiPL();
 
 // The scripting terminology of the parameters.

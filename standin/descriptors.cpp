@@ -9,9 +9,9 @@
 namespace radiashafts::standin {
 namespace {
 
-// Sizes of handles stand before their blocks' own bytes are needed, in the master record.
+// The memory behind a handle: the master pointer, followed by the block's size.
 struct Master {
-  char* block;  // what a handle points at
+  char* block;  // the handle points to this member
   std::int32_t size;
 };
 
@@ -145,7 +145,7 @@ hostapi::OSErr putBoolean(hostapi::Token token, hostapi::DescriptorKey key,
   return put(token, key, value != 0);
 }
 
-void neverCalled() {
+void unusedProc() {
   std::abort();
 }
 
@@ -203,29 +203,29 @@ hostapi::HandleProcs* handleProcs() {
 }
 
 hostapi::ReadDescriptorProcs* readDescriptorProcs() {
-  static hostapi::ReadDescriptorProcs procs{0,           hostapi::readDescriptorProcsCount,
-                                            openRead,    closeRead,
-                                            getKey,      getInteger,
-                                            getFloat,    getUnitFloat,
-                                            getBoolean,  neverCalled,
-                                            neverCalled, neverCalled,
-                                            neverCalled, neverCalled,
-                                            neverCalled, neverCalled,
-                                            neverCalled, neverCalled,
-                                            neverCalled, neverCalled};
+  static hostapi::ReadDescriptorProcs procs{0,          hostapi::readDescriptorProcsCount,
+                                            openRead,   closeRead,
+                                            getKey,     getInteger,
+                                            getFloat,   getUnitFloat,
+                                            getBoolean, unusedProc,
+                                            unusedProc, unusedProc,
+                                            unusedProc, unusedProc,
+                                            unusedProc, unusedProc,
+                                            unusedProc, unusedProc,
+                                            unusedProc, unusedProc};
   return &procs;
 }
 
 hostapi::WriteDescriptorProcs* writeDescriptorProcs() {
-  static hostapi::WriteDescriptorProcs procs{0,           hostapi::writeDescriptorProcsCount,
-                                             openWrite,   closeWrite,
-                                             putInteger,  putFloat,
-                                             nullptr,     putBoolean,
-                                             neverCalled, neverCalled,
-                                             neverCalled, neverCalled,
-                                             neverCalled, neverCalled,
-                                             neverCalled, neverCalled,
-                                             neverCalled, neverCalled};
+  static hostapi::WriteDescriptorProcs procs{0,          hostapi::writeDescriptorProcsCount,
+                                             openWrite,  closeWrite,
+                                             putInteger, putFloat,
+                                             nullptr,    putBoolean,
+                                             unusedProc, unusedProc,
+                                             unusedProc, unusedProc,
+                                             unusedProc, unusedProc,
+                                             unusedProc, unusedProc,
+                                             unusedProc, unusedProc};
   return &procs;
 }
 

@@ -10,13 +10,13 @@ namespace radiashafts::standin {
 hostapi::ReadDescriptorProcs* readDescriptorProcs();
 hostapi::WriteDescriptorProcs* writeDescriptorProcs();
 
-// Handles come from malloc, block and master pointer, so that a plug-in without the handle procs
-// can release them.
+// Block and master pointer are allocated with malloc, so that a plug-in can free a handle without
+// the handle procs.
 hostapi::HandleProcs* handleProcs();
 hostapi::Handle newHandle(std::int32_t size);
 void disposeHandle(hostapi::Handle handle);
 
-// A script in a handle that the caller owns, and back. A null handle is an empty script.
+// Converts a script to a handle, which the caller owns, and back. A null handle is an empty script.
 hostapi::Handle makeDescriptor(const Script& script);
 Script scriptOf(hostapi::Handle descriptor);
 

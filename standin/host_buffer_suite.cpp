@@ -13,7 +13,7 @@ namespace {
 constexpr std::size_t guardSize = 64;  // keeps the buffer aligned for any use
 constexpr std::uint8_t guardByte = 0xA5;
 
-// The first guard begins with the buffer's size.
+// Stored in the first bytes of the leading guard.
 struct Header {
   std::uint32_t size;
 };

@@ -1,4 +1,4 @@
-// The stand-in's memory suites. Every buffer stands between guard bytes.
+// The stand-in's memory suites. Guard bytes surround every buffer to detect overruns.
 #pragma once
 
 #include <atomic>
@@ -8,7 +8,7 @@
 
 namespace radiashafts::standin {
 
-// Whether the guards of all buffers disposed of so far were untouched.
+// False once a buffer with overwritten guard bytes has been freed; reset at the start of each run.
 std::atomic<bool>& bufferGuardsIntact();
 const hostapi::BufferSuite1* bufferSuite();
 const hostapi::HandleSuite2* handleSuite();

@@ -3,28 +3,28 @@
 namespace radiashafts::standin {
 namespace {
 
-Fault wanted;
+Fault activeFault;
 std::atomic<int> calls{0};
-std::atomic<bool> shown{false};
+std::atomic<bool> triggered{false};
 
 }  // namespace
 
 void setFault(const Fault& fault) {
-  if (fault.service != Service::none) shown = false;
-  wanted = fault;
+  if (fault.service != Service::none) triggered = false;
+  activeFault = fault;
   calls = 0;
 }
 
 bool callFails(Service service) {
-  if (service != wanted.service) return false;
+  if (service != activeFault.service) return false;
   const int call = ++calls;
-  const bool fails = call == wanted.at || (wanted.onward && call > wanted.at);
-  if (fails) shown = true;
+  const bool fails = call == activeFault.at || (activeFault.onward && call > activeFault.at);
+  if (fails) triggered = true;
   return fails;
 }
 
 bool faultShown() {
-  return shown;
+  return triggered;
 }
 
 LiveObjects& liveObjects() {

@@ -1,28 +1,28 @@
-// Faults that the stand-in shows on request, and what it has handed out.
+// Fault injection for the stand-in's services, and a count of the objects that it has handed out.
 #pragma once
 
 #include <atomic>
 
 namespace radiashafts::standin {
 
-// Services of a host, each of which may fail.
+// The host services that can be made to fail.
 enum class Service { none, buffers, handles, advanceState, descriptors, suites };
 
-// Which service fails, and at which of its calls, counted from 1; onward, at all behind it too.
+// Which service fails at which call, counted from 1. With onward set, all later calls fail too.
 struct Fault {
   Service service = Service::none;
   int at = 0;
   bool onward = false;
 };
 
-// Sets the fault and counts the calls of its service from here on.
+// Sets the fault and restarts the call count.
 void setFault(const Fault& fault);
-// Counts a call of the service; true where it is to fail.
+// Counts a call of the service; returns true when the call must fail.
 bool callFails(Service service);
-// Whether the fault that was set last has been shown.
+// Whether the fault that was set last has made a call fail.
 bool faultShown();
 
-// What was not given back yet.
+// Objects handed out and not yet freed.
 struct LiveObjects {
   std::atomic<int> buffers{0};
   std::atomic<int> handles{0};

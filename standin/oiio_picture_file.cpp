@@ -28,8 +28,9 @@ using OIIO::ImageOutput;
 using OIIO::ImageSpec;
 using OIIO::TypeDesc;
 
-// The pool of one format is apart from the library's.
-void keepFromThreads() {
+// When threads are scarce, keeps OpenEXR from starting its own pool, which is separate from the
+// picture library's.
+void limitLibraryThreads() {
   static const bool kept = threadsAreScarce() && OIIO::attribute("exr_threads", -1);
   static_cast<void>(kept);
 }
@@ -40,7 +41,7 @@ struct OiioMetadata final : PictureMetadata {
 };
 
 [[noreturn]] void fail(const fs::path& path, const std::string& cause) {
-  // Libraries below put line breaks into their messages; the user gets one line.
+  // Messages of the codec libraries may contain line breaks; the user gets one line.
   std::string line = cause;
   while (!line.empty() && std::isspace(static_cast<unsigned char>(line.back()))) line.pop_back();
   std::replace(line.begin(), line.end(), '\n', ' ');
@@ -62,8 +63,8 @@ TypeDesc typeOf(int depth) {
   return depth == 8 ? TypeDesc::UINT8 : depth == 16 ? TypeDesc::UINT16 : TypeDesc::FLOAT;
 }
 
-// Replaces each colour by what combine makes of it and of alpha in 0 to 1, on the file's scale.
-// Integers are rounded and held at full scale.
+// Replaces each colour value, on the file's scale, by combine(colour, alpha), with alpha from 0
+// to 1. Integers are rounded and clamped to full scale. Pixels with alpha 0 are skipped.
 template <class Sample, class Combine>
 void combineWithAlpha(Picture& picture, double fullScale, const Combine& combine) {
   auto* pixel = reinterpret_cast<Sample*>(picture.bytes.data());
@@ -94,14 +95,14 @@ void combineWithAlpha(Picture& picture, const Combine& combine) {
   }
 }
 
-// Formats whose codecs hand colours out and take them multiplied by alpha, whatever is asked for.
-bool codecAssociates(std::string_view format) {
+// Formats whose codecs read and write premultiplied alpha, even if unassociated alpha is requested.
+bool codecPremultiplies(std::string_view format) {
   return format == "openexr" || format == "webp";
 }
 
-// A TIFF says of itself how it is; the other formats store colours as they are.
-bool isAssociated(std::string_view format, const ImageSpec& spec) {
-  return codecAssociates(format) ||
+// Whether the colours read from this file are premultiplied. TIFF files have a tag for it.
+bool isPremultiplied(std::string_view format, const ImageSpec& spec) {
+  return codecPremultiplies(format) ||
          (format == "tiff" && spec.get_int_attribute("oiio:UnassociatedAlpha") == 0);
 }
 
@@ -109,8 +110,8 @@ void divideByAlpha(Picture& picture) {
   combineWithAlpha(picture, [](double color, double alpha) { return color / alpha; });
 }
 
-// As the codec wants it. The WebP encoder divides on a curve of gamma 2.2, though the decoder
-// multiplies without one.
+// Premultiplies for the encoder. The WebP encoder divides by alpha^(1/2.2), although the decoder
+// multiplies by alpha itself.
 void multiplyByAlpha(Picture& picture, std::string_view format) {
   const double exponent = format == "webp" ? 1.0 / 2.2 : 1.0;
   combineWithAlpha(picture, [exponent](double color, double alpha) {
@@ -118,21 +119,21 @@ void multiplyByAlpha(Picture& picture, std::string_view format) {
   });
 }
 
-// The one order of channels that hosts know: colours, then alpha, then what travels along.
-void layOut(Picture& picture, const ImageSpec& spec) {
+// Sets size, depth and channels. Channels are in the hosts' order: colours, alpha, extra channels.
+void setLayout(Picture& picture, const ImageSpec& spec) {
   picture.width = spec.width;
   picture.height = spec.height;
   picture.planes = spec.nchannels;
   picture.colorPlanes = spec.nchannels <= 2 ? 1 : 3;
-  const auto behindColors = static_cast<std::size_t>(picture.colorPlanes);
+  const auto firstExtraChannel = static_cast<std::size_t>(picture.colorPlanes);
   picture.hasAlpha =
       spec.nchannels > picture.colorPlanes &&
-      (spec.alpha_channel == picture.colorPlanes || spec.channelnames.at(behindColors) == "A");
+      (spec.alpha_channel == picture.colorPlanes || spec.channelnames.at(firstExtraChannel) == "A");
   picture.depth = depthOf(spec.format);
 }
 
-// The JPEG decoder fills up a file that ends early and says nothing. In a whole one the end marker
-// follows the last scan; neither marker can stand inside a scan.
+// The JPEG decoder pads a truncated file without an error. In a complete file the end marker
+// follows the last scan; neither marker can occur inside scan data.
 bool isTruncatedJpeg(const fs::path& path) {
   std::ifstream stream(path, std::ios::binary);
   const std::string bytes((std::istreambuf_iterator<char>(stream)),
@@ -141,33 +142,34 @@ bool isTruncatedJpeg(const fs::path& path) {
   return lastScan == std::string::npos || bytes.find("\xFF\xD9", lastScan) == std::string::npos;
 }
 
-// What the library knows the formats of names by; it cuts them at a question mark.
+// The extension by which the library selects a format; it cuts file names at a question mark.
 std::string extensionOf(const fs::path& path) {
   const std::string extension = path.extension().string();
   return extension.substr(0, extension.find('?'));
 }
 
-// Null with a message in the library's store.
-std::unique_ptr<ImageInput> openAnyName(const fs::path& path) {
-  ImageSpec wish;
-  wish.attribute("oiio:UnassociatedAlpha", 1);
+// Opens a picture file, also one with a question mark in its name, for which every format is tried.
+// On failure returns null; OIIO::geterror() has the reason.
+std::unique_ptr<ImageInput> tryOpen(const fs::path& path) {
+  ImageSpec config;
+  config.attribute("oiio:UnassociatedAlpha", 1);
   const std::string name = path.string();
-  if (name.find('?') == std::string::npos) return ImageInput::open(name, &wish);
+  if (name.find('?') == std::string::npos) return ImageInput::open(name, &config);
   const auto all = OIIO::Strutil::splits(OIIO::get_string_attribute("input_format_list"), ",");
   std::vector<std::string> formats{"x" + extensionOf(path)};
   formats.insert(formats.end(), all.begin(), all.end());
   for (const std::string& format : formats) {
     auto input = ImageInput::create(format);
     ImageSpec found;
-    if (input != nullptr && input->open(name, found, wish)) return input;
+    if (input != nullptr && input->open(name, found, config)) return input;
   }
   return nullptr;
 }
 
 std::unique_ptr<ImageOutput> outputFor(const fs::path& path) {
   const std::string extension = path.extension().string();
-  const bool cut = extension != extensionOf(path);
-  auto output = cut || extension.empty() ? nullptr : ImageOutput::create("x" + extension);
+  const bool truncated = extension != extensionOf(path);
+  auto output = truncated || extension.empty() ? nullptr : ImageOutput::create("x" + extension);
   if (output == nullptr) {
     static_cast<void>(OIIO::geterror());
     fail(path, "no picture format that can be written has the extension '" + extension + "'");
@@ -179,7 +181,7 @@ std::unique_ptr<ImageInput> openInput(const fs::path& path, ImageSpec& spec) {
   std::error_code error;
   if (!fs::exists(path, error)) fail(path, "no such file");
   if (fs::is_directory(path, error)) fail(path, "is a directory");
-  auto input = openAnyName(path);
+  auto input = tryOpen(path);
   if (input == nullptr) {
     const std::string reason = OIIO::geterror();
     fail(path, reason.empty() ? "no picture of a format that can be read" : reason);
@@ -196,7 +198,7 @@ std::unique_ptr<ImageInput> openInput(const fs::path& path, ImageSpec& spec) {
   return input;
 }
 
-// What goes into the file: the input's own description, as far as it still holds.
+// The output's spec: the input's metadata without the attributes that no longer apply.
 ImageSpec outputSpec(const PictureFile& file, const ImageOutput& output) {
   const auto* metadata = dynamic_cast<const OiioMetadata*>(file.metadata.get());
   ImageSpec spec = metadata != nullptr ? metadata->spec : ImageSpec();
@@ -212,13 +214,13 @@ ImageSpec outputSpec(const PictureFile& file, const ImageOutput& output) {
   if (!output.supports("tiles")) spec.tile_width = spec.tile_height = spec.tile_depth = 0;
   spec.channelformats.clear();
   spec.attribute("oiio:UnassociatedAlpha", 1);
-  // The samples were widened on reading where the file packed them.
+  // Packed samples, such as 10-bit ones, were widened on reading.
   spec.erase_attribute("oiio:BitsPerSample");
   spec.erase_attribute("oiio:subimages");
   return spec;
 }
 
-// Leaves out the channels that the format cannot hold, and says so.
+// Drops the channels that the format cannot store and adds a note.
 void dropChannels(Picture& picture, ImageSpec& spec, const ImageOutput& output,
                   const fs::path& path, std::vector<std::string>& notes) {
   int kept = picture.planes;
@@ -226,7 +228,7 @@ void dropChannels(Picture& picture, ImageSpec& spec, const ImageOutput& output,
   if (!output.supports("nchannels")) {
     kept = std::min(kept, picture.colorPlanes + (picture.hasAlpha && output.supports("alpha")));
   }
-  // This encoder ends the program where it gets any other number.
+  // The DPX encoder ends the program for any other number of channels.
   if (std::string_view(output.format_name()) == "dpx") {
     kept = std::min(kept, picture.colorPlanes + (picture.hasAlpha && picture.colorPlanes == 3));
   }
@@ -257,7 +259,7 @@ void notePages(const PictureFile& file, const fs::path& path, std::vector<std::s
   }
 }
 
-// Whether the encoder keeps every sample as it gets it.
+// Whether the encoder is lossless.
 bool isExact(const ImageOutput& output) {
   constexpr std::string_view formats[] = {"bmp", "dpx", "fits", "iff",   "openexr", "png",
                                           "pnm", "rla", "sgi",  "targa", "tiff",    "zfile"};
@@ -272,9 +274,9 @@ bool isExact(const ImageOutput& output) {
   return output.spec().get_string_attribute("tiff:ColorSpace") != "CMYK";
 }
 
-// Reads the file strip by strip, and compares it with the picture where the encoder is exact: not
-// every one tells that the disk was full.
-bool isWhole(ImageInput& input, const ImageOutput& output, const Picture& picture) {
+// Reads the file back strip by strip and, if the encoder is lossless, compares it with the picture:
+// some encoders do not report a full disk.
+bool contentMatches(ImageInput& input, const ImageOutput& output, const Picture& picture) {
   const ImageSpec& spec = input.spec();
   const TypeDesc type = output.spec().format;
   const bool exact = isExact(output);
@@ -285,7 +287,7 @@ bool isWhole(ImageInput& input, const ImageOutput& output, const Picture& pictur
   const int rowsAtOnce = spec.tile_width == 0 ? 64 : spec.tile_height;
   const std::size_t rowSamples =
       static_cast<std::size_t>(spec.width) * static_cast<std::size_t>(spec.nchannels);
-  std::vector<std::uint8_t> expected(rowSamples * type.size());  // a row of them
+  std::vector<std::uint8_t> expected(rowSamples * type.size());  // one row
   std::vector<std::uint8_t> rows(expected.size() * static_cast<std::size_t>(rowsAtOnce));
   for (int y = 0; y < spec.height; y += rowsAtOnce) {
     const int end = std::min(y + rowsAtOnce, spec.height);
@@ -310,8 +312,9 @@ bool isWhole(ImageInput& input, const ImageOutput& output, const Picture& pictur
   return true;
 }
 
-// An encoder whose last bytes found no room may not say so: then there is none for another byte.
-bool hasRoomBehind(const fs::path& file) {
+// Some encoders do not report that the disk was full at the last bytes. In that case appending one
+// more byte fails as well.
+bool canAppendByte(const fs::path& file) {
   std::error_code error;
   const std::uintmax_t size = fs::file_size(file, error);
   std::ofstream stream(file, std::ios::binary | std::ios::app);
@@ -321,12 +324,13 @@ bool hasRoomBehind(const fs::path& file) {
   return !error && !stream.fail();
 }
 
-// Looks whether the written file is what it should be. Notes what the format did not take of the
-// picture's description.
+// Throws if the written file does not contain the picture. Adds notes for metadata that the format
+// did not store.
 void verify(const fs::path& written, const fs::path& path, const ImageOutput& output,
             const PictureFile& file, std::vector<std::string>& notes) {
-  const auto input = openAnyName(written);
-  if (input == nullptr || !isWhole(*input, output, file.picture) || !hasRoomBehind(written)) {
+  const auto input = tryOpen(written);
+  if (input == nullptr || !contentMatches(*input, output, file.picture) ||
+      !canAppendByte(written)) {
     static_cast<void>(OIIO::geterror());
     fail(path, "the written file does not hold the picture");
   }
@@ -336,23 +340,24 @@ void verify(const fs::path& written, const fs::path& path, const ImageOutput& ou
   };
   const auto* metadata = dynamic_cast<const OiioMetadata*>(file.metadata.get());
   if (metadata == nullptr) return;
-  const ImageSpec& wanted = metadata->spec;
-  if (wanted.get_int_attribute("Orientation", 1) != spec.get_int_attribute("Orientation", 1)) {
+  const ImageSpec& requested = metadata->spec;
+  if (requested.get_int_attribute("Orientation", 1) != spec.get_int_attribute("Orientation", 1)) {
     noteLoss("orientation");
   }
-  if (wanted.find_attribute("ICCProfile") != nullptr &&
+  if (requested.find_attribute("ICCProfile") != nullptr &&
       spec.find_attribute("ICCProfile") == nullptr) {
     noteLoss("colour profile");
   }
 }
 
-// An encoder's file in memory, for one that ends the program when the disk is full.
+// Lets an encoder write to memory instead of the disk: the JPEG encoder ends the program when the
+// disk is full.
 class MemoryFile {
  public:
-  bool take(ImageOutput& output) { return taken_ = output.set_ioproxy(&proxy_); }
-  // True where nothing was taken.
+  bool attachTo(ImageOutput& output) { return attached_ = output.set_ioproxy(&proxy_); }
+  // Writes the encoded bytes to the path. Does nothing and returns true if not attached.
   bool writeTo(const fs::path& path) const {
-    if (!taken_) return true;
+    if (!attached_) return true;
     std::ofstream stream(path, std::ios::binary);
     stream.write(reinterpret_cast<const char*>(bytes_.data()),
                  static_cast<std::streamsize>(bytes_.size()));
@@ -361,7 +366,7 @@ class MemoryFile {
   }
 
  private:
-  bool taken_ = false;
+  bool attached_ = false;
   std::vector<unsigned char> bytes_;
   OIIO::Filesystem::IOVecOutput proxy_{bytes_};
 };
@@ -369,19 +374,19 @@ class MemoryFile {
 }  // namespace
 
 PictureFile readPictureFile(const fs::path& path) {
-  keepFromThreads();
+  limitLibraryThreads();
   const standin::SilencedStandardError silenced;
   auto metadata = std::make_shared<OiioMetadata>();
   const auto input = openInput(path, metadata->spec);
   const ImageSpec& spec = metadata->spec;
   PictureFile file;
-  layOut(file.picture, spec);
+  setLayout(file.picture, spec);
   file.picture.allocate();
   if (!input->read_image(0, 0, 0, spec.nchannels, typeOf(file.picture.depth),
                          file.picture.bytes.data())) {
     fail(path, input->geterror());
   }
-  if (file.picture.hasAlpha && isAssociated(input->format_name(), spec)) {
+  if (file.picture.hasAlpha && isPremultiplied(input->format_name(), spec)) {
     divideByAlpha(file.picture);
   }
   rescaleWords(file.picture, hostWord);
@@ -391,7 +396,7 @@ PictureFile readPictureFile(const fs::path& path) {
 }
 
 Mask readMaskFile(const fs::path& path) {
-  keepFromThreads();
+  limitLibraryThreads();
   const standin::SilencedStandardError silenced;
   ImageSpec spec;
   const auto input = openInput(path, spec);
@@ -415,11 +420,11 @@ void checkWritable(const fs::path& path, const Picture&) {
 WriteResult writePictureFile(const fs::path& path, PictureFile&& file,
                              const std::function<bool()>& aborted) {
   const standin::SilencedStandardError silenced;
-  keepFromThreads();
+  limitLibraryThreads();
   MemoryFile memory;
   PartialFile partial(path);
   const auto output = outputFor(path);
-  // Its encoder would wait for threads for ever.
+  // The HEIF encoder would wait for its threads forever.
   if (std::string_view(output->format_name()) == "heif" && threadsAreScarce()) {
     fail(path, "the system lets this process have too few threads for this format");
   }
@@ -431,35 +436,35 @@ WriteResult writePictureFile(const fs::path& path, PictureFile&& file,
   }
   dropChannels(picture, spec, *output, path, result.notes);
   notePages(file, path, result.notes);
-  const TypeDesc wanted = spec.format;
-  // Left to itself the codec would go down to 8 bits at once.
+  const TypeDesc requested = spec.format;
+  // For float samples the PNG encoder would choose 8 bits; 16 bits is its best depth.
   if (picture.depth == 32 && std::string_view(output->format_name()) == "png") {
     spec.set_format(TypeDesc::UINT16);
   }
-  if (std::string_view(output->format_name()) == "jpeg") memory.take(*output);
+  if (std::string_view(output->format_name()) == "jpeg") memory.attachTo(*output);
   if (!output->open(partial.path().string(), spec)) fail(path, output->geterror());
-  if (output->spec().format != wanted) {
+  if (output->spec().format != requested) {
     result.notes.push_back(path.string() + ": " + output->format_name() + " holds " +
-                           output->spec().format.c_str() + " samples and not " + wanted.c_str() +
+                           output->spec().format.c_str() + " samples and not " + requested.c_str() +
                            "; the depth is changed");
   }
 
   rescaleWords(picture, fileWord);
-  if (picture.hasAlpha && codecAssociates(output->format_name())) {
+  if (picture.hasAlpha && codecPremultiplies(output->format_name())) {
     multiplyByAlpha(picture, output->format_name());
   }
-  const auto stopped = [](void* context, float) {
+  const auto isCancelled = [](void* context, float) {
     return (*static_cast<const std::function<bool()>*>(context))();
   };
-  const bool complete = output->write_image(typeOf(picture.depth), picture.bytes.data(),
-                                            OIIO::AutoStride, OIIO::AutoStride, OIIO::AutoStride,
-                                            stopped, const_cast<std::function<bool()>*>(&aborted));
+  const bool complete = output->write_image(
+      typeOf(picture.depth), picture.bytes.data(), OIIO::AutoStride, OIIO::AutoStride,
+      OIIO::AutoStride, isCancelled, const_cast<std::function<bool()>*>(&aborted));
   if (aborted()) return result;
   if (!complete || !output->close()) fail(path, output->geterror());
   if (!memory.writeTo(partial.path())) fail(path, "the written file does not hold the picture");
   verify(partial.path(), path, *output, file, result.notes);
   if (aborted()) return result;
-  if (const std::string error = partial.putInPlace(); !error.empty()) fail(path, error);
+  if (const std::string error = partial.renameToTarget(); !error.empty()) fail(path, error);
   result.written = true;
   return result;
 }

@@ -1,6 +1,6 @@
-// The picture library's pool of threads. Its own one, and those of libraries below it, end the
-// program where they ask for threads and get none; this one stands in for it, by the linker, and is
-// empty then.
+// Replaces the picture library's default_thread_pool at link time. The library's own pool and those
+// of its dependencies end the program if they cannot start a thread; this pool has no threads when
+// threads are scarce.
 
 #include "standin/oiio_threads.h"
 
@@ -16,13 +16,13 @@
 namespace radiashafts::standin {
 namespace {
 
-bool canHaveThreads(std::size_t count) {
+bool canStartThreads(std::size_t count) {
   std::latch end(1);
   std::vector<std::jthread> threads;
   try {
     while (threads.size() < count) threads.emplace_back([&end] { end.wait(); });
   } catch (const std::system_error&) {
-    // The count tells.
+    // The number of threads started is checked below.
   }
   end.count_down();
   return threads.size() == count;
@@ -31,9 +31,9 @@ bool canHaveThreads(std::size_t count) {
 }  // namespace
 
 bool threadsAreScarce() {
-  constexpr std::size_t pools = 3;  // this one, that of a format, and the filter's
+  constexpr std::size_t pools = 3;  // this one, OpenEXR's and the filter's
   static const bool scarce =
-      !canHaveThreads(pools * std::max(1U, std::thread::hardware_concurrency()));
+      !canStartThreads(pools * std::max(1U, std::thread::hardware_concurrency()));
   return scarce;
 }
 
@@ -43,7 +43,7 @@ OIIO_NAMESPACE_BEGIN
 
 thread_pool* default_thread_pool() {
   const unsigned processors = std::max(1U, std::thread::hardware_concurrency());
-  // The caller works too.
+  // One less than the processors, because the calling thread works too.
   static thread_pool pool(
       radiashafts::standin::threadsAreScarce() ? 0 : static_cast<int>(processors) - 1);
   return &pool;

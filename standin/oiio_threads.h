@@ -2,8 +2,8 @@
 
 namespace radiashafts::standin {
 
-// Whether the system lets this process have so few threads that libraries are to be kept from
-// asking for some. Found out once.
+// Whether this process can start too few threads for the libraries' pools, which must then be
+// disabled. Tested by starting threads on the first call; the result is cached.
 bool threadsAreScarce();
 
 }  // namespace radiashafts::standin

@@ -10,33 +10,33 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// A link to a file stays, and the file behind it is the one that is replaced.
-fs::path behindLinks(const fs::path& place) {
+// Follows symbolic links, so that the file is replaced and not the link.
+fs::path followLinks(const fs::path& target) {
   std::error_code error;
-  if (!fs::is_symlink(place, error)) return place;
-  const fs::path target = fs::weakly_canonical(place, error);
-  return error ? place : target;
+  if (!fs::is_symlink(target, error)) return target;
+  const fs::path resolvedPath = fs::weakly_canonical(target, error);
+  return error ? target : resolvedPath;
 }
 
 }  // namespace
 
-PartialFile::PartialFile(const fs::path& place) : place_(behindLinks(place)) {
+PartialFile::PartialFile(const fs::path& target) : target_(followLinks(target)) {
   fs::path name = ".partial-" + std::to_string(std::random_device()());
-  name += place_.extension();
-  path_ = place_.parent_path() / name;
+  name += target_.extension();
+  path_ = target_.parent_path() / name;
 }
 
-std::string PartialFile::obstacle(const fs::path& place) {
+std::string PartialFile::obstacle(const fs::path& target) {
   std::error_code error;
-  const fs::path directory = place.parent_path();
+  const fs::path directory = target.parent_path();
   if (!directory.empty() && !fs::is_directory(directory, error)) return "no such directory";
-  const fs::file_status status = fs::status(place, error);
+  const fs::file_status status = fs::status(target, error);
   if (fs::is_directory(status)) return "is a directory";
   if (!fs::exists(status)) {
-    return fs::is_symlink(fs::symlink_status(place, error)) ? "is a link to nothing" : "";
+    return fs::is_symlink(fs::symlink_status(target, error)) ? "is a link to nothing" : "";
   }
   if (!fs::is_regular_file(status)) return "is no plain file";
-  return platform::mayChange(place) ? "" : "is read-only";
+  return platform::mayChange(target) ? "" : "is read-only";
 }
 
 PartialFile::~PartialFile() {
@@ -44,12 +44,12 @@ PartialFile::~PartialFile() {
   fs::remove(path_, ignored);
 }
 
-std::string PartialFile::putInPlace() {
-  if (std::string reason = obstacle(place_); !reason.empty()) return reason;
+std::string PartialFile::renameToTarget() {
+  if (std::string reason = obstacle(target_); !reason.empty()) return reason;
   std::error_code error;
-  const fs::file_status replaced = fs::status(place_, error);
+  const fs::file_status replaced = fs::status(target_, error);
   if (fs::is_regular_file(replaced)) fs::permissions(path_, replaced.permissions(), error);
-  fs::rename(path_, place_, error);
+  fs::rename(path_, target_, error);
   return error ? error.message() : std::string();
 }
 

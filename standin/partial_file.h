@@ -1,4 +1,4 @@
-// A file that is written beside its place and put there when it is complete.
+// A file that is written next to its target and renamed to it when it is complete.
 #pragma once
 
 #include <filesystem>
@@ -8,21 +8,21 @@ namespace radiashafts::standin {
 
 class PartialFile {
  public:
-  // Why the place holds no file or what may not be replaced; empty where one can be put there.
-  static std::string obstacle(const std::filesystem::path& place);
+  // The reason why the target cannot be created or replaced; empty if it can.
+  static std::string obstacle(const std::filesystem::path& target);
 
-  // A short name without special characters in the place's folder, with the place's extension.
-  explicit PartialFile(const std::filesystem::path& place);
-  ~PartialFile();  // removes what was not put in place
+  // Chooses a short name without special characters, in the target's folder and with its extension.
+  explicit PartialFile(const std::filesystem::path& target);
+  ~PartialFile();  // deletes the file unless it was renamed
   PartialFile(const PartialFile&) = delete;
   PartialFile& operator=(const PartialFile&) = delete;
 
   const std::filesystem::path& path() const { return path_; }
-  // Empty, or why it failed.
-  std::string putInPlace();
+  // Returns the reason of a failure, or an empty string.
+  std::string renameToTarget();
 
  private:
-  std::filesystem::path place_;
+  std::filesystem::path target_;
   std::filesystem::path path_;
 };
 

@@ -1,4 +1,4 @@
-// A picture as hosts hold it: interleaved, tight, alpha unassociated.
+// A picture in the hosts' layout: interleaved, rows without padding, alpha not premultiplied.
 #pragma once
 
 #include <cstddef>
@@ -12,9 +12,9 @@ namespace radiashafts::standin {
 struct Picture {
   int width = 0;
   int height = 0;
-  int planes = 0;         // samples of a pixel
-  int colorPlanes = 0;    // 1 to 3, the first of them
-  bool hasAlpha = false;  // directly behind the colours; what follows travels along
+  int planes = 0;         // samples per pixel
+  int colorPlanes = 0;    // 1 to 3; the colours are the first planes
+  bool hasAlpha = false;  // alpha follows the colours; further planes are passed through
   int depth = 8;          // 8: 0 to 255. 16: 0 to 32768. 32: floats, 1.0 is full scale
   std::vector<std::uint8_t> bytes;
 
@@ -28,14 +28,14 @@ struct Picture {
   void allocate() { bytes.resize(rowBytes() * static_cast<std::size_t>(height)); }
 };
 
-// An 8-bit selection of a picture's size: 255 is selected.
+// An 8-bit selection of the same size as the picture: 255 is fully selected.
 struct Mask {
   int width = 0;
   int height = 0;
   std::vector<std::uint8_t> bytes;
 };
 
-// The mode number under which a host shows such a picture.
+// The host's mode number for the picture.
 constexpr std::int16_t imageModeOf(const Picture& picture) {
   const bool is8 = picture.depth == 8;
   const bool is16 = picture.depth == 16;

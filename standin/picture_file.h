@@ -1,4 +1,4 @@
-// Picture files, behind one interface whatever library reads them.
+// Reading and writing picture files, independent of the library used.
 #pragma once
 
 #include <filesystem>
@@ -18,8 +18,8 @@ class PictureFileError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-// What the file says of the picture beside its pixels: profile, resolution, metadata. Known to the
-// library that read it.
+// The file's metadata: colour profile, resolution and the rest. Its type depends on the library
+// that read it.
 struct PictureMetadata {
   virtual ~PictureMetadata() = default;
 };
@@ -29,21 +29,21 @@ struct PictureFile {
   std::shared_ptr<const PictureMetadata> metadata;
 };
 
-// Reads the first picture of the file at its own depth. Throws PictureFileError, also for a side
-// above 32767 pixels.
+// Reads the file's first picture at its own depth. Throws PictureFileError, also if a side is
+// longer than 32767 pixels.
 PictureFile readPictureFile(const std::filesystem::path& path);
 
 // Reads an 8-bit grey picture as a mask.
 Mask readMaskFile(const std::filesystem::path& path);
 
-// Throws PictureFileError where such a picture could not be written to the path: asked before the
-// work is done.
+// Throws PictureFileError if the picture cannot be written to the path. Called before filtering, so
+// that the error is reported early.
 void checkWritable(const std::filesystem::path& path, const Picture& picture);
 
-// Writes the picture in the format that the path's extension names, beside its place, and renames
-// it onto it when it is complete. The samples of file.picture are used up. What the format cannot
-// hold is said in the notes returned, a line each. Throws PictureFileError; nothing is left behind
-// then, nor after aborted answers true, which gives false in written.
+// Writes the picture to a temporary file, in the format given by the path's extension, and renames
+// it to the path when it is complete. Modifies file.picture. Each note says what the format cannot
+// store. Throws PictureFileError. If aborted returns true, the result's written is false. In both
+// cases the temporary file is deleted.
 struct WriteResult {
   bool written = false;
   std::vector<std::string> notes;

@@ -77,7 +77,7 @@ PluginProperties parsePluginProperties(const Bytes& resource) {
         if (!data.empty()) properties.modes = data[0];
         break;
       default:
-        break;  // hosts pass over what they do not know
+        break;  // hosts ignore unknown properties
     }
   }
   return properties;

@@ -48,7 +48,7 @@ std::size_t heightOf(const hostapi::Rect& rect) {
   return static_cast<std::size_t>(rect.bottom - rect.top);
 }
 
-// The source position under a position of a request at the given rate.
+// The pixel of the full-size image for a position in a request at the given rate.
 std::size_t sampledAt(int position, hostapi::Fixed rate, int side) {
   const std::int64_t at = static_cast<std::int64_t>(position) * rate / hostapi::fixedOne;
   return static_cast<std::size_t>(std::clamp<std::int64_t>(at, 0, side - 1));
@@ -165,11 +165,11 @@ RunResult StandInHost::run(EntryPoint entry, const Script& script, Picture& outp
   result.requestsEnded =
       isEmpty(record_.inRect) && isEmpty(record_.outRect) && isEmpty(record_.maskRect);
   if (result.status == 0) {
-    constexpr int mostTiles = 1000;  // a filter that never empties its rectangles is cut short
-    for (int tile = 0; tile < mostTiles && !isEmpty(record_.outRect); ++tile) {
+    constexpr int maximumTiles = 1000;  // stops a filter that never empties its rectangles
+    for (int tile = 0; tile < maximumTiles && !isEmpty(record_.outRect); ++tile) {
       if (serve() != 0 || call(hostapi::selectorContinue) != 0) break;
     }
-    takeOutput();
+    copyOutputBack();
     call(hostapi::selectorFinish);
   }
 
@@ -188,11 +188,12 @@ RunResult StandInHost::run(EntryPoint entry, const Script& script, Picture& outp
 hostapi::OSErr StandInHost::serve() {
   if (callFails(Service::advanceState)) return advanceStateError;
   constexpr hostapi::OSErr badRequest = -30100;
-  takeOutput();
+  copyOutputBack();
   return serveInput() && serveOutput() && serveMask() ? hostapi::OSErr{0} : badRequest;
 }
 
-// Serves the input itself where it is asked for whole, without padding and guards.
+// Serves the input's own bytes if the whole picture is requested without padding and guards, else a
+// copy.
 bool StandInHost::serveInput() {
   const hostapi::Rect& rect = record_.inRect;
   if (isEmpty(rect)) return true;
@@ -221,8 +222,8 @@ bool StandInHost::serveInput() {
   return true;
 }
 
-// The output comes with the picture's present pixels in it, so that planes which a filter does not
-// write stay as they were.
+// The output buffer is filled with the current pixels, so that planes that the filter does not
+// write are kept.
 bool StandInHost::serveOutput() {
   const hostapi::Rect& rect = record_.outRect;
   servedOutRect_ = rect;
@@ -269,8 +270,8 @@ bool StandInHost::serveMask() {
   return true;
 }
 
-// Puts what the filter wrote back into the picture.
-void StandInHost::takeOutput() {
+// Copies the pixels that the filter wrote into the output picture.
+void StandInHost::copyOutputBack() {
   if (isEmpty(servedOutRect_) || servedOutput_.copy.empty()) return;
   const std::size_t pixel = input_.pixelBytes();
   for (int y = servedOutRect_.top; y < servedOutRect_.bottom; ++y) {

@@ -1,5 +1,4 @@
-// A host of the plug-in interface in small: serves one picture to a filter module and takes the
-// result.
+// A minimal host of the plug-in interface: runs a filter module on one picture.
 #pragma once
 
 #include <array>
@@ -19,49 +18,49 @@ namespace radiashafts::standin {
 using EntryPoint = void (*)(std::int16_t selector, void* block, std::intptr_t* data,
                             std::int16_t* result);
 
-// What advanceState answers where it fails on request.
+// The result of advanceState when its fault is injected.
 inline constexpr hostapi::OSErr advanceStateError = -30100;
 
-// What hosts differ in.
+// The features that differ between hosts.
 struct HostTraits {
   bool suites = true;
   bool descriptors = true;
   bool handleProcs = true;
   bool colorServices = true;
   bool displayPixels = true;
-  bool sampling = true;  // else requests are filled from the full-size image
-  int inputPadding = 0;  // bytes behind each row of the input
+  bool sampling = true;  // false: ignores inputRate and maskRate, serves at full size
+  int inputPadding = 0;  // bytes after each row of the input
   int outputPadding = 0;
   int maskPadding = 0;
-  int guardBytes = 0;  // before and behind each served buffer
+  int guardBytes = 0;  // before and after each served buffer
   std::int16_t playInfo = hostapi::playDontDisplay;
-  bool multichannel = false;                  // shows the picture as channels without a meaning
-  void* ownerWindow = nullptr;                // the system's handle of the host's window
+  bool multichannel = false;                  // reports a multichannel mode
+  void* ownerWindow = nullptr;                // native handle of the host's window
   std::optional<hostapi::Rect> selectedRect;  // the part of the picture that the host filters
 };
 
-// Faults that the host is to show.
+// Faults that the host injects.
 struct HostFaults {
   bool noAdvanceState = false;
   bool noProgressProc = false;
   Fault fault;
-  int abortAtProgress = 0;  // the number of the progress call behind which the user aborts
+  int abortAtProgress = 0;  // abort after this many progress calls; 0 is never
 };
 
 struct RunResult {
-  std::int16_t status = 0;  // what the filter answered to start
-  Script script;            // what it handed back, empty where it wrote none
+  std::int16_t status = 0;  // the filter's result of the start selector
+  Script script;            // returned by the filter; empty if it wrote none
   int progressCalls = 0;
   bool requestsEnded = false;  // the filter emptied its rectangles on start
-  hostapi::Rect filterRect{};  // as the host finds it behind finish
-  bool guardsIntact = true;    // of all buffers that the filter was given
-  int leaked = 0;              // buffers, handles and open descriptors that did not come back
+  hostapi::Rect filterRect{};  // the record's value after the finish selector
+  bool guardsIntact = true;    // guard bytes of all buffers passed to the filter
+  int leaked = 0;              // buffers, handles and open descriptors that were not freed
 };
 
 class StandInHost {
  public:
-  // input, mask and output stand for as long as this. mask may be null. A run writes into output,
-  // which may not be the input.
+  // input, mask and output must outlive this object. mask may be null. A run writes to output,
+  // which must not be the same object as input.
   StandInHost(const Picture& input, const Mask* mask, HostTraits traits = {});
   StandInHost(const StandInHost&) = delete;
   StandInHost& operator=(const StandInHost&) = delete;
@@ -69,17 +68,17 @@ class StandInHost {
   HostFaults faults;
   std::function<void(std::int32_t done, std::int32_t total)> onProgress;
   std::function<bool()> abortWanted;
-  // The user at the colour picker: gets a colour, 0 to 255, and changes it or answers false to
-  // cancel. Without it the picker is cancelled.
+  // Simulates the user at the colour picker: changes the colour, 0 to 255 per component, or returns
+  // false to cancel. If not set, the picker is cancelled.
   std::function<bool(std::array<std::int16_t, 3>& color)> chooseColor;
 
-  // Goes through the selectors of one run with a recorded script. output becomes the filtered
-  // picture; it is of no use when the status is not 0.
+  // Calls all selectors of one run with a recorded script. output receives the filtered picture; it
+  // is undefined when the status is not 0.
   RunResult run(EntryPoint entry, const Script& script, Picture& output);
 
  private:
-  // One buffer as the filter sees it: the picture's own bytes where the traits allow it, else a
-  // padded and guarded copy.
+  // A padded and guarded copy of pixels for the filter; empty when the picture's own bytes are
+  // served.
   struct ServedBuffer {
     std::vector<std::uint8_t> copy;
     std::size_t rows = 0;
@@ -103,7 +102,7 @@ class StandInHost {
   bool serveInput();
   bool serveOutput();
   bool serveMask();
-  void takeOutput();
+  void copyOutputBack();
   bool guardsIntact() const;
 
   const Picture& input_;
@@ -119,7 +118,7 @@ class StandInHost {
   hostapi::Rect servedOutRect_{};
   int progressCalls_ = 0;
 
-  static StandInHost* current_;  // the host's procs carry no context
+  static StandInHost* current_;  // for the host's procs, which have no context argument
 };
 
 }  // namespace radiashafts::standin

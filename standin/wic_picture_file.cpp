@@ -1,5 +1,5 @@
-// Picture files through the Windows Imaging Component, and portable float maps, which its codecs
-// do not know.
+// Picture files through the Windows Imaging Component, and portable float maps, which it does not
+// support.
 
 #include <windows.h>
 
@@ -42,7 +42,7 @@ void check(HRESULT result, const fs::path& path, const char* step) {
   fail(path, std::string(step) + " failed with " + code);
 }
 
-// Calls a method that gives out an object.
+// Calls a method that creates a COM object and returns the owner of its reference.
 template <class Interface, class Make>
 Com<Interface> make(const fs::path& path, const char* step, const Make& method) {
   Interface* object = nullptr;
@@ -61,12 +61,12 @@ IWICImagingFactory& factory() {
   return *instance;
 }
 
-// How pixels are stored that map onto a host's without loss.
+// The pixel formats that convert to the hosts' layout without loss.
 struct StoredFormat {
   const GUID& guid;
   int depth;
   int colorPlanes;
-  int samples;  // of a pixel as stored
+  int samples;  // per stored pixel, including unused ones
   bool alpha;
   bool blueFirst;
 };
@@ -92,9 +92,9 @@ const StoredFormat* knownFormat(const GUID& guid) {
   return found == std::end(storedFormats) ? nullptr : found;
 }
 
-// Copies pixels between the stored order and the host's, the same way in both directions.
-void exchange(const StoredFormat& stored, std::uint8_t* storedPixel, std::uint8_t* hostPixel,
-              std::size_t count, bool toHost) {
+// Copies pixels between the stored order and the hosts' order, in the direction given by toHost.
+void copyPixels(const StoredFormat& stored, std::uint8_t* storedPixel, std::uint8_t* hostPixel,
+                std::size_t count, bool toHost) {
   const std::size_t sample = static_cast<std::size_t>(stored.depth) / 8;
   const int channels = stored.colorPlanes + (stored.alpha ? 1 : 0);
   for (std::size_t i = 0; i < count; ++i) {
@@ -156,7 +156,7 @@ Picture readFloatMap(const fs::path& path) {
   return picture;
 }
 
-void writeFloatMap(const fs::path& path, const fs::path& place, const Picture& picture) {
+void writeFloatMap(const fs::path& path, const fs::path& target, const Picture& picture) {
   std::ofstream stream(path, std::ios::binary);
   stream << (picture.planes == 3 ? "PF" : "Pf") << '\n'
          << picture.width << ' ' << picture.height << "\n-1.0\n";
@@ -165,7 +165,7 @@ void writeFloatMap(const fs::path& path, const fs::path& place, const Picture& p
                  static_cast<std::streamsize>(picture.rowBytes()));
   }
   stream.close();
-  if (!stream) fail(place, "cannot be written");
+  if (!stream) fail(target, "cannot be written");
 }
 
 // ---- The system's codecs
@@ -182,7 +182,7 @@ Com<IWICBitmapFrameDecode> openFrame(const fs::path& path) {
       path, "reading", [&](IWICBitmapFrameDecode** out) { return decoder->GetFrame(0, out); });
 }
 
-// The frame itself where its pixels are known, else converted to 8 bits with alpha.
+// The frame itself if its pixel format is in the table, else a converter to 8 bits with alpha.
 Com<IWICBitmapSource> knownSource(const fs::path& path, Com<IWICBitmapFrameDecode> frame,
                                   const StoredFormat*& format) {
   WICPixelFormatGUID guid;
@@ -222,7 +222,7 @@ Picture readWithCodec(const fs::path& path) {
     check(source->CopyPixels(&line, static_cast<UINT>(row.size()), static_cast<UINT>(row.size()),
                              row.data()),
           path, "reading");
-    exchange(*format, row.data(), &picture.bytes[y * picture.rowBytes()], width, true);
+    copyPixels(*format, row.data(), &picture.bytes[y * picture.rowBytes()], width, true);
   }
   rescaleWords(picture, hostWord);
   return picture;
@@ -244,34 +244,34 @@ const GUID* containerOf(const fs::path& path) {
   return nullptr;
 }
 
-// One file being encoded.
+// An encoder that has been started for one file.
 struct Encoding {
   Com<IWICBitmapEncoder> encoder;
   Com<IWICBitmapFrameEncode> frame;
   const StoredFormat* format;
 };
 
-// Throws where the encoder offers other pixels than the picture's.
-Encoding startEncoding(const fs::path& place, IStream* stream, const Picture& picture) {
-  const GUID* container = containerOf(place);
+// Throws PictureFileError if the encoder does not accept the picture's pixel format.
+Encoding startEncoding(const fs::path& target, IStream* stream, const Picture& picture) {
+  const GUID* container = containerOf(target);
   if (container == nullptr) {
-    fail(place, "no picture format that can be written has the extension '" +
-                    place.extension().string() + "'");
+    fail(target, "no picture format that can be written has the extension '" +
+                     target.extension().string() + "'");
   }
   Encoding encoding;
-  encoding.encoder = make<IWICBitmapEncoder>(place, "encoding", [&](IWICBitmapEncoder** out) {
+  encoding.encoder = make<IWICBitmapEncoder>(target, "encoding", [&](IWICBitmapEncoder** out) {
     return factory().CreateEncoder(*container, nullptr, out);
   });
-  check(encoding.encoder->Initialize(stream, WICBitmapEncoderNoCache), place, "encoding");
+  check(encoding.encoder->Initialize(stream, WICBitmapEncoderNoCache), target, "encoding");
   IPropertyBag2* options = nullptr;
-  encoding.frame = make<IWICBitmapFrameEncode>(place, "encoding", [&](IWICBitmapFrameEncode** out) {
-    return encoding.encoder->CreateNewFrame(out, &options);
-  });
+  encoding.frame = make<IWICBitmapFrameEncode>(
+      target, "encoding",
+      [&](IWICBitmapFrameEncode** out) { return encoding.encoder->CreateNewFrame(out, &options); });
   if (options != nullptr) options->Release();
-  check(encoding.frame->Initialize(nullptr), place, "encoding");
+  check(encoding.frame->Initialize(nullptr), target, "encoding");
   check(
       encoding.frame->SetSize(static_cast<UINT>(picture.width), static_cast<UINT>(picture.height)),
-      place, "encoding");
+      target, "encoding");
   for (const StoredFormat& format : storedFormats) {
     if (format.depth != picture.depth || format.colorPlanes != picture.colorPlanes ||
         format.alpha != picture.hasAlpha ||
@@ -284,43 +284,44 @@ Encoding startEncoding(const fs::path& place, IStream* stream, const Picture& pi
       return encoding;
     }
   }
-  fail(place, "the system's codec writes no picture of " + std::to_string(picture.planes) +
-                  " channels at " + std::to_string(picture.depth) + " bits");
+  fail(target, "the system's codec writes no picture of " + std::to_string(picture.planes) +
+                   " channels at " + std::to_string(picture.depth) + " bits");
 }
 
-void writeWithCodec(const fs::path& path, const fs::path& place, Picture& picture,
+void writeWithCodec(const fs::path& path, const fs::path& target, Picture& picture,
                     const std::function<bool()>& aborted) {
   const auto stream = make<IWICStream>(
-      place, "writing", [](IWICStream** out) { return factory().CreateStream(out); });
-  check(stream->InitializeFromFilename(path.c_str(), GENERIC_WRITE), place, "writing");
-  const Encoding encoding = startEncoding(place, stream.get(), picture);
+      target, "writing", [](IWICStream** out) { return factory().CreateStream(out); });
+  check(stream->InitializeFromFilename(path.c_str(), GENERIC_WRITE), target, "writing");
+  const Encoding encoding = startEncoding(target, stream.get(), picture);
   rescaleWords(picture, fileWord);
   std::vector<std::uint8_t> row(picture.sampleBytes() *
                                 static_cast<std::size_t>(encoding.format->samples) *
                                 static_cast<std::size_t>(picture.width));
   for (int y = 0; y < picture.height && !aborted(); ++y) {
-    exchange(*encoding.format, row.data(),
-             &picture.bytes[static_cast<std::size_t>(y) * picture.rowBytes()],
-             static_cast<std::size_t>(picture.width), false);
+    copyPixels(*encoding.format, row.data(),
+               &picture.bytes[static_cast<std::size_t>(y) * picture.rowBytes()],
+               static_cast<std::size_t>(picture.width), false);
     check(encoding.frame->WritePixels(1, static_cast<UINT>(row.size()),
                                       static_cast<UINT>(row.size()), row.data()),
-          place, "writing");
+          target, "writing");
   }
   if (aborted()) return;
-  check(encoding.frame->Commit(), place, "writing");
-  check(encoding.encoder->Commit(), place, "writing");
+  check(encoding.frame->Commit(), target, "writing");
+  check(encoding.encoder->Commit(), target, "writing");
 }
 
-// Reads the file row by row and compares what it holds of the picture's channels with those of the
-// picture, which is as it was written. Not every codec hands out all that it was given.
-void verify(const fs::path& path, const fs::path& place, const Picture& picture) {
-  const GUID* const container = containerOf(place);
+// Reads the file back row by row and throws PictureFileError if it differs from the picture, whose
+// samples must still be on the file's scale. Compares only the channels that the codec returns, and
+// only the size if depth or colours differ. JPEG is lossy and not compared.
+void verify(const fs::path& path, const fs::path& target, const Picture& picture) {
+  const GUID* const container = containerOf(target);
   if (container == &GUID_ContainerFormatJpeg) return;
   const StoredFormat* format = nullptr;
   const auto source = knownSource(path, openFrame(path), format);
   UINT width = 0;
   UINT height = 0;
-  check(source->GetSize(&width, &height), place, "reading back");
+  check(source->GetSize(&width, &height), target, "reading back");
   const auto planes = static_cast<std::size_t>(format->colorPlanes) + (format->alpha ? 1 : 0);
   const bool comparable =
       format->depth == picture.depth && format->colorPlanes == picture.colorPlanes;
@@ -335,16 +336,16 @@ void verify(const fs::path& path, const fs::path& place, const Picture& picture)
     const WICRect line{0, static_cast<INT>(y), static_cast<INT>(width), 1};
     check(source->CopyPixels(&line, static_cast<UINT>(row.size()), static_cast<UINT>(row.size()),
                              row.data()),
-          place, "reading back");
+          target, "reading back");
     if (!comparable) continue;
-    exchange(*format, row.data(), pixels.data(), width, true);
+    copyPixels(*format, row.data(), pixels.data(), width, true);
     const std::uint8_t* expected = &picture.bytes[y * picture.rowBytes()];
     for (std::size_t x = 0; same && x < width; ++x) {
       same = std::memcmp(&pixels[x * planes * picture.sampleBytes()],
                          expected + x * picture.pixelBytes(), kept) == 0;
     }
   }
-  if (!same) fail(place, "the written file does not hold the picture");
+  if (!same) fail(target, "the written file does not hold the picture");
 }
 
 }  // namespace
@@ -382,7 +383,7 @@ WriteResult writePictureFile(const fs::path& path, PictureFile&& file,
     if (!aborted()) verify(partial.path(), path, file.picture);
   }
   if (aborted()) return {};
-  if (const std::string error = partial.putInPlace(); !error.empty()) fail(path, error);
+  if (const std::string error = partial.renameToTarget(); !error.empty()) fail(path, error);
   return {true, {}};
 }
 

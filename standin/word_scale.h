@@ -1,4 +1,4 @@
-// The two scales of 16-bit samples: files run from 0 to 65535, hosts from 0 to 32768.
+// Conversion of 16-bit samples: files use 0 to 65535, hosts 0 to 32768.
 #pragma once
 
 #include <algorithm>
@@ -8,7 +8,7 @@
 
 namespace radiashafts::standin {
 
-// Rounded both ways: a file's word comes back within 1, a host's exactly.
+// Both round: file to host and back differs by at most 1, host to file and back is exact.
 constexpr std::uint16_t hostWord(std::uint32_t fileWord) {
   return static_cast<std::uint16_t>((fileWord * 32768U + 32767U) / 65535U);
 }

@@ -10,7 +10,7 @@
 #include <gtest/gtest.h>
 
 #include "frame/pf_filter_radiashafts.h"
-#include "interface/model/number_text.h"
+#include "parameters/number_text.h"
 #include "interface/model/parameter_editing.h"
 #include "interface/model/preview_pointer.h"
 #include "standin/descriptors.h"

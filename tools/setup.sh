@@ -1,4 +1,4 @@
-# Sourced by the scripts in the root: installs what a step needs, and builds presets.
+# Sourced by the other scripts: functions that install packages and build presets.
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 
@@ -15,7 +15,7 @@ as_root() {
   if [ "$(id -u)" = 0 ]; then "$@"; else sudo "$@"; fi
 }
 
-# Installs those of the named Debian packages that are missing.
+# Installs the named Debian packages that are missing.
 need_packages() {
   local missing=() package installed
   installed=$(dpkg-query -W -f='${Status}:${Package}\n' "$@" 2>/dev/null || true)
@@ -32,7 +32,8 @@ need_packages() {
     "${missing[@]}" >"$root/build/apt.log" 2>&1 || { cat "$root/build/apt.log" >&2; return 1; }
 }
 
-# Configures a preset where that has not been done, and builds the named targets, or all.
+# Configures a CMake preset if needed and builds the named targets, or all: build_preset PRESET
+# [TARGET...]
 build_preset() {
   local preset=$1 log
   shift

@@ -1,7 +1,6 @@
 #include "interface/model/preview_pointer.h"
 
-#include <locale>
-#include <sstream>
+#include "parameters/number_text.h"
 
 namespace radiashafts {
 
@@ -78,11 +77,8 @@ void PreviewPointer::showPosition(Point point) {
   const Extent image = view_.renderedSize();
   const int step = view_.imagePixelsPerStep();
   const auto tenths = [](double value) { return wholePixels(value * 10.0) * 0.1; };
-  std::ostringstream text;
-  text.imbue(std::locale::classic());
-  text << "Preview:  x: " << tenths(x * image.width * step)
-       << " y: " << tenths(y * image.height * step);
-  windows_.setCaption(text.str());
+  windows_.setCaption("Preview:  x: " + numberText(tenths(x * image.width * step)) +
+                      " y: " + numberText(tenths(y * image.height * step)));
 }
 
 }  // namespace radiashafts

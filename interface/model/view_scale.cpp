@@ -1,8 +1,8 @@
 #include "interface/model/view_scale.h"
 
 #include <algorithm>
-#include <locale>
-#include <sstream>
+
+#include "parameters/number_text.h"
 
 namespace radiashafts {
 
@@ -16,11 +16,7 @@ double ViewScale::viewScale() const {
 }
 
 std::string ViewScale::percentage() const {
-  std::ostringstream text;
-  text.imbue(std::locale::classic());
-  text.precision(4);
-  text << (factor < 1 ? (2 - factor) * 66.66666666666666 : 100.0 / factor) << '%';
-  return text.str();
+  return numberText(factor < 1 ? (2 - factor) * 66.66666666666666 : 100.0 / factor, 4) + '%';
 }
 
 int ViewScale::imagePixelsPerStep() const {

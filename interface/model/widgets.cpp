@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "interface/model/number_text.h"
+#include "parameters/number_text.h"
 
 namespace radiashafts {
 namespace {

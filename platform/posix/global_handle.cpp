@@ -2,7 +2,7 @@
 
 namespace radiashafts::platform {
 
-// There is no global allocator here that could say whether a handle is its own.
+// Linux has no allocator that can tell whether it allocated a handle, so nothing is freed.
 void freeGlobalHandle(void**) {}
 
 }  // namespace radiashafts::platform

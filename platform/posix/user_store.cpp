@@ -1,11 +1,12 @@
-// The values live in one text file, "radiashafts/settings" in the user's configuration folder:
+// All values are stored in one text file, "radiashafts/settings" in the user's configuration
+// folder:
 //
 //   [KEY\PATH]
 //   Name = dword:000000ff
 //   Name = text:a backslash is \\, a line feed \n
 //   Name = bytes:00ff
 //
-// Lines that are none of these mean nothing and stay.
+// Other lines are ignored and kept.
 
 #include "platform/user_store.h"
 
@@ -33,7 +34,7 @@ constexpr std::string_view textMark = "text:";
 constexpr std::string_view bytesMark = "bytes:";
 constexpr std::string_view equals = " = ";
 
-// Empty when the user has no place for configuration.
+// Empty when neither XDG_CONFIG_HOME nor HOME is an absolute path.
 fs::path storeFile() {
   const auto variable = [](const char* name) {
     const char* value = std::getenv(name);
@@ -98,7 +99,7 @@ std::string unescaped(std::string_view text) {
   return result;
 }
 
-// The file's lines, without their line feeds.
+// Splits the content into lines without their line feeds.
 std::vector<std::string> linesOf(const std::string& content) {
   std::vector<std::string> lines;
   std::string_view rest = content;
@@ -110,13 +111,13 @@ std::vector<std::string> linesOf(const std::string& content) {
   return lines;
 }
 
-// The key that a line opens; none where it opens none.
+// The key of a "[KEY]" line; none for any other line.
 std::optional<std::string_view> keyOf(std::string_view line) {
   if (line.size() < 2 || line.front() != '[' || line.back() != ']') return std::nullopt;
   return line.substr(1, line.size() - 2);
 }
 
-bool setsValue(std::string_view line, const std::string& name) {
+bool isEntryOf(std::string_view line, const std::string& name) {
   return line.substr(0, name.size()) == name && line.substr(name.size(), equals.size()) == equals;
 }
 
@@ -129,11 +130,12 @@ void setLine(std::vector<std::string>& lines, const std::string& key, const std:
     if (keyOf(lines[i]) != key) continue;
     std::size_t end = i + 1;
     for (; end < lines.size() && !keyOf(lines[end]); ++end) {
-      if (!setsValue(lines[end], name)) continue;
+      if (!isEntryOf(lines[end], name)) continue;
       lines[end] = line;
       return;
     }
-    while (lines[end - 1].empty()) --end;  // in front of the empty lines before the next key
+    while (lines[end - 1].empty())
+      --end;  // insert before the empty lines that precede the next key
     lines.insert(lines.begin() + static_cast<std::ptrdiff_t>(end), line);
     return;
   }
@@ -147,7 +149,8 @@ void ensureKey(std::vector<std::string>& lines, const std::string& key) {
   lines.push_back("[" + key + "]");
 }
 
-// Writers wait for each other: between reading and replacing the file nobody else does.
+// RAII: an exclusive lock on the folder, held while the file is read and replaced, so that writers
+// wait for each other.
 class StoreLock {
  public:
   explicit StoreLock(const fs::path& folder)
@@ -187,16 +190,17 @@ struct UserKey::State {
   State(const State&) = delete;
   State& operator=(const State&) = delete;
 
-  // What stands behind the mark of the value's type.
-  std::optional<std::string_view> marked(const std::string& name, std::string_view mark) const {
+  // The value's text after its type mark; none when it is of another type.
+  std::optional<std::string_view> valueAfterMark(const std::string& name,
+                                                 std::string_view mark) const {
     const auto value = values.find(name);
     if (value == values.end() || value->second.rfind(mark, 0) != 0) return std::nullopt;
     return std::string_view(value->second).substr(mark.size());
   }
 
-  fs::path file;  // of a key for writing
+  fs::path file;  // only set when the key was opened for writing
   std::string key;
-  Values values;  // as the file holds them, or shall hold them
+  Values values;  // those read from the file, or those to write
 };
 
 UserKey::UserKey(std::unique_ptr<State> state) : state_(std::move(state)) {}
@@ -235,7 +239,7 @@ std::optional<UserKey> UserKey::createForWriting(const std::string& path) {
 }
 
 std::optional<std::uint32_t> UserKey::readNumber(const std::string& name) const {
-  const auto text = state_->marked(name, numberMark);
+  const auto text = state_->valueAfterMark(name, numberMark);
   std::uint32_t value = 0;
   if (!text) return std::nullopt;
   const auto [end, error] = std::from_chars(text->data(), text->data() + text->size(), value, 16);
@@ -250,7 +254,7 @@ std::optional<std::uint32_t> UserKey::readAnyFourBytes(const std::string& name) 
 }
 
 std::optional<std::string> UserKey::readText(const std::string& name) const {
-  const auto text = state_->marked(name, textMark);
+  const auto text = state_->valueAfterMark(name, textMark);
   if (!text) return std::nullopt;
   std::string result = unescaped(*text);
   if (result.size() >= maximumUserText) return std::nullopt;
@@ -258,7 +262,7 @@ std::optional<std::string> UserKey::readText(const std::string& name) const {
 }
 
 bool UserKey::readBytes(const std::string& name, void* bytes, std::size_t size) const {
-  const auto text = state_->marked(name, bytesMark);
+  const auto text = state_->valueAfterMark(name, bytesMark);
   const auto read = text ? bytesOf(*text) : std::nullopt;
   if (!read || read->size() != size) return false;
   std::memcpy(bytes, read->data(), size);

@@ -20,19 +20,20 @@ int fileOf(std::intptr_t handle) {
   return static_cast<int>(handle);
 }
 
-// The file that a link leads to, so that the link stays one.
-std::string resolved(const std::string& path) {
+// Follows symbolic links, so that the file is replaced and not the link.
+std::string followLinks(const std::string& path) {
   std::error_code error;
-  const std::filesystem::path place = std::filesystem::canonical(path, error);
-  return error ? path : place.string();
+  const std::filesystem::path target = std::filesystem::canonical(path, error);
+  return error ? path : target.string();
 }
 
-// Under its name followed by "tmp"; that of a name that leaves no room for it is cut well short of
-// any such name.
-std::string besideOf(const std::string& place) {
-  constexpr std::size_t longest = 255 - 3;  // bytes that file systems take, less those behind it
+// The target's name plus "tmp". A name that would exceed the file system's limit is cut to 200
+// bytes first, so that the result cannot be the target's own name.
+std::string temporaryPathFor(const std::string& target) {
+  constexpr std::size_t longest =
+      255 - 3;  // bytes: the usual limit of file systems less the suffix
   constexpr std::size_t cut = 200;
-  const std::filesystem::path path(place);
+  const std::filesystem::path path(target);
   const std::string name = path.filename();
   return path.parent_path() / (name.substr(0, name.size() > longest ? cut : longest) + "tmp");
 }
@@ -66,7 +67,7 @@ std::optional<std::string> narrowPath(const std::filesystem::path& path) {
 
 WholeFile readWholeFile(const std::string& path) {
   WholeFile result{FileState::absent, {}};
-  // A pipe is not waited for.
+  // O_NONBLOCK: opening a pipe must not block.
   const int file = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
   if (file < 0) {
     if (errno != ENOENT) result.state = FileState::refused;
@@ -77,55 +78,56 @@ WholeFile readWholeFile(const std::string& path) {
   return result;
 }
 
-TemporaryFile::TemporaryFile(const std::string& place)
-    : place_(resolved(place)), path_(besideOf(place_)) {}
+TemporaryFile::TemporaryFile(const std::string& target)
+    : target_(followLinks(target)), path_(temporaryPathFor(target_)) {}
 
 TemporaryFile::~TemporaryFile() {
-  if (opened_) unlink(path_.c_str());
+  if (exists_) unlink(path_.c_str());
   if (handle_ >= 0) close(fileOf(handle_));
 }
 
-bool TemporaryFile::failed() {
+bool TemporaryFile::recordError() {
   error_ = std::generic_category().message(errno);
   return false;
 }
 
-TemporaryFile::Taken TemporaryFile::open() {
-  struct stat old {};
-  const bool replaces = stat(place_.c_str(), &old) == 0;
-  // A folder that may be written would let a file be replaced that may not.
-  if (replaces && !mayChange(place_)) {
+TemporaryFile::OpenResult TemporaryFile::open() {
+  struct stat replaced {};
+  const bool replaces = stat(target_.c_str(), &replaced) == 0;
+  // Renaming needs write access to the folder only, so a read-only file is checked here.
+  if (replaces && !mayChange(target_)) {
     errno = EACCES;
-    return refused(Taken::failed);
+    return recordError(OpenResult::failed);
   }
   constexpr int flags = O_WRONLY | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
   const int file = ::open(path_.c_str(), flags, 0666);
-  if (file < 0) return refused(Taken::failed);
-  struct stat taken {};
-  struct stat named {};
-  const bool own = flock(file, LOCK_EX | LOCK_NB) == 0 && fstat(file, &taken) == 0 &&
-                   lstat(path_.c_str(), &named) == 0 && taken.st_ino == named.st_ino &&
-                   S_ISREG(taken.st_mode) && ftruncate(file, 0) == 0;
-  if (!own) {
+  if (file < 0) return recordError(OpenResult::failed);
+  struct stat openedFile {};
+  struct stat namedFile {};
+  const bool locked = flock(file, LOCK_EX | LOCK_NB) == 0 && fstat(file, &openedFile) == 0 &&
+                      lstat(path_.c_str(), &namedFile) == 0 &&
+                      openedFile.st_ino == namedFile.st_ino && S_ISREG(openedFile.st_mode) &&
+                      ftruncate(file, 0) == 0;
+  if (!locked) {
     close(file);
     errno = EBUSY;
-    return refused(Taken::byAnother);
+    return recordError(OpenResult::inUse);
   }
   handle_ = file;
-  opened_ = true;
+  exists_ = true;
   if (replaces) {
-    // Another user's file stays that user's where the system lets it.
-    if (fchown(file, old.st_uid, old.st_gid) != 0) errno = 0;
-    if (fchmod(file, old.st_mode & 0777) != 0) return refused(Taken::failed);
+    // Keeps the file's owner if the system permits it; failing to do so is not an error.
+    if (fchown(file, replaced.st_uid, replaced.st_gid) != 0) errno = 0;
+    if (fchmod(file, replaced.st_mode & 0777) != 0) return recordError(OpenResult::failed);
   }
-  return Taken::own;
+  return OpenResult::opened;
 }
 
 bool TemporaryFile::write(const char* bytes, std::size_t size) {
   while (size > 0) {
     const ssize_t count = ::write(fileOf(handle_), bytes, size);
     if (count < 0 && errno == EINTR) continue;
-    if (count < 0) return failed();
+    if (count < 0) return recordError();
     bytes += count;
     size -= static_cast<std::size_t>(count);
   }
@@ -133,14 +135,14 @@ bool TemporaryFile::write(const char* bytes, std::size_t size) {
 }
 
 bool TemporaryFile::flush() {
-  return fsync(fileOf(handle_)) == 0 || failed();
+  return fsync(fileOf(handle_)) == 0 || recordError();
 }
 
-bool TemporaryFile::putInPlace() {
-  if (std::rename(path_.c_str(), place_.c_str()) != 0) return failed();
-  opened_ = false;
-  // The new name is to be on the disk too, where the file system can be asked for it.
-  const std::string folder = std::filesystem::path(place_).parent_path().string();
+bool TemporaryFile::renameToTarget() {
+  if (std::rename(path_.c_str(), target_.c_str()) != 0) return recordError();
+  exists_ = false;
+  // Flushes the folder, so that the new name is on the disk too. Not every file system supports it.
+  const std::string folder = std::filesystem::path(target_).parent_path().string();
   const int directory = ::open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_CLOEXEC);
   if (directory >= 0) {
     fsync(directory);

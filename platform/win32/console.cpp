@@ -8,20 +8,20 @@ HANDLE asHandle(std::uintptr_t handle) {
   return reinterpret_cast<HANDLE>(handle);
 }
 
-// Closing the window of a console, or Ctrl-C in it, would end the host.
-void keepFromEndingTheProcess() {
+// Closing the console window or pressing Ctrl-C in it would end the host process.
+void disableConsoleExit() {
   SetConsoleCtrlHandler(nullptr, TRUE);
   DeleteMenu(GetSystemMenu(GetConsoleWindow(), FALSE), SC_CLOSE, MF_BYCOMMAND);
 }
 
 }  // namespace
 
-// A host's own console is written to and stays the host's.
+// If the host already has a console, that one is used and not closed.
 void Console::open(const char* title, int columns, int lines) {
   ownsConsole_ = AllocConsole() != FALSE;
   const HANDLE output = GetStdHandle(STD_OUTPUT_HANDLE);
   if (ownsConsole_) {
-    keepFromEndingTheProcess();
+    disableConsoleExit();
     SetConsoleTitleA(title);
     SetConsoleScreenBufferSize(output, {static_cast<SHORT>(columns), static_cast<SHORT>(lines)});
   }

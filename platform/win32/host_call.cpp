@@ -9,28 +9,28 @@
 namespace radiashafts::platform {
 namespace {
 
-// Workers look too, and find that it is another thread's.
-std::atomic<HostContext*> standing{nullptr};
+// The innermost HostContext. Atomic because worker threads read it too and compare its thread id.
+std::atomic<HostContext*> innermost{nullptr};
 
 }  // namespace
 
-HostContext::HostContext() : thread_(GetCurrentThreadId()), outer_(standing) {
+HostContext::HostContext() : thread_(GetCurrentThreadId()), outer_(innermost) {
   GetCurrentActCtx(&context_);
-  standing = this;
+  innermost = this;
 }
 
 HostContext::~HostContext() {
-  standing = outer_;
+  innermost = outer_;
   if (context_ != nullptr) ReleaseActCtx(context_);
 }
 
 HostCall::HostCall() {
-  const HostContext* host = standing;
+  const HostContext* host = innermost;
   if (host == nullptr || host->thread_ != GetCurrentThreadId()) return;
   if (ActivateActCtx(host->context_, &cookie_) == FALSE) cookie_ = 0;
 }
 
-// Also where the host has left a context of its own behind.
+// Forced, because the host may have left a context of its own active.
 HostCall::~HostCall() {
   if (cookie_ != 0) DeactivateActCtx(DEACTIVATE_ACTCTX_FLAG_FORCE_EARLY_DEACTIVATION, cookie_);
   setDefaultFloatingPoint();

@@ -4,8 +4,8 @@
 
 namespace radiashafts::platform {
 
-// Keeps the activation context that the calling thread has now: that of the host. Calls into the
-// host that the thread makes in its life run in it, whatever is active by then.
+// Saves the calling thread's current activation context, which is the host's. During the lifetime
+// of this object HostCall activates it for every call that the thread makes into the host.
 class HostContext {
  public:
   HostContext();

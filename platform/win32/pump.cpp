@@ -3,9 +3,9 @@
 
 namespace radiashafts::platform {
 
-// A window that never has enough of its own messages holds a render up, and does not stop it.
+// The time limit keeps a window that posts messages to itself endlessly from blocking the render.
 bool pumpPendingMessages() {
-  constexpr DWORD longest = 50;  // milliseconds
+  constexpr DWORD timeLimit = 50;  // milliseconds
   const DWORD start = GetTickCount();
   MSG message;
   while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE) != 0) {
@@ -15,7 +15,7 @@ bool pumpPendingMessages() {
     }
     TranslateMessage(&message);
     DispatchMessageA(&message);
-    if (GetTickCount() - start > longest) break;
+    if (GetTickCount() - start > timeLimit) break;
   }
   return true;
 }

@@ -15,7 +15,7 @@ struct UserKey::State {
     DWORD type = REG_NONE;
     DWORD size = 0;
   };
-  // None when there is no such value or it is larger.
+  // None when the value does not exist or does not fit the buffer.
   std::optional<Answer> read(const std::string& name, void* bytes, std::size_t size) const {
     Answer answer{REG_NONE, static_cast<DWORD>(size)};
     const LSTATUS status = RegQueryValueExA(key, name.c_str(), nullptr, &answer.type,
@@ -70,7 +70,7 @@ std::optional<std::string> UserKey::readText(const std::string& name) const {
   char text[maximumUserText + 1] = "";
   const auto answer = state_->read(name, text, maximumUserText);
   if (!answer || answer->type != REG_SZ) return std::nullopt;
-  // Who wrote it need not have put a zero at its end.
+  // A value written by another program may lack the terminating zero.
   if (std::strlen(text) >= maximumUserText) return std::nullopt;
   return text;
 }

@@ -28,7 +28,7 @@ FileState readContent(HANDLE file, std::string& content) {
   return FileState::whole;
 }
 
-FileState stateOfUnopened(const std::string& path, DWORD error) {
+FileState stateAfterOpenError(const std::string& path, DWORD error) {
   if (error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND) return FileState::absent;
   const DWORD attributes = GetFileAttributesA(path.c_str());
   const bool folder =
@@ -36,7 +36,7 @@ FileState stateOfUnopened(const std::string& path, DWORD error) {
   return folder ? FileState::unfit : FileState::refused;
 }
 
-std::wstring wholePath(const std::string& path) {
+std::wstring absolutePath(const std::string& path) {
   std::wstring wide(path.size(), L'\0');
   wide.resize(static_cast<std::size_t>(
       MultiByteToWideChar(CP_ACP, 0, path.data(), static_cast<int>(path.size()), wide.data(),
@@ -54,13 +54,13 @@ const char lineEnd[] = "\r\n";
 std::optional<std::string> narrowPath(const std::filesystem::path& path) {
   const std::wstring wide = path.wstring();
   const int length = static_cast<int>(wide.size());
-  BOOL lost = FALSE;  // cannot be asked of UTF-8, which loses nothing
-  const bool asks = GetACP() != CP_UTF8;
-  const DWORD flags = asks ? WC_NO_BEST_FIT_CHARS : 0;
+  BOOL lost = FALSE;  // must not be requested for UTF-8, which loses nothing
+  const bool reportsLoss = GetACP() != CP_UTF8;
+  const DWORD flags = reportsLoss ? WC_NO_BEST_FIT_CHARS : 0;
   std::string narrow(4 * wide.size(), '\0');
   const int size =
       WideCharToMultiByte(CP_ACP, flags, wide.data(), length, narrow.data(),
-                          static_cast<int>(narrow.size()), nullptr, asks ? &lost : nullptr);
+                          static_cast<int>(narrow.size()), nullptr, reportsLoss ? &lost : nullptr);
   narrow.resize(static_cast<std::size_t>(size));
   return lost == FALSE ? std::optional(narrow) : std::nullopt;
 }
@@ -71,7 +71,7 @@ WholeFile readWholeFile(const std::string& path) {
                                   FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
                                   OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
   if (file == INVALID_HANDLE_VALUE) {
-    result.state = stateOfUnopened(path, GetLastError());
+    result.state = stateAfterOpenError(path, GetLastError());
     return result;
   }
   result.state = readContent(file, result.content);
@@ -79,73 +79,74 @@ WholeFile readWholeFile(const std::string& path) {
   return result;
 }
 
-TemporaryFile::TemporaryFile(const std::string& place) : place_(place), path_(place + "tmp") {}
+TemporaryFile::TemporaryFile(const std::string& target) : target_(target), path_(target + "tmp") {}
 
 TemporaryFile::~TemporaryFile() {
   if (handle_ != -1) CloseHandle(fileOf(handle_));
-  if (opened_) DeleteFileA(path_.c_str());
+  if (exists_) DeleteFileA(path_.c_str());
 }
 
-bool TemporaryFile::failed() {
+bool TemporaryFile::recordError() {
   error_ = std::system_category().message(static_cast<int>(GetLastError()));
   return false;
 }
 
-TemporaryFile::Taken TemporaryFile::open() {
-  const DWORD attributes = GetFileAttributesA(place_.c_str());
+TemporaryFile::OpenResult TemporaryFile::open() {
+  const DWORD attributes = GetFileAttributesA(target_.c_str());
   if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) != 0) {
     SetLastError(ERROR_ACCESS_DENIED);
-    return refused(Taken::failed);
+    return recordError(OpenResult::failed);
   }
-  // Shared with readers alone: while a process is at it, no other one can take or rename it, and
-  // when it has its new name, whoever reads need not wait for it to be closed.
+  // FILE_SHARE_READ only: while this file is open, nothing else can write or rename it, but readers
+  // can open it right after the rename, before it is closed.
   const HANDLE file = CreateFileA(path_.c_str(), GENERIC_WRITE | DELETE, FILE_SHARE_READ, nullptr,
                                   CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
   if (file == INVALID_HANDLE_VALUE) {
-    return refused(GetLastError() == ERROR_SHARING_VIOLATION ? Taken::byAnother : Taken::failed);
+    return recordError(GetLastError() == ERROR_SHARING_VIOLATION ? OpenResult::inUse
+                                                                 : OpenResult::failed);
   }
   handle_ = reinterpret_cast<std::intptr_t>(file);
-  opened_ = true;
-  return Taken::own;
+  exists_ = true;
+  return OpenResult::opened;
 }
 
 bool TemporaryFile::write(const char* bytes, std::size_t size) {
   DWORD done = 0;
   const bool written =
       WriteFile(fileOf(handle_), bytes, static_cast<DWORD>(size), &done, nullptr) != 0;
-  return (written && done == size) || failed();
+  return (written && done == size) || recordError();
 }
 
 bool TemporaryFile::flush() {
-  return FlushFileBuffers(fileOf(handle_)) != 0 || failed();
+  return FlushFileBuffers(fileOf(handle_)) != 0 || recordError();
 }
 
-// Renames the open file, so that nobody can come between. What looks at every new file of the
-// machine may hold the old one for a moment.
-bool TemporaryFile::putInPlace() {
+// Renames by the open handle, so that no other process can open the file in between. Retries,
+// because a virus scanner or indexer may have the old file open for a moment.
+bool TemporaryFile::renameToTarget() {
   constexpr int attempts = 10;
   constexpr DWORD pause = 50;  // milliseconds
-  const std::wstring place = wholePath(place_);
-  std::vector<std::byte> room(sizeof(FILE_RENAME_INFO) + place.size() * sizeof(wchar_t));
-  auto& request = *reinterpret_cast<FILE_RENAME_INFO*>(room.data());
+  const std::wstring target = absolutePath(target_);
+  std::vector<std::byte> buffer(sizeof(FILE_RENAME_INFO) + target.size() * sizeof(wchar_t));
+  auto& request = *reinterpret_cast<FILE_RENAME_INFO*>(buffer.data());
   request.ReplaceIfExists = TRUE;
-  request.FileNameLength = static_cast<DWORD>(place.size() * sizeof(wchar_t));
-  std::copy(place.begin(), place.end(), request.FileName);
+  request.FileNameLength = static_cast<DWORD>(target.size() * sizeof(wchar_t));
+  std::copy(target.begin(), target.end(), request.FileName);
   const auto rename = [&] {
     return SetFileInformationByHandle(fileOf(handle_), FileRenameInfo, &request,
-                                      static_cast<DWORD>(room.size())) != 0;
+                                      static_cast<DWORD>(buffer.size())) != 0;
   };
   for (int attempt = 1; !rename(); ++attempt) {
     const DWORD error = GetLastError();
-    const bool held = error == ERROR_ACCESS_DENIED || error == ERROR_SHARING_VIOLATION;
-    if (!held || attempt == attempts) {
+    const bool locked = error == ERROR_ACCESS_DENIED || error == ERROR_SHARING_VIOLATION;
+    if (!locked || attempt == attempts) {
       SetLastError(error);
-      return failed();
+      return recordError();
     }
     Sleep(pause);
   }
-  opened_ = false;
-  FlushFileBuffers(fileOf(handle_));  // the new name is to be on the disk too
+  exists_ = false;
+  FlushFileBuffers(fileOf(handle_));  // so that the new name is on the disk too
   return true;
 }
 

@@ -4,8 +4,8 @@
 
 namespace radiashafts::standin {
 
-// Asks the system to back a large block with large pages, which are quicker to hand out. Only a
-// wish.
+// Advises the system to use huge pages for a large block, which reduces page faults. Errors are
+// ignored; does nothing on Windows.
 void preferHugePages(void* block, std::size_t size);
 
 }  // namespace radiashafts::standin

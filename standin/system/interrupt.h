@@ -1,23 +1,29 @@
-// Requests to end the program: Ctrl-C and what stands beside it on the system.
+// Handling of interrupts: SIGINT, SIGTERM and SIGHUP on Linux, console events on Windows.
 #pragma once
 
 namespace radiashafts::standin {
 
-// From here on requests are noted, but for those that the program was started to ignore. A file
-// beyond the user's limit is from here on a failed write, as a full disk is.
-void noteInterrupts();
+// Installs the handlers. Signals that were ignored at program start stay ignored. On Linux SIGXFSZ
+// is ignored as well, so that exceeding the file size limit is a write error.
+void catchInterrupts();
 
-// The exit code that a noted request wants: 128 and the signal's number. 0 without one.
+// The exit code after an interrupt: 128 plus the signal's number. 0 if there was none.
 int interruptCode();
 
-// While it lives, a request ends the process at once, with the line on standard error, and so does
-// one that is noted already. For work that waits and leaves nothing behind.
-class EndsAtOnce {
+// RAII: during its lifetime an interrupt writes the line to standard error and ends the process at
+// once; an interrupt that came earlier does so in the constructor. For blocking work that needs no
+// cleanup.
+class ExitOnInterrupt {
  public:
-  explicit EndsAtOnce(const char* line);
-  ~EndsAtOnce();
-  EndsAtOnce(const EndsAtOnce&) = delete;
-  EndsAtOnce& operator=(const EndsAtOnce&) = delete;
+  explicit ExitOnInterrupt(const char* line);
+  ~ExitOnInterrupt();
+  ExitOnInterrupt(const ExitOnInterrupt&) = delete;
+  ExitOnInterrupt& operator=(const ExitOnInterrupt&) = delete;
 };
+
+// Called by the system's handlers, in any context that a signal handler has.
+void interrupted(int code);
+// Writes the line to standard error and ends the process without cleanup; async-signal-safe.
+[[noreturn]] void exitAtOnce(const char* line, int code);
 
 }  // namespace radiashafts::standin

@@ -5,7 +5,7 @@
 
 namespace radiashafts::standin {
 
-// A loaded module of the system, unloaded at the end of its life.
+// Owns a loaded shared library; the destructor unloads it.
 class Module {
  public:
   Module() = default;
@@ -25,7 +25,7 @@ class Module {
   std::string error_;
 };
 
-// Where the running program stands.
+// The path of the running program's file.
 std::filesystem::path executablePath();
 
 }  // namespace radiashafts::standin

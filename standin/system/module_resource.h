@@ -7,10 +7,10 @@
 
 namespace radiashafts::standin {
 
-// Whether modules of this system carry resources.
+// Whether modules have resources: true on Windows only.
 extern const bool modulesHaveResources;
 
-// A resource of a module file, read without running the module; none when it is not there.
+// Reads a resource from a module file without running its code; none if there is no such resource.
 std::optional<std::vector<std::uint8_t>> moduleResource(const std::filesystem::path& module,
                                                         const char* type, int id);
 

@@ -14,18 +14,18 @@ struct ShownPicture {
   std::vector<std::uint8_t> pixels;
 };
 
-// A window over the desktop that shows a picture and takes no input, as a host's window does while
-// a filter runs. Its messages are dispatched by whoever dispatches those of its thread.
+// A disabled window that shows a picture, like a host's window while a filter runs. Its messages
+// are dispatched by the message loop of the thread that created it.
 class PictureWindow {
  public:
-  // No larger than fits on the screen.
-  static ShownPicture room();
+  // The largest picture size that fits on the screen; pixels is empty.
+  static ShownPicture maximumSize();
   PictureWindow(const std::string& title, ShownPicture picture);
   ~PictureWindow();
   PictureWindow(const PictureWindow&) = delete;
   PictureWindow& operator=(const PictureWindow&) = delete;
 
-  // The system's handle; null where the system has no windows.
+  // The native window handle; null on Linux or if the window could not be created.
   void* handle() const;
 
  private:

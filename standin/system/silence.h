@@ -2,8 +2,8 @@
 
 namespace radiashafts::standin {
 
-// Keeps standard error silent for its life: libraries write there on their own, and a user gets the
-// program's lines alone.
+// RAII: redirects standard error to the null device, because libraries print their own messages and
+// the user should see only the program's.
 class SilencedStandardError {
  public:
   SilencedStandardError();
@@ -12,7 +12,7 @@ class SilencedStandardError {
   SilencedStandardError& operator=(const SilencedStandardError&) = delete;
 
  private:
-  int kept_;
+  int savedDescriptor_;
 };
 
 }  // namespace radiashafts::standin

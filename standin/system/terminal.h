@@ -2,7 +2,7 @@
 
 namespace radiashafts::standin {
 
-// Whether standard error goes to a terminal that a bar can be drawn on.
+// Whether standard error is a terminal, so that a progress bar can be drawn.
 bool errorIsTerminal();
 
 }  // namespace radiashafts::standin

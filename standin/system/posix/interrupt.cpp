@@ -1,6 +1,5 @@
 #include "standin/system/interrupt.h"
 
-#include <atomic>
 #include <csignal>
 #include <cstring>
 
@@ -10,57 +9,37 @@
 namespace radiashafts::standin {
 namespace {
 
-constexpr int signalBase = 128;  // of the exit codes that shells give to ended programs
+constexpr int signalBase = 128;  // shells report 128 plus the signal for a program ended by it
 
-std::atomic<int> noted{0};
-std::atomic<const char*> lastLine{nullptr};
-int errors = STDERR_FILENO;
-static_assert(std::atomic<int>::is_always_lock_free &&
-              std::atomic<const char*>::is_always_lock_free);
+int errorDescriptor = STDERR_FILENO;
 
-// Calls what signal handlers may call.
-void endIfWanted() {
-  const char* const line = lastLine;
-  if (line == nullptr || noted == 0) return;
-  if (write(errors, line, std::strlen(line)) < 0) {
-    // Nobody is left to be told.
-  }
-  _exit(signalBase + noted);
-}
-
-extern "C" void note(int signal) {
-  noted = signal;
-  endIfWanted();
+extern "C" void handleSignal(int signal) {
+  interrupted(signalBase + signal);
 }
 
 }  // namespace
 
-void noteInterrupts() {
-  // Standard error may be silenced when a request comes.
-  const int kept = fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
-  if (kept >= 0) errors = kept;
+void catchInterrupts() {
+  // A copy, because standard error may be redirected by SilencedStandardError when a signal
+  // arrives.
+  const int copy = fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+  if (copy >= 0) errorDescriptor = copy;
   for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
     struct sigaction action {};
     if (sigaction(signal, nullptr, &action) != 0 || action.sa_handler == SIG_IGN) continue;
     action = {};
-    action.sa_handler = note;
+    action.sa_handler = handleSignal;
     action.sa_flags = SA_RESTART;
     sigaction(signal, &action, nullptr);
   }
   std::signal(SIGXFSZ, SIG_IGN);
 }
 
-int interruptCode() {
-  return noted == 0 ? 0 : signalBase + noted;
-}
-
-EndsAtOnce::EndsAtOnce(const char* line) {
-  lastLine = line;
-  endIfWanted();
-}
-
-EndsAtOnce::~EndsAtOnce() {
-  lastLine = nullptr;
+void exitAtOnce(const char* line, int code) {
+  if (write(errorDescriptor, line, std::strlen(line)) < 0) {
+    // The failure cannot be reported anywhere.
+  }
+  _exit(code);
 }
 
 }  // namespace radiashafts::standin

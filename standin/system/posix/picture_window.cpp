@@ -4,11 +4,11 @@ namespace radiashafts::standin {
 
 struct PictureWindow::State {};
 
-ShownPicture PictureWindow::room() {
+ShownPicture PictureWindow::maximumSize() {
   return {};
 }
 
-// NOLINTNEXTLINE(performance-unnecessary-value-param): a system with windows keeps the picture.
+// NOLINTNEXTLINE(performance-unnecessary-value-param): the Windows version stores it.
 PictureWindow::PictureWindow(const std::string&, ShownPicture) {}
 PictureWindow::~PictureWindow() = default;
 

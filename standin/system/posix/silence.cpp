@@ -5,15 +5,15 @@
 
 namespace radiashafts::standin {
 
-SilencedStandardError::SilencedStandardError() : kept_(dup(STDERR_FILENO)) {
-  const int nothing = open("/dev/null", O_WRONLY);
-  dup2(nothing, STDERR_FILENO);
-  close(nothing);
+SilencedStandardError::SilencedStandardError() : savedDescriptor_(dup(STDERR_FILENO)) {
+  const int nullDevice = open("/dev/null", O_WRONLY);
+  dup2(nullDevice, STDERR_FILENO);
+  close(nullDevice);
 }
 
 SilencedStandardError::~SilencedStandardError() {
-  dup2(kept_, STDERR_FILENO);
-  close(kept_);
+  dup2(savedDescriptor_, STDERR_FILENO);
+  close(savedDescriptor_);
 }
 
 }  // namespace radiashafts::standin

@@ -5,7 +5,7 @@
 
 namespace radiashafts::standin {
 
-// The narrow arguments have lost what the system's code page does not hold.
+// argv is not used: it lost the characters that the ANSI code page cannot represent.
 std::vector<std::string> programArguments(int, char**) {
   int count = 0;
   wchar_t** const wide = CommandLineToArgvW(GetCommandLineW(), &count);

@@ -8,7 +8,7 @@ bool drawPixels(void* deviceContext, int x, int y, int width, int height,
   BITMAPINFO info{};
   info.bmiHeader.biSize = sizeof info.bmiHeader;
   info.bmiHeader.biWidth = width;
-  info.bmiHeader.biHeight = -height;  // rows from the top
+  info.bmiHeader.biHeight = -height;  // negative: top-down rows
   info.bmiHeader.biPlanes = 1;
   info.bmiHeader.biBitCount = 24;
   return SetDIBitsToDevice(static_cast<HDC>(deviceContext), x, y, static_cast<DWORD>(width),

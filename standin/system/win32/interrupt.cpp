@@ -1,52 +1,35 @@
 #include "standin/system/interrupt.h"
 #include <windows.h>
 
-#include <atomic>
 #include <cstring>
 
 namespace radiashafts::standin {
 namespace {
 
-constexpr int interruptedCode = 130;  // as for Ctrl-C on other systems
+constexpr int interruptedCode = 130;  // as after SIGINT on Linux
 
-std::atomic<bool> noted{false};
-std::atomic<const char*> lastLine{nullptr};
-
-void endIfWanted() {
-  const char* const line = lastLine;
-  if (line == nullptr || !noted) return;
-  DWORD written = 0;
-  WriteFile(GetStdHandle(STD_ERROR_HANDLE), line, static_cast<DWORD>(std::strlen(line)), &written,
-            nullptr);
-  TerminateProcess(GetCurrentProcess(), interruptedCode);
-}
-
-// Runs on a thread of the system's.
-BOOL WINAPI note(DWORD event) {
-  noted = true;
-  endIfWanted();
-  // When the console is closed, the process is ended as soon as this returns, or in some seconds.
+// Runs on a separate thread that the system creates.
+BOOL WINAPI handleConsoleEvent(DWORD event) {
+  interrupted(interruptedCode);
+  // After a close, logoff or shutdown event the system ends the process when this returns or after
+  // a few seconds. Not returning gives the main thread that time to clean up.
   if (event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT) Sleep(INFINITE);
   return TRUE;
 }
 
 }  // namespace
 
-void noteInterrupts() {
-  SetConsoleCtrlHandler(note, TRUE);
+void catchInterrupts() {
+  SetConsoleCtrlHandler(handleConsoleEvent, TRUE);
 }
 
-int interruptCode() {
-  return noted ? interruptedCode : 0;
-}
-
-EndsAtOnce::EndsAtOnce(const char* line) {
-  lastLine = line;
-  endIfWanted();
-}
-
-EndsAtOnce::~EndsAtOnce() {
-  lastLine = nullptr;
+void exitAtOnce(const char* line, int code) {
+  DWORD written = 0;
+  WriteFile(GetStdHandle(STD_ERROR_HANDLE), line, static_cast<DWORD>(std::strlen(line)), &written,
+            nullptr);
+  TerminateProcess(GetCurrentProcess(), static_cast<UINT>(code));
+  Sleep(INFINITE);  // does not return
+  __builtin_unreachable();
 }
 
 }  // namespace radiashafts::standin

@@ -32,7 +32,7 @@ void registerClass() {
   windowClass.hCursor = LoadCursorA(nullptr, IDC_ARROW);
   windowClass.hbrBackground = static_cast<HBRUSH>(GetStockObject(DKGRAY_BRUSH));
   windowClass.lpszClassName = className;
-  RegisterClassA(&windowClass);  // fails, harmlessly, the second time
+  RegisterClassA(&windowClass);  // fails if already registered, which is harmless
 }
 
 }  // namespace
@@ -42,7 +42,7 @@ struct PictureWindow::State {
   HWND window = nullptr;
 };
 
-ShownPicture PictureWindow::room() {
+ShownPicture PictureWindow::maximumSize() {
   constexpr int frame = 20;
   return {GetSystemMetrics(SM_CXFULLSCREEN) - frame, GetSystemMetrics(SM_CYFULLSCREEN) - frame, {}};
 }

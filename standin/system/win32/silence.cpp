@@ -10,15 +10,15 @@ constexpr int standardError = 2;
 
 }  // namespace
 
-SilencedStandardError::SilencedStandardError() : kept_(_dup(standardError)) {
-  const int nothing = _open("NUL", _O_WRONLY);
-  _dup2(nothing, standardError);
-  _close(nothing);
+SilencedStandardError::SilencedStandardError() : savedDescriptor_(_dup(standardError)) {
+  const int nullDevice = _open("NUL", _O_WRONLY);
+  _dup2(nullDevice, standardError);
+  _close(nullDevice);
 }
 
 SilencedStandardError::~SilencedStandardError() {
-  _dup2(kept_, standardError);
-  _close(kept_);
+  _dup2(savedDescriptor_, standardError);
+  _close(savedDescriptor_);
 }
 
 }  // namespace radiashafts::standin

@@ -1,4 +1,4 @@
-#include "interface/model/number_text.h"
+#include "parameters/number_text.h"
 
 #include <charconv>
 #include <cmath>
@@ -7,14 +7,15 @@
 
 namespace radiashafts {
 
-std::string numberText(double value) {
+std::string numberText(double value, int digits) {
   std::ostringstream text;
   text.imbue(std::locale::classic());
+  text.precision(digits);
   text << value;
   return text.str();
 }
 
-std::optional<double> parseNumber(const std::string& text) {
+std::optional<double> parseNumber(std::string_view text) {
   const char* begin = text.data();
   const char* const end = begin + text.size();
   while (begin != end && (*begin == ' ' || (*begin >= '\t' && *begin <= '\r'))) ++begin;

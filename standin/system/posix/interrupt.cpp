@@ -2,6 +2,7 @@
 
 #include <csignal>
 #include <cstring>
+#include <initializer_list>
 
 #include <fcntl.h>
 #include <unistd.h>

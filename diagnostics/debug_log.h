@@ -1,5 +1,5 @@
 // The process-wide trace log. It writes to a log file, a console or both when they are configured;
-// otherwise a line costs two atomic loads.
+// otherwise a line costs a few atomic operations.
 #pragma once
 
 #include <atomic>

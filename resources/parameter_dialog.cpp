@@ -128,8 +128,7 @@ void alterColor(Layout& layout) {
   layout.numberRows({"Hue", "Saturation", "Lightness", "ColorBalance"});
   const ParameterFacts& imageColor = factsOf("UseImageColor");
   layout.checkBox(imageColor.labels[0], imageColor.controls[0], left, right - left);
-  layout.y += 12;  // keeps the swatches clear of the group box's bottom border, which would be
-                   // painted over them
+  layout.y += 12;  // keeps the swatches above the group box's bottom border
 
   constexpr int swatch = 34;
   const ParameterFacts& low = factsOf("ColorLow");

@@ -102,6 +102,7 @@ TemporaryFile::OpenResult TemporaryFile::open() {
   constexpr int flags = O_WRONLY | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
   const int file = ::open(path_.c_str(), flags, 0666);
   if (file < 0) return recordError(OpenResult::failed);
+  // Another writer may have renamed or deleted the file between open and flock.
   struct stat openedFile {};
   struct stat namedFile {};
   const bool locked = flock(file, LOCK_EX | LOCK_NB) == 0 && fstat(file, &openedFile) == 0 &&

@@ -16,7 +16,7 @@ class HostContext {
  private:
   friend class HostCall;
   DWORD thread_;
-  HANDLE context_ = nullptr;  // null is the process's own
+  HANDLE context_ = nullptr;  // null: the process's default context
   HostContext* outer_;
 };
 

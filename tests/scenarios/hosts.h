@@ -54,6 +54,7 @@ inline standin::Picture placesPicture(int width, int height) {
 inline std::string hostManner;
 inline hostapi::FilterRecord standIns;
 inline std::atomic<int> drawings{0};
+inline std::atomic<bool> foundAnothersStyle{false};
 
 // Takes all messages itself while the user presses OK, in a floating-point state of its own.
 inline hostapi::OSErr advanceState() {
@@ -74,8 +75,8 @@ inline hostapi::OSErr advanceState() {
 
 inline hostapi::OSErr displayPixels(const hostapi::PSPixelMap* map, const hostapi::VRect* rect,
                                     std::int32_t row, std::int32_t column, void* context) {
-  HANDLE style = nullptr;  // a host's visual style is its own
-  if (GetCurrentActCtx(&style) != FALSE && style != nullptr) return -51;
+  HANDLE style = nullptr;
+  if (GetCurrentActCtx(&style) != FALSE && style != nullptr) foundAnothersStyle = true;
   ++drawings;
   if (hostManner == "runs out of memory" && drawings > 1) throw std::bad_alloc();
   if (hostManner == "draws twice" && drawings > 2) return -50;
@@ -167,6 +168,7 @@ class Host {
     id_ = GetCurrentThreadId();
     hostManner = settings.manner;
     drawings = 0;
+    foundAnothersStyle = false;
     standin::HostTraits traits = settings.traits;
     traits.playInfo = hostapi::playDisplay;
     std::thread ownersThread;
@@ -174,9 +176,10 @@ class Host {
     if (settings.window == "hangs") {
       ownersThread = std::thread([this] {
         MSG message;
-        for (window = openOwner(); !ended_; Sleep(5)) {
-          while (findDialog("Radiashafts  V") == nullptr && !ended_ &&
-                 PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE) != FALSE) {
+        window = openOwner();
+        for (bool hangs = false; !ended_; Sleep(5)) {
+          hangs = hangs || findDialog("Radiashafts  V") != nullptr;
+          while (!hangs && PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE) != FALSE) {
             DispatchMessageA(&message);
           }
         }
@@ -205,6 +208,7 @@ class Host {
     }
     const auto isAwake = [this] { return IsWindowEnabled(window) != FALSE; };
     if (IsWindow(window) != FALSE && !eventually(isAwake)) status_ = -998;
+    if (foundAnothersStyle) status_ = -997;
     ended_ = true;
     if (ownersThread.joinable()) ownersThread.join();
   }

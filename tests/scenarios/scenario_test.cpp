@@ -3,12 +3,15 @@
 // files, $golden that of expected ones. Controls go by what stands on them or beside them, and
 // NAME@X,Y is a place near the middle of a control or of the preview.
 
+#include <windows.h>
+
 #include <algorithm>
 #include <iomanip>
 #include <memory>
 #include <numeric>
 #include <regex>
 
+#include <commctrl.h>
 #include <gtest/gtest.h>
 
 #include "interface/dialog_ids.h"
@@ -24,6 +27,12 @@ using Text = const std::string&;
 
 void require(bool holds, Text otherwise) {
   if (!holds) throw std::runtime_error(otherwise);
+}
+
+std::string joined(const std::vector<LONG>& numbers, const char* sign) {
+  std::string text;
+  for (const LONG number : numbers) text += (text.empty() ? "" : sign) + std::to_string(number);
+  return text;
 }
 
 std::string yesOrNo(BOOL holds) {
@@ -105,12 +114,13 @@ class Player {
     std::error_code heldOpen;  // by a program that is just ending
     std::filesystem::remove_all(workFolder(), heldOpen);
     RegDeleteTreeA(HKEY_CURRENT_USER, "SOFTWARE\\Halvorsund");
-    store("Interface Position X", "20");
-    store("Interface Position Y", "40");
-    store("Preview Position X", "400");
-    store("Preview Position Y", "40");
-    store("Preview Position Width", "420");
-    store("Preview Position Height", "420");
+    for (const auto& [name, number] :
+         {std::pair{"Interface Position X", "20"}, std::pair{"Interface Position Y", "40"},
+          std::pair{"Preview Position X", "400"}, std::pair{"Preview Position Y", "40"},
+          std::pair{"Preview Position Width", "420"},
+          std::pair{"Preview Position Height", "420"}}) {
+      store(name, number);
+    }
   }
 
   void perform(std::string line) {
@@ -118,16 +128,15 @@ class Player {
                                      std::pair{"$golden", std::string(RADIASHAFTS_GOLDEN)}}) {
       for (std::size_t at; (at = line.find(name)) != std::string::npos;) line.replace(at, 7, path);
     }
-    std::istringstream stream(line);
+    std::istringstream stream(line + " then");
     Words words;
-    for (std::string word; stream >> std::quoted(word, '"', '^');) {
-      if (word == "then") {
-        act(std::exchange(words, {}));
-      } else {
-        words.push_back(word);
-      }
+    for (std::string word; stream >> std::quoted(word, '"', '^'); words.push_back(word)) {
+      if (word != "then") continue;
+      act(words);
+      words.clear();
+      stream >> std::quoted(word, '"', '^');
+      if (!stream) return;
     }
-    act(words);
   }
   bool isDone() const { return isDone_; }
 
@@ -135,25 +144,22 @@ class Player {
   void act(const Words& words) {
     require(verbs_.contains(words.at(0)), "there is no verb " + words[0]);
     const auto& [count, action] = verbs_.at(words[0]);
-    for (auto at = words.begin() + 1; at != words.end();) {
-      const auto end = count == 0 ? words.end() : at + std::min(count, words.end() - at);
-      Words some(at, end);
-      some.resize(std::max<std::size_t>(some.size(), 5));
+    const std::size_t step = count == 0 ? words.size() : count;
+    for (std::size_t at = 1; at < words.size(); at += step) {
       if (IsWindow(dialog_) == FALSE) dialog_ = panel_;  // a box is gone
-      action(some);
-      at = end;
+      action({words.begin() + at, words.begin() + std::min(at + step, words.size())});
     }
   }
 
   // A verb takes so many words at a time, or with 0 all that follow.
   struct Verb {
-    std::ptrdiff_t words;
+    std::size_t words;
     std::function<void(const Words&)> action;
   };
   const std::map<std::string, Verb> verbs_{
       {"store", {2, [](const Words& w) { store(w[0], w[1]); }}},
       {"file", {2, [](const Words& w) { writeFile(w[0], w[1]); }}},
-      {"scaling", {1, [this](const Words& w) { scaling(std::stoul(w[0])); }}},
+      {"scaling", {1, [this](const Words& w) { scaling(std::stoi(w[0])); }}},
       {"host", {0, [this](const Words& w) { startHost(w); }}},
       {"open", {0, [this](const Words& w) { startHost(w), enter("dialog"); }}},
       {"program", {0, [this](const Words& w) { startProgram(w); }}},
@@ -167,7 +173,7 @@ class Player {
       {"write", {1, [this](const Words& w) { write(w[0]); }}},
       {"key", {1, [](const Words& w) { pressKey(w[0]); }}},
       {"leave", {2, [this](const Words& w) { leave(w[0], w[1]); }}},
-      {"move", {0, [this](const Words& w) { moveWindow(w); }}},
+      {"move", {2, [this](const Words& w) { moveWindow(w[0], w[1]); }}},
       {"maximize", {1, [this](const Words& w) { ShowWindowAsync(window(w[0]), SW_MAXIMIZE); }}},
       {"restore", {1, [this](const Words& w) { ShowWindowAsync(window(w[0]), SW_RESTORE); }}},
       {"close", {1, [this](const Words& w) { PostMessageA(window(w[0]), WM_CLOSE, 0, 0); }}},
@@ -191,28 +197,25 @@ class Player {
       {"wrong-pixels", [this](Text) { return std::to_string(wrongPixels()); }}};
 
   // A process learns the system's scaling when it starts: another one plays the scenario.
-  void scaling(DWORD percent) {
+  void scaling(int percent) {
     const auto set = [](DWORD dots) {
       RegSetKeyValueA(HKEY_CURRENT_USER, "Control Panel\\Desktop", "LogPixels", REG_DWORD, &dots,
-                      sizeof dots);
+                      4);
     };
-    const DWORD wanted = USER_DEFAULT_SCREEN_DPI * percent / 100;
+    const int wanted = USER_DEFAULT_SCREEN_DPI * percent / 100;
     if (std::getenv("RADIASHAFTS_SCALED") != nullptr) {
-      const auto is = static_cast<DWORD>(GetDeviceCaps(GetDC(nullptr), LOGPIXELSX));
-      return require(is == wanted, "it is " + std::to_string(is) + " dots to the inch");
+      return require(GetDeviceCaps(GetDC(nullptr), LOGPIXELSX) == wanted, "the scaling is another");
     }
-    char program[MAX_PATH];
-    GetModuleFileNameA(nullptr, program, sizeof program);
-    set(wanted);
     const std::string name = testing::UnitTest::GetInstance()->current_test_info()->name();
+    set(wanted);
     _putenv("RADIASHAFTS_SCALED=1");
-    isDone_ = 0 == std::system((program + (" --gtest_filter=Scenario." + name)).c_str());
+    isDone_ = 0 == std::system((std::string(_pgmptr) + " --gtest_filter=Scenario." + name).c_str());
     _putenv("RADIASHAFTS_SCALED=");
     set(USER_DEFAULT_SCREEN_DPI);
     require(isDone_, "it failed there");
   }
 
-  // WIDTHxHEIGHT of the picture, what the host lacks and does, KEY=VALUE of a script.
+  // WIDTHxHEIGHT of the picture, what the host lacks and what it does.
   void startHost(const Words& words) {
     host_.reset();
     Host::Settings settings;
@@ -223,30 +226,25 @@ class Player {
         {"suites", &traits.suites},           {"handles", &traits.handleProcs},
         {"colors", &traits.colorServices},    {"display", &traits.displayPixels},
         {"descriptors", &traits.descriptors}, {"sampling", &traits.sampling}};
-    standin::Script script;
+    const std::map<std::string, std::string*> texts{{"picks", &settings.pickedColor},
+                                                    {"manner", &settings.manner},
+                                                    {"window", &settings.window}};
     for (const std::string& word : words) {
-      std::istringstream stream(word);
-      std::string name, value;
-      std::getline(std::getline(stream, name, '='), value);
+      const std::string name = word.substr(0, word.find('='));
+      const std::string value = word.substr(std::min(name.size() + 1, word.size()));
       int width = 0, height = 0;
       if (std::sscanf(word.c_str(), "%dx%d", &width, &height) == 2) {
         settings.picture = placesPicture(width, height);
-      } else if (name == "without") {
-        *lacks.at(value) = false;
-      } else if (name == "picks" || name == "manner" || name == "window") {
-        (name == "picks"    ? settings.pickedColor
-         : name == "manner" ? settings.manner
-                            : settings.window) = value;
       } else if (name == "values") {
         Random random(std::stoul(value));
         values_ = randomValues(random);
-      } else if (name.size() == 4) {
-        const char key[] = {name[0], name[1], name[2], name[3], '\0'};
-        script.emplace_back(hostapi::fourCharacterCode(key), std::stod(value));
+      } else if (name == "without") {
+        *lacks.at(value) = false;
+      } else if (!name.empty()) {
+        *texts.at(name) = value;
       }
     }
     settings.script = scriptOf(values_);
-    settings.script.insert(settings.script.end(), script.begin(), script.end());
     host_ = std::make_unique<Host>(std::move(settings));
   }
 
@@ -349,11 +347,11 @@ class Player {
     expect("status", status);
   }
 
-  // NAME X Y, and WIDTH HEIGHT where it gets another size.
-  void moveWindow(const Words& words) const {
-    const auto number = [&](std::size_t i) { return std::atoi(words[i].c_str()); };
-    SetWindowPos(window(words[0]), nullptr, number(1), number(2), number(3), number(4),
-                 SWP_NOZORDER | SWP_NOACTIVATE | (number(3) > 0 ? 0U : SWP_NOSIZE));
+  void moveWindow(Text name, Text place) const {
+    int x = 0, y = 0, width = 0, height = 0;
+    const bool sized = std::sscanf(place.c_str(), "%d %d %d %d", &x, &y, &width, &height) == 4;
+    require(sized, place + " is no place and size");
+    SetWindowPos(window(name), nullptr, x, y, width, height, SWP_NOZORDER | SWP_NOACTIVATE);
   }
 
   // Of a control; of a swatch, which is an invisible one, the color that is painted over it.
@@ -361,22 +359,18 @@ class Player {
     if (name.find('@') != std::string::npos || IsWindowVisible(window(name)) == FALSE) {
       const POINT at = placeOf(name);
       const auto color = screenPicture({at.x, at.y, at.x + 1, at.y + 1}).bytes;
-      std::ostringstream text;
-      text << int{color[0]} << ',' << int{color[1]} << ',' << int{color[2]};
-      return text.str();
+      return joined({color[0], color[1], color[2]}, ",");
     }
     const std::string kind = classOf(window(name));
-    if (kind.starts_with("ms")) return std::to_string(SendMessageA(window(name), WM_USER, 0, 0));
+    if (kind == TRACKBAR_CLASSA)
+      return std::to_string(SendMessageA(window(name), TBM_GETPOS, 0, 0));
     if (kind != "Button") return textOf(window(name));
     return SendMessageA(window(name), BM_GETCHECK, 0, 0) == BST_CHECKED ? "on" : "off";
   }
 
   static std::string placeOfWindow(HWND window) {
     const RECT rect = settledRect(window);
-    std::ostringstream text;
-    text << rect.left << ' ' << rect.top << ' ' << rect.right - rect.left << ' '
-         << rect.bottom - rect.top;
-    return text.str();
+    return joined({rect.left, rect.top, rect.right - rect.left, rect.bottom - rect.top}, " ");
   }
 
   // The texts of a box, of its buttons, and whether it holds the parameter dialog.

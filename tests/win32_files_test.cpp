@@ -13,85 +13,59 @@
 namespace radiashafts::test {
 namespace {
 
-constexpr char old[] = "FileOwner Us\n\nname A\nAmount 1\n";
-
-struct PresetFile {
-  PresetFile() { folder.write("p.cfg", old); }
-  ~PresetFile() { close(); }
-  void open(const std::string& name, DWORD access, DWORD sharing) {
-    close();
-    handle =
-        CreateFileA(folder.path(name).c_str(), access, sharing, nullptr, OPEN_ALWAYS, 0, nullptr);
-    ASSERT_NE(handle, INVALID_HANDLE_VALUE);
-  }
-  void close() {
-    if (handle != INVALID_HANDLE_VALUE) CloseHandle(handle);
-    handle = INVALID_HANDLE_VALUE;
-  }
-  // Why it was not saved; empty when it was.
-  std::string save() {
-    std::string failure;
-    EXPECT_TRUE(set.parameters.SaveSettings("B", folder.path("p.cfg"), "Us", &failure));
-    return failure;
-  }
-  TestFolder folder;
+// Saves a preset into p.cfg and tells why it was not saved.
+std::string save(const TestFolder& folder, const std::string& name) {
   PresetSet set;
-  HANDLE handle = INVALID_HANDLE_VALUE;
-};
+  std::string failure;
+  set.parameters.SaveSettings(name, folder.path("p.cfg"), "Us", &failure);
+  return failure;
+}
 
-TEST(PresetsOnThisSystem, AFileThatIsOpenElsewhereStaysAsItWas) {
-  PresetFile file;
+TEST(PresetsOnThisSystem, AFileThatIsOpenElsewhereOrReadOnlyStaysAsItWas) {
+  const TestFolder folder;
+  const std::string path = folder.path("p.cfg");
+  const std::string old = "FileOwner Us\n\nname A\nAmount 1\n";
+  folder.write("p.cfg", old);
   constexpr DWORD all = FILE_SHARE_READ | FILE_SHARE_WRITE;
-  file.open("p.cfg", GENERIC_READ, all);
-  EXPECT_NE(file.save(), "");
-  EXPECT_EQ(file.folder.read("p.cfg"), old);
-  file.open("p.cfg", GENERIC_READ, 0);
-  EXPECT_NE(file.save(), "");
-  EXPECT_FALSE(file.set.parameters.LoadSettings("A", file.folder.path("p.cfg"), nullptr));
-  EXPECT_FALSE(file.set.parameters.DeleteSettings("A", file.folder.path("p.cfg")));
-  file.open("p.cfgtmp", GENERIC_WRITE, all);
-  EXPECT_NE(file.save(), "");
-  file.close();
-  EXPECT_EQ(file.folder.read("p.cfg"), old);
-  EXPECT_EQ(file.save(), "");
-  EXPECT_EQ(file.folder.fileCount(), 1);
+  for (const auto& [name, sharing] :
+       {std::pair{"p.cfg", all}, std::pair{"p.cfg", 0UL}, std::pair{"p.cfgtmp", all}}) {
+    const HANDLE file = CreateFileA(folder.path(name).c_str(), GENERIC_READ | GENERIC_WRITE,
+                                    sharing, nullptr, OPEN_ALWAYS, 0, nullptr);
+    ASSERT_NE(file, INVALID_HANDLE_VALUE);
+    EXPECT_NE(save(folder, "B"), "") << name << ' ' << sharing;
+    if (sharing == 0) {
+      PresetSet set;
+      EXPECT_FALSE(set.parameters.LoadSettings("A", path, nullptr));
+      EXPECT_FALSE(set.parameters.DeleteSettings("A", path));
+    }
+    CloseHandle(file);
+    EXPECT_EQ(folder.read("p.cfg"), old);
+  }
+  SetFileAttributesA(path.c_str(), FILE_ATTRIBUTE_READONLY);
+  EXPECT_NE(save(folder, "B"), "");
+  EXPECT_EQ(folder.read("p.cfg"), old);
+  SetFileAttributesA(path.c_str(), FILE_ATTRIBUTE_NORMAL);
+  EXPECT_EQ(save(folder, "B"), "");
+  EXPECT_EQ(folder.fileCount(), 1);
 }
 
 // Threads stand for processes: a file that is open is shared with neither.
 TEST(PresetsOnThisSystem, ManyWritersLoseNothing) {
-  PresetFile file;
-  constexpr int writers = 4;
-  constexpr int saves = 5;
-  const auto nameOf = [](int i, int n) { return std::to_string(i) + std::to_string(n); };
+  const TestFolder folder;
+  constexpr int writers = 4, saves = 5;
   std::vector<std::thread> threads;
   for (int i = 0; i < writers; ++i) {
-    threads.emplace_back([&, i] {
-      PresetSet set;
-      std::string failure;
-      for (int n = 0; n < saves; n += failure.empty()) {
-        failure.clear();
-        set.parameters.SaveSettings(nameOf(i, n), file.folder.path("p.cfg"), "Us", &failure);
-      }
+    threads.emplace_back([&folder, i] {
+      for (int n = 0; n < saves;) n += save(folder, std::to_string(10 * i + n)).empty();
     });
   }
   for (std::thread& thread : threads) thread.join();
-  for (int i = 0; i < writers; ++i) {
-    for (int n = 0; n < saves; ++n) {
-      EXPECT_TRUE(
-          file.set.parameters.LoadSettings(nameOf(i, n), file.folder.path("p.cfg"), nullptr));
-    }
+  PresetSet set;
+  for (int i = 0; i < writers * saves; ++i) {
+    const std::string name = std::to_string(10 * (i / saves) + i % saves);
+    EXPECT_TRUE(set.parameters.LoadSettings(name, folder.path("p.cfg"), nullptr)) << name;
   }
-  EXPECT_EQ(file.folder.fileCount(), 1);
-}
-
-TEST(PresetsOnThisSystem, AReadOnlyFileStaysAsItWas) {
-  PresetFile file;
-  const std::string path = file.folder.path("p.cfg");
-  SetFileAttributesA(path.c_str(), FILE_ATTRIBUTE_READONLY);
-  EXPECT_NE(file.save(), "");
-  EXPECT_EQ(file.folder.read("p.cfg"), old);
-  SetFileAttributesA(path.c_str(), FILE_ATTRIBUTE_NORMAL);
-  EXPECT_EQ(file.folder.fileCount(), 1);
+  EXPECT_EQ(folder.fileCount(), 1);
 }
 
 }  // namespace

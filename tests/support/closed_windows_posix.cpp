@@ -6,21 +6,18 @@
 
 namespace radiashafts::test {
 
-struct ClosedWindows::State {
-  bool capturing = true;
-};
-
-ClosedWindows::ClosedWindows() : state_(std::make_unique<State>()) {
+ClosedWindows::ClosedWindows() {
   testing::internal::CaptureStderr();
 }
 
 ClosedWindows::~ClosedWindows() {
-  if (state_->capturing) testing::internal::GetCapturedStderr();
+  testing::internal::GetCapturedStderr();
 }
 
 std::string ClosedWindows::texts() {
-  state_->capturing = false;
-  return testing::internal::GetCapturedStderr();
+  const std::string text = testing::internal::GetCapturedStderr();
+  testing::internal::CaptureStderr();
+  return text;
 }
 
 }  // namespace radiashafts::test

@@ -1,60 +1,53 @@
 #include <windows.h>
 
 #include <atomic>
-#include <cstring>
 #include <mutex>
 #include <thread>
 
 #include "tests/support/closed_windows.h"
 
 namespace radiashafts::test {
+namespace {
 
-struct ClosedWindows::State {
-  std::mutex mutex;
-  std::string texts;
-  std::atomic<bool> done{false};
-  std::thread watcher{[this] {
-    for (; !done; Sleep(20)) {
-      const HWND box = FindWindowA("#32770", "Radiashafts");
-      if (box != nullptr) read(box);
-      EnumWindows(cancelDialog, 0);
-    }
-  }};
+std::mutex textsMutex;
+std::string boxTexts;
+std::atomic<bool> isDone;
+std::thread watcher;
 
-  static BOOL CALLBACK cancelDialog(HWND window, LPARAM) {
-    DWORD process = 0;
-    GetWindowThreadProcessId(window, &process);
-    char caption[32] = "";
-    GetWindowTextA(window, caption, sizeof caption);
-    const bool isDialog =
-        std::strncmp(caption, "Radiashafts  V", 14) == 0 || std::strcmp(caption, "About") == 0;
-    if (process == GetCurrentProcessId() && isDialog) PostMessageA(window, WM_CLOSE, 0, 0);
-    return TRUE;
-  }
+BOOL CALLBACK close(HWND window, LPARAM) {
+  DWORD process = 0;
+  GetWindowThreadProcessId(window, &process);
+  char caption[64] = "";
+  char text[512] = "";
+  GetWindowTextA(window, caption, sizeof caption);
+  const std::string name = caption;
+  const bool isOurs = name == "About" || name.starts_with("Radiashafts");
+  if (process != GetCurrentProcessId() || !isOurs) return TRUE;
+  const HWND label = GetDlgItem(window, 0xFFFF);  // the text of a message box
+  if (name == "Radiashafts" && label != nullptr) GetWindowTextA(label, text, sizeof text);
+  const std::lock_guard lock(textsMutex);
+  if (!boxTexts.ends_with(text)) boxTexts += text;
+  return PostMessageA(window, WM_CLOSE, 0, 0);
+}
 
-  void read(HWND box) {
-    const HWND label = GetDlgItem(box, 0xFFFF);  // the text of a message box
-    char text[512] = "";
-    if (label != nullptr) GetWindowTextA(label, text, sizeof text);
-    {
-      const std::lock_guard lock(mutex);
-      texts += text;
-    }
-    SendMessageA(box, WM_CLOSE, 0, 0);
-    while (IsWindow(box) != 0 && !done) Sleep(5);
-  }
-};
+}  // namespace
 
-ClosedWindows::ClosedWindows() : state_(std::make_unique<State>()) {}
+ClosedWindows::ClosedWindows() {
+  boxTexts.clear();
+  isDone = false;
+  watcher = std::thread([] {
+    for (; !isDone; Sleep(20)) EnumWindows(close, 0);
+  });
+}
 
 ClosedWindows::~ClosedWindows() {
-  state_->done = true;
-  state_->watcher.join();
+  isDone = true;
+  watcher.join();
 }
 
 std::string ClosedWindows::texts() {
-  const std::lock_guard lock(state_->mutex);
-  return state_->texts;
+  const std::lock_guard lock(textsMutex);
+  return boxTexts;
 }
 
 }  // namespace radiashafts::test

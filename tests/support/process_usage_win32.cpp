@@ -4,7 +4,6 @@
 #include <windows.h>
 
 #include <algorithm>
-#include <cstdint>
 #include <ostream>
 #include <vector>
 
@@ -21,8 +20,7 @@ int threads() {
   const HANDLE snapshot = CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0);
   THREADENTRY32 entry{};
   entry.dwSize = sizeof entry;
-  for (BOOL more = Thread32First(snapshot, &entry); more != FALSE;
-       more = Thread32Next(snapshot, &entry)) {
+  while ((entry.th32ThreadID == 0 ? Thread32First : Thread32Next)(snapshot, &entry) != FALSE) {
     if (entry.th32OwnerProcessID == GetCurrentProcessId()) ++count;
   }
   CloseHandle(snapshot);
@@ -33,29 +31,18 @@ int threads() {
 int handles() {
   struct Entry {
     void* object;
-    std::uintptr_t process, handle;
-    std::uint32_t access;
-    std::uint16_t creator, type;
-    std::uint32_t attributes, reserved;
-  };
-  struct Table {
-    std::uintptr_t count, reserved;
-    Entry entries[1];
+    std::uintptr_t process, handle, accessAndType, attributes;
   };
   constexpr auto extendedHandleInformation = static_cast<SYSTEM_INFORMATION_CLASS>(64);
-  constexpr NTSTATUS tooSmall = static_cast<NTSTATUS>(0xC0000004);
-  std::vector<std::uintptr_t> memory(1U << 16);
-  NTSTATUS status = 0;
-  while ((status = NtQuerySystemInformation(extendedHandleInformation, memory.data(),
-                                            static_cast<ULONG>(memory.size() * sizeof memory[0]),
-                                            nullptr)) == tooSmall) {
-    memory.resize(memory.size() * 2);
+  std::vector<std::uintptr_t> table(1U << 20);
+  if (NtQuerySystemInformation(extendedHandleInformation, table.data(),
+                               static_cast<ULONG>(table.size() * sizeof table[0]), nullptr) != 0) {
+    return -1;
   }
-  if (status != 0) return -1;
-  const auto* table = reinterpret_cast<const Table*>(memory.data());
-  return static_cast<int>(
-      std::count_if(table->entries, table->entries + table->count,
-                    [](const Entry& entry) { return entry.process == GetCurrentProcessId(); }));
+  const auto* entries = reinterpret_cast<const Entry*>(&table[2]);  // behind their count
+  return static_cast<int>(std::count_if(entries, entries + table[0], [](const Entry& entry) {
+    return entry.process == GetCurrentProcessId();
+  }));
 }
 
 // In the table that every process can read.
@@ -76,25 +63,6 @@ int drawingObjects() {
       std::count_if(table, table + 65536, [](const Entry& entry) { return entry.type != 0; }));
 }
 
-BOOL CALLBACK countWindow(HWND window, LPARAM count) {
-  DWORD process = 0;
-  GetWindowThreadProcessId(window, &process);
-  if (process == GetCurrentProcessId()) ++*reinterpret_cast<int*>(count);
-  return TRUE;
-}
-
-BOOL CALLBACK countWithChildren(HWND window, LPARAM count) {
-  EnumChildWindows(window, countWindow, count);
-  return countWindow(window, count);
-}
-
-// Icons and cursors, which are not windows, hold drawing objects.
-int windows() {
-  int count = 0;
-  EnumWindows(countWithChildren, reinterpret_cast<LPARAM>(&count));
-  return count;
-}
-
 std::size_t privateMemory() {
   std::size_t sum = 0;
   MEMORY_BASIC_INFORMATION region{};
@@ -109,19 +77,11 @@ std::size_t privateMemory() {
 
 std::ostream& operator<<(std::ostream& out, const ProcessUsage& usage) {
   return out << usage.threads << " threads, " << usage.handles << " handles, "
-             << usage.drawingObjects << " drawing objects, " << usage.windows << " windows, "
-             << usage.memory << " bytes";
+             << usage.drawingObjects << " drawing objects, " << usage.memory << " bytes";
 }
 
-// The windows come first: the first look at them takes handles of its own.
 ProcessUsage processUsage() {
-  ProcessUsage usage;
-  usage.windows = windows();
-  usage.drawingObjects = drawingObjects();
-  usage.threads = threads();
-  usage.handles = handles();
-  usage.memory = privateMemory();
-  return usage;
+  return {threads(), handles(), drawingObjects(), 0, privateMemory()};
 }
 
 }  // namespace radiashafts::test

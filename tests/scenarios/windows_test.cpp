@@ -1,0 +1,148 @@
+// What many openings, a process's end and hosts' memory ask of the Windows module.
+
+#include <iostream>
+
+#include <gtest/gtest.h>
+
+#include "interface/win32/dialog_ids.h"
+#include "standin/host_display.h"
+#include "standin/system/module.h"
+#include "tests/scenarios/hosts.h"
+#include "tests/support/long_test.h"
+#include "tests/support/process_usage.h"
+
+namespace radiashafts::test {
+namespace {
+
+// Memory may grow by a step of the heap.
+void expectNoMore(const ProcessUsage& before, std::size_t moreMemory) {
+  ProcessUsage after;
+  eventually([&] {  // threads of the system's pools end in their own time
+    after = processUsage();
+    return after.threads <= before.threads && after.handles <= before.handles;
+  });
+  std::cout << "before: " << before << "\nafter:  " << after << '\n';
+  EXPECT_LE(after.threads, before.threads);
+  EXPECT_LE(after.handles, before.handles);
+  EXPECT_LE(after.drawingObjects, before.drawingObjects);
+  EXPECT_LE(after.memory, before.memory + moreMemory);
+}
+
+// Else the tests below could leave anything behind.
+TEST(Soak, EveryCounterCounts) {
+  const ProcessUsage before = processUsage();
+  const HANDLE event = CreateEventA(nullptr, TRUE, FALSE, nullptr);
+  std::thread thread([event] { WaitForSingleObject(event, INFINITE); });
+  void* const memory = VirtualAlloc(nullptr, 1U << 23, MEM_COMMIT | MEM_RESERVE, PAGE_READWRITE);
+  const HPEN pen = CreatePen(PS_SOLID, 0, 0);
+  const ProcessUsage full = processUsage();
+  EXPECT_EQ(full.threads, before.threads + 1);
+  EXPECT_GE(full.handles, before.handles + 2);
+  EXPECT_EQ(full.drawingObjects, before.drawingObjects + 1);
+  EXPECT_GE(full.memory, before.memory + (1U << 23));
+  SetEvent(event);
+  thread.join();
+  CloseHandle(event);
+  VirtualFree(memory, 0, MEM_RELEASE);
+  DeleteObject(pen);
+}
+
+TEST(Soak, OpeningsLeaveNothingBehind) {
+  const auto openAndClose = [](int times) {
+    for (int i = 0; i < times; ++i) {
+      Host::Settings settings;
+      settings.traits.displayPixels = i % 2 == 0;
+      const Host host(settings);
+      HWND panel = nullptr;
+      ASSERT_TRUE(eventually([&] { return (panel = findDialog("Radiashafts  V")) != nullptr; }));
+      for (const int id : {ID_UNDO, ID_ZOOM_OUT, ID_ZOOM_IN, ID_RESET, ID_HIDE_HANDLE, IDCANCEL}) {
+        SendMessageA(panel, WM_COMMAND, static_cast<WPARAM>(id), 0);
+      }
+      EXPECT_EQ(host.status(), hostapi::userCanceledError);
+    }
+  };
+  openAndClose(10);
+  const ProcessUsage before = processUsage();
+  openAndClose(isLongTest() ? 180 : 15);
+  expectNoMore(before, 1U << 21);
+}
+
+int loadAndRun(standin::Module& module) {
+  if (!module.load(RADIASHAFTS_MODULE_PATH)) return -1;
+  const auto entry = reinterpret_cast<standin::EntryPoint>(module.symbol("ENTRYPOINT"));
+  const standin::Picture picture = placesPicture(50, 40);
+  standin::StandInHost host(picture, nullptr);
+  standin::Picture output;
+  return host.run(entry, {}, output).status;
+}
+
+TEST(WindowsModule, ComesAndGoesAHundredTimesAndLeavesNothing) {
+  // Hosts have these; where they come and go with the module, Wine's keep a handle each time.
+  for (const char* library : {"comctl32.dll", "comdlg32.dll"}) LoadLibraryA(library);
+  const auto comeAndGo = [](int times) {
+    for (int i = 0; i < times; ++i) {
+      standin::Module module;
+      ASSERT_EQ(loadAndRun(module), 0);
+    }
+    EXPECT_EQ(GetModuleHandleA("radiashafts.dll"), nullptr) << "still loaded";
+  };
+  comeAndGo(10);
+  eventually([] { return processUsage().threads == 1; });
+  const ProcessUsage before = processUsage();
+  comeAndGo(100);
+  expectNoMore(before, 1U << 18);
+}
+
+// The workers are gone by the time the module hears of the end, and nobody waits for them.
+TEST(WindowsModuleDeathTest, AProcessEndsWithTheModuleLoaded) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  EXPECT_EXIT(ExitProcess(loadAndRun(*new standin::Module)), testing::ExitedWithCode(0), "");
+}
+
+// Rows of a picture by planes, into the middle of a bitmap.
+TEST(StandInHost, DrawsPlanarPixelsWhereItIsAsked) {
+  std::uint8_t planar[] = {10, 11, 20, 21, 30, 31, 40, 41, 50, 51, 60, 61};  // 2 x 2
+  hostapi::PSPixelMap map{};
+  map.bounds = {0, 0, 2, 2};
+  map.imageMode = hostapi::modeRGB;
+  map.rowBytes = 2;
+  map.colBytes = 1;
+  map.planeBytes = 4;
+  map.baseAddr = planar;
+  const hostapi::VRect lowerRow{1, 0, 2, 2};
+  const HDC screen = GetDC(nullptr);
+  ASSERT_EQ(standin::displayPixels(&map, &lowerRow, 3, 5, screen), 0);
+  EXPECT_EQ(GetPixel(screen, 6, 3), RGB(21, 41, 61));
+  ReleaseDC(nullptr, screen);
+}
+
+// The trace tells whether OK came while a render ran; where it came too late, it is tried again.
+TEST(Preview, OkEndsARunningRender) {
+  const std::string log = (workFolder() / "render.txt").string();
+  RegSetKeyValueA(HKEY_CURRENT_USER, "SOFTWARE\\Halvorsund\\Photoshop\\Radiashafts", "logfile",
+                  REG_SZ, log.c_str(), static_cast<DWORD>(log.size() + 1));
+  std::size_t begin = 0, pressed = 0;
+  const auto isRendering = [&](std::size_t end) {
+    const std::string text = contentsOf(log).substr(begin, end - begin);
+    return count(text, "SelectRenderTemplate") > count(text, "DrawToPreview");
+  };
+  do {
+    begin = contentsOf(log).size();
+    Host::Settings settings;
+    settings.picture = placesPicture(6000, 4000);
+    settings.script = {{hostapi::fourCharacterCode("MODE"), 2}};
+    const Host host(settings);
+    HWND panel = nullptr;
+    ASSERT_TRUE(eventually([&] { return (panel = findDialog("Radiashafts  V")) != nullptr; }));
+    const HWND zoom = GetDlgItem(panel, ID_PERCENTAGE);
+    for (; textOf(zoom) != "100%"; Sleep(100)) SendMessageA(panel, WM_COMMAND, ID_ZOOM_IN, 0);
+    ASSERT_TRUE(eventually([&] { return isRendering(std::string::npos); }));
+    PostMessageA(panel, WM_COMMAND, IDOK, 0);
+    ASSERT_EQ(host.status(), 0);
+    pressed = contentsOf(log).find("OK pressed", begin);
+  } while (!isRendering(pressed));
+  EXPECT_EQ(count(contentsOf(log).substr(pressed), "DrawToPreview"), 0);
+}
+
+}  // namespace
+}  // namespace radiashafts::test

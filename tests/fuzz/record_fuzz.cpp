@@ -7,8 +7,6 @@
 
 #include <sanitizer/asan_interface.h>
 
-#include "interface/preview.h"
-#include "interface/preview_view.h"
 #include "standin/descriptors.h"
 #include "tests/fuzz/fuzzing.h"
 #include "tests/support/fake_interface.h"
@@ -122,15 +120,12 @@ class Host {
   static inline Host* host = nullptr;
 
  private:
-  // One 16-bit word of a record, behind the procs at its front.
-  struct Edit {
-    std::uint8_t word;
-    std::int16_t value;
-  };
+  // 16-bit words of a record, behind the procs at its front.
+  using Edits = std::vector<std::pair<std::uint8_t, std::int16_t>>;
 
-  static std::vector<Edit> takeEdits(Input& input) {
-    std::vector<Edit> edits(input.take() % 32);
-    for (Edit& edit : edits) edit = {input.take(), input.take<std::int16_t>()};
+  static Edits takeEdits(Input& input) {
+    Edits edits(input.take() % 32);
+    for (auto& [word, value] : edits) word = input.take(), value = input.take<std::int16_t>();
     return edits;
   }
 
@@ -163,7 +158,7 @@ class Host {
   }
 
   // A host makes up any number, and no procs and addresses.
-  void edit(const std::vector<Edit>& edits) {
+  void edit(const Edits& edits) {
     FilterRecord& record = *record_;
     for (const auto& [word, value] : edits) {
       std::memcpy(reinterpret_cast<char*>(&record.imageSize) + 2 * std::size_t{word}, &value,
@@ -221,40 +216,19 @@ class Host {
   hostapi::SPBasicSuite basicSuite_{};
   std::unique_ptr<std::uint8_t[]> memory_[3];
   void* data_[3] = {};
-  std::vector<Edit> answer_;
+  Edits answer_;
   std::span<const std::uint8_t> pattern_;
   bool isStraight_ = true;
   int traits_, padding_, offset_, abortAt_;
 };
 
-// A user who looks at the picture, and closer.
-class LookingPreview final : public pfPreview {
- public:
-  bool Show(EditedFilter* filter, FilterRecord* record, WidgetList*) override {
-    view_.open(filter, record);
-    view_.FitScaleToFrame();
-    view_.RenderUntilFinal();
-    view_.ZoomBy(-1);
-    view_.RenderUntilFinal();
-    view_.close();
-    return !Host::host->has(userCancels);
-  }
-  void RequestRender() override { view_.RequestRender(); }
-  bool AlternativeColorSelection(FilterRecord*, double*, double*, double*) override {
-    return false;
-  }
-
- private:
-  FakeWindows windows_;
-  PreviewView view_{windows_};
-};
-
 }  // namespace
 }  // namespace test
 
-// In place of the module's own.
+// In place of the module's own: a user who looks at the picture, and closer.
 std::unique_ptr<pfPreview> MakePreview() {
-  return std::make_unique<test::LookingPreview>();
+  return std::make_unique<test::LookingPreview>(
+      std::vector<int>{0, -1}, [] { return !test::Host::host->has(test::userCancels); });
 }
 void ShowAbout(const std::string&) {}
 

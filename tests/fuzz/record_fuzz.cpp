@@ -20,20 +20,10 @@ using standin::Service;
 
 constexpr hostapi::OSErr requestRefused = -30100;
 
-enum Trait {
-  noAbort = 1,
-  noProgress = 2,
-  noAdvance = 4,
-  noSuites = 8,
-  noBuffers = 16,
-  noHandles = 32,
-  noDescriptors = 64,
-  noTables = 128,
-  strayMask = 256,
-  noMask = 512,
-  emptyIsNotNull = 1024,
-  userCancels = 2048
-};
+// Bits of a host's traits.
+constexpr int noAbort = 1, noProgress = 2, noAdvance = 4, noSuites = 8, noBuffers = 16,
+              noHandles = 32, noDescriptors = 64, noTables = 128, strayMask = 256, noMask = 512,
+              emptyIsNotNull = 1024, userCancels = 2048;
 
 // The memory behind a rectangle. What lies between rows is fenced like what lies around.
 struct Buffer {
@@ -95,7 +85,7 @@ class Host {
   Host& operator=(const Host&) = delete;
   ~Host() { standin::disposeHandle(descriptors_.descriptor); }
 
-  bool has(Trait trait) const { return (traits_ & trait) != 0; }
+  bool has(int trait) const { return (traits_ & trait) != 0; }
 
   void call(int selector) {
     std::int16_t result = 0;

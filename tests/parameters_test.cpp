@@ -63,6 +63,11 @@ TEST(EffectTable, BlendModesHaveTheirNamesByTheirNumbers) {
 TEST(RandomizeButton, MovesTheOtherSeventeenWithinTheAmountAsOneStepOfTheHistory) {
   Filter f;
   f.filter.undoHistory.bEnabled = true;
+  static_cast<pfParameterFloat&>(*f.all[20]).SetValue(0.0);
+  const Numbers untouched = f.values();
+  static_cast<pfParameterBool&>(*f.all[21]).SetValue(false);
+  EXPECT_NEAR(f.values()[22], untouched[22], 0.0);  // the mode, by no amount
+  f.filter.undoHistory.Undo();
   static_cast<pfParameterFloat&>(*f.all[20]).SetValue(0.9);
   const Numbers before = f.values();
   std::set<std::size_t> moved;

@@ -165,13 +165,15 @@ struct Render {
         v.radius * std::sqrt(scaleY * scaleY * (1.0 * h * h) + scaleX * scaleX * (1.0 * w * w));
     const double inverse = 1.0 / (reach <= 0.0 ? 1e-06 : reach);
     for (int i = 0; i < w * h; ++i) {
+      const int x = i % w;
+      const int y = i / w;
       double sample[4] = {};
-      sampleBilinear(rays, i % w + shiftX, i / w + shiftY, sample);
+      sampleBilinear(rays, x + shiftX, y + shiftY, sample);
       Pixel ray;
       std::copy_n(sample, colors, ray.c);
       if (alpha) ray.a = sample[colors];
-      const double dx = (originX - i % w) * inverse * scaleX;
-      const double dy = (originY - i / w) * inverse * scaleY;
+      const double dx = (originX - x) * inverse * scaleX;
+      const double dy = (originY - y) * inverse * scaleY;
       const double falloff = 1.0 - std::sqrt(dx * dx + dy * dy);
       shade(ray, falloff <= 0.0 ? 0.0001 : falloff);
 

@@ -1,6 +1,6 @@
 // Whole runs through the module's entry against the plain serial judge.
 
-#include <algorithm>
+#include <cmath>
 
 #include <gtest/gtest.h>
 
@@ -15,10 +15,13 @@ namespace {
 
 class WholeRun : public testing::TestWithParam<int> {};
 
+// The sign of a zero, and of what is no number, is the processor's choice.
 int differingSamples(const standin::Picture& a, const standin::Picture& b) {
+  const judge::Picture one = judgePicture(a), other = judgePicture(b);
   int count = 0;
-  for (std::size_t i = 0; i < a.bytes.size(); i += a.sampleBytes()) {
-    if (!std::equal(&a.bytes[i], &a.bytes[i] + a.sampleBytes(), &b.bytes[i])) ++count;
+  for (std::size_t i = 0; i < one.samples.size(); ++i) {
+    const double x = one.samples[i], y = other.samples[i];
+    if (x != y && !(std::isnan(x) && std::isnan(y))) ++count;
   }
   return count;
 }

@@ -23,9 +23,9 @@ struct Hsl {
   double h, s, l;  // hue as a sextant number, 0..6
 };
 
-// A NaN passes through unchanged.
+// What is no number becomes 0.
 double clampTo(double value, double high) {
-  return value < 0.0 ? 0.0 : value > high ? high : value;
+  return value > 0.0 ? std::min(value, high) : 0.0;
 }
 
 double largest(const Pixel& p) {

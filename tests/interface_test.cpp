@@ -182,8 +182,10 @@ TEST(HostDrawing, OfAnotherShadeIsRightAndOfOtherChannelsOrShadesIsWrong) {
     const int mean = (p[0] + p[1] + p[2]) / 3;
     return Pixel{30 + (p[0] + mean) * 2 / 5, 25 + (p[1] + mean) * 2 / 5, 15 + (p[2] + mean) / 3};
   }));
-  for (const auto& [r, g, b] : {Pixel{0, 2, 1}, {1, 0, 2}, {2, 1, 0}, {1, 2, 0}, {2, 0, 1}, {}}) {
-    EXPECT_FALSE(passes([=](Pixel p) { return Pixel{p.at(r), p.at(g), p.at(b)}; }));
+  for (const Pixel& from : {Pixel{0, 2, 1}, {1, 0, 2}, {2, 1, 0}, {1, 2, 0}, {2, 0, 1}, {}}) {
+    EXPECT_FALSE(passes([&](Pixel p) {
+      return Pixel{p.at(from[0]), p.at(from[1]), p.at(from[2])};
+    }));
   }
   // A grey as dark as black, as bright as white, and with a colour.
   for (const Pixel& grey : {Pixel{0, 0, 0}, {255, 255, 255}, {200, 128, 60}}) {

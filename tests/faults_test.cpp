@@ -7,8 +7,6 @@
 #include <gtest/gtest.h>
 
 #include "diagnostics/debug_log.h"
-#include "interface/model/preview.h"
-#include "interface/model/preview_view.h"
 #include "platform/pump.h"
 #include "standin/stand_in_host.h"
 #include "tests/support/failing_memory.h"
@@ -27,39 +25,12 @@ int looks = 0;        // for messages, in previews
 int closingLook = 0;  // the one that finds the interface closed, 0 for none
 bool closed = false;
 
-// An interface whose user looks at the picture, zooms out and in, and confirms.
-class FakePreview final : public pfPreview {
- public:
-  bool Show(EditedFilter* filter, hostapi::FilterRecord* record, WidgetList*) override {
-    struct Opening {
-      PreviewView& view;
-      ~Opening() { view.close(); }
-    } const opening{view_};
-    closed = false;
-    view_.open(filter, record);
-    view_.FitScaleToFrame();
-    for (const int zoom : {0, 1, -1}) {
-      view_.ZoomBy(zoom);
-      view_.RequestRender();
-      view_.RenderUntilFinal();
-    }
-    return !closed;
-  }
-  void RequestRender() override { view_.RequestRender(); }
-  bool AlternativeColorSelection(hostapi::FilterRecord*, double*, double*, double*) override {
-    return false;
-  }
-
- private:
-  test::FakeWindows windows_;
-  PreviewView view_{windows_};
-};
-
 }  // namespace
 
 // In place of the module's own.
 std::unique_ptr<pfPreview> MakePreview() {
-  return std::make_unique<FakePreview>();
+  closed = false;
+  return std::make_unique<test::LookingPreview>(std::vector<int>{0, 1, -1}, [] { return !closed; });
 }
 void ShowAbout(const std::string&) {}
 
@@ -107,6 +78,7 @@ class Rehearsal {
     if (scenario.log) DebugLog::Instance().SetLogFile(folder.path("log.txt"));
     judge::Values values = randomValues(random_);
     values.mode = scenario.mode;
+    values.rayLength = 0.7;
     script_ = scriptOf(values);
     traits_.suites = scenario.suites;
     traits_.selectedRect = hostapi::Rect{3, 5, 20, 30};
@@ -122,6 +94,7 @@ class Rehearsal {
     host.faults.abortAtProgress = failure.abortAtProgress;
     host.onProgress = [this](int, int) { ++progressCalls_; };
     progressCalls_ = looks = 0;
+    closed = false;
     closingLook = failure.closingLook;
     output_ = input_;
     memoryFault = failure.memory;
@@ -227,34 +200,30 @@ INSTANTIATE_TEST_SUITE_P(Runs, Faults,
                                          Scenario{3, 2, false, false}, Scenario{15, 1, true, true},
                                          Scenario{10, 2, true, false}));
 
-// All have procs for handles: without them nobody can give back those of this host.
-standin::HostTraits randomTraits(Random& random) {
-  const auto lacks = [&random] { return random() % 4 == 0; };
-  standin::HostTraits traits;
-  traits.suites = !lacks();
-  traits.sampling = !lacks();
-  traits.descriptors = !lacks();
-  traits.playInfo = lacks() ? hostapi::playDisplay : hostapi::playDontDisplay;
-  traits.inputPadding = static_cast<int>(random() % 8);
-  return traits;
-}
-
+// A host has procs for handles always: without them nobody can give back those of this host.
 void randomRun(Random& random) {
-  const int configuration = static_cast<int>(random() % 18) + 1;
+  const auto oneOf = [&random](unsigned number) { return random() % number == 0; };
   const auto side = [&random] { return static_cast<int>(random() % 90) + 1; };
+  const int configuration = static_cast<int>(random() % 18) + 1;
   const standin::Picture input = randomPicture(random, configuration, side(), side());
   const standin::Mask mask = randomMask(random, input.width, input.height);
   judge::Values values = randomValues(random);
-  values.mode = static_cast<int>(random() % 2) + 1;
-  values.selectionShow = random() % 8 == 0 ? 2 : 1;
-  standin::StandInHost host(input, random() % 2 == 0 ? &mask : nullptr, randomTraits(random));
-  const bool aborts = random() % 5 == 0;
-  host.faults.abortAtProgress = aborts ? static_cast<int>(random() % 200) + 1 : 0;
+  values.mode = oneOf(2) ? 1 : 2;
+  values.selectionShow = oneOf(8) ? 2 : 1;
+  standin::HostTraits traits;
+  traits.suites = !oneOf(4);
+  traits.sampling = !oneOf(4);
+  traits.descriptors = !oneOf(4);
+  traits.playInfo = oneOf(4) ? hostapi::playDisplay : hostapi::playDontDisplay;
+  traits.inputPadding = static_cast<int>(random() % 8);
+  standin::StandInHost host(input, oneOf(2) ? &mask : nullptr, traits);
+  host.faults.abortAtProgress = oneOf(5) ? static_cast<int>(random() % 200) + 1 : 0;
   looks = 0;
-  closingLook = random() % 9 == 0 ? 1 : 0;
+  closed = false;
+  closingLook = oneOf(9) ? 1 : 0;
   standin::Picture output;
   const standin::RunResult result = host.run(ENTRYPOINT, scriptOf(values), output);
-  const bool mayEnd = aborts || closingLook == 1;
+  const bool mayEnd = host.faults.abortAtProgress > 0 || closingLook == 1;
   EXPECT_TRUE(result.status == 0 || (mayEnd && result.status == -128)) << result.status;
   EXPECT_EQ(result.leaked, 0);
 }

@@ -1,28 +1,14 @@
-// Parameters: what a change does, limits and random steps, and the effect's table as values.
+// Parameters: the names of blend modes, random steps and the undo ring.
 
 #include <cmath>
-#include <functional>
-#include <random>
 #include <set>
 
 #include <gtest/gtest.h>
 
 #include "frame/pf_filter_radiashafts.h"
-#include "standin/descriptors.h"
 
 namespace radiashafts {
 namespace {
-
-// A widget and a change callback that count.
-struct Watch final : pfParameterUI {
-  explicit Watch(pfParameter& watched) {
-    AttachWidget(*this, watched);
-    watched.onChange = [](pfParameter*, void* count) { ++*static_cast<int*>(count); };
-    watched.onChangeContext = &changes;
-  }
-  void Update() override { ++updates; }
-  int updates = 0, changes = 0;
-};
 
 using Numbers = std::vector<double>;
 
@@ -30,118 +16,58 @@ struct Filter {
   struct Inside : pfFilter {
     using pfFilter::parameters;
   };
-  Numbers values() {
-    hostapi::PIDescriptorParameters descriptors{
-        0, 0, 0, nullptr, standin::writeDescriptorProcs(), standin::readDescriptorProcs()};
-    hostapi::FilterRecord record{};
-    record.descriptorParameters = &descriptors;
-    parameters.WriteScriptParams(&record);
+  // All values in the table's order.
+  Numbers values() const {
     Numbers numbers;
-    for (const auto& [key, value] : standin::scriptOf(descriptors.descriptor)) {
-      numbers.push_back(std::visit([](auto v) { return static_cast<double>(v); }, value));
+    for (std::size_t i = 0; i < all.size(); ++i) {
+      const ParameterNumbers held = NumbersOf(*all[i], effectTable[i]);
+      numbers.insert(numbers.end(), held.begin(), held.begin() + valueCount(effectTable[i].kind));
     }
-    standin::disposeHandle(descriptors.descriptor);
     return numbers;
   }
   pfFilterRadiashafts filter;
-  pfParameters& parameters = filter.*&Inside::parameters;
-  const std::vector<pfParameter*>& all = parameters.all();
+  const std::vector<pfParameter*>& all = (filter.*&Inside::parameters).all();
 };
-
-TEST(Parameter, ChangesAndUndoTellWidgetAndCallbackAndAskForARenderOnlyWherePreviewed) {
-  pfParameterFloat number;
-  pfParameterInt whole;
-  pfParameterBool flag;
-  pfParameterList list;
-  pfParameterPosition position;
-  pfParameterRGB color;
-  for (const char* entry : {"a", "b"}) list.AddEntry(entry);
-  const auto check = [&](const std::function<bool(int)>& set, pfParameter& parameter, int calls) {
-    SCOPED_TRACE(typeid(parameter).name());
-    Watch watch(parameter);
-    EXPECT_TRUE(set(1));
-    EXPECT_FALSE(set(1));
-    EXPECT_EQ(watch.updates, 1);
-    EXPECT_EQ(watch.changes, 2 * calls);  // changed or not
-    const auto record = parameter.CreateUndo();
-    parameter.updatesPreview = false;
-    EXPECT_FALSE(set(0));
-    EXPECT_EQ(watch.updates, 2);
-    // A record swaps. It tells the widget once more than the change does, but for a position.
-    const int more = &parameter == &position ? 0 : 1;
-    record->Apply();
-    parameter.updatesPreview = true;
-    EXPECT_FALSE(set(1));
-    record->Apply();
-    parameter.CreateUndo()->Apply();
-    EXPECT_FALSE(set(0));
-    EXPECT_EQ(watch.updates, 4 + 3 * more);
-    EXPECT_EQ(watch.changes, 8 * calls);
-  };
-  check([&](int v) { return number.SetValue(v); }, number, 1);
-  check([&](int v) { return whole.SetValue(v); }, whole, 0);
-  check([&](int v) { return flag.SetValue(v != 0); }, flag, 1);
-  check([&](int v) { return list.SetValue(v + 1); }, list, 1);
-  check([&](int v) { return position.SetValue(0.0, v); }, position, 0);
-  check([&](int v) { return color.SetValue(1.0, 1.0, 1.0 - v); }, color, 0);
-}
 
 TEST(ReflectInto, FoldsAsATriangleWaveThatNeverReachesItsTop) {
   for (const double top : {1.0, -1.0, 3.0, -7.0}) EXPECT_EQ(ReflectInto(top * 5, 5), 4.9999) << top;
   for (const double foot : {0.0, 2.0, -2.0, 6.0}) EXPECT_EQ(ReflectInto(foot * 5, 5), 0.0) << foot;
-  std::mt19937 random(1);
-  for (int i = 0; i < 2000; ++i) {
-    const int n = 1 + i % 7;
-    const double t = std::uniform_real_distribution<double>(-60.0, 60.0)(random);
+  for (int i = -3000; i < 3000; ++i) {
+    const int n = 1 + std::abs(i) % 7;
+    const double t = i * 0.0213;
     const double distance = std::abs(t - 2.0 * n * std::round(t / (2.0 * n)));  // to the next foot
     ASSERT_NEAR(ReflectInto(t, n), distance, 1e-9) << t << ' ' << n;
   }
 }
 
-TEST(EffectTable, AFreshFilterHasItsNamesDefaultsAndLimits) {
-  Filter f;
-  EXPECT_EQ(f.values(), (Numbers{0.5, 0.5, 2, 1, 2, 0, 1, 0, 1, 0, 0, 0,    0, 255,
-                                 0,   1,   1, 1, 1, 1, 1, 1, 1, 3, 1, 0.05, 0}));
-  std::string names;
-  Numbers limits;  // of a number: what -1000 and 1000 become, and the slider's end
-  for (pfParameter* parameter : f.all) {
-    names += parameter->GetName() + (parameter->storedInPreset ? " " : "* ");
-    EXPECT_EQ(parameter->storedInPreset, parameter->updatesPreview);
-    if (auto* list = dynamic_cast<pfParameterList*>(parameter)) {
-      limits.push_back(list->EntryCount());
-      EXPECT_FALSE(list->SetValue(list->EntryCount() + 1));
-      list->SetValue(0);
-      const auto outside = list->CreateUndo();
-      list->Validate();
-      outside->Apply();  // changes nothing, and keeps the 1
-      EXPECT_EQ(list->value(), 1);
-      list->SetValue(2);
-      outside->Apply();
-      EXPECT_EQ(list->value(), 1);
-    } else if (auto* number = dynamic_cast<pfParameterFloat*>(parameter)) {
-      Watch watch(*number);
-      for (const double beyond : {-1000.0, 1000.0}) {
-        number->SetValue(beyond);
-        number->Validate();
-        limits.push_back(number->value());
-      }
-      limits.push_back(number->maximum);
-      EXPECT_EQ(watch.changes, 4);  // by Validate too, changed or not
-    }
+// The numbers are those that scripts hold.
+TEST(EffectTable, BlendModesHaveTheirNamesByTheirNumbers) {
+  const char* const names[] = {
+      "normal",    "max weight", "screen",     "overlay",       "addition",      "subtraction",
+      "multiply",  "divide",     "difference", "exclusion",     "lighten",       "darken",
+      "maximum",   "minimum",    "hue",        "saturation",    "color",         "luminosity",
+      "alpha add", "alpha sub",  "alpha mult", "alpha replace", "(none) replace"};
+  EffectParameters effect;
+  for (int number = 1; number <= 23; ++number) {
+    EXPECT_EQ(effect.BlendMode.GetEntry(number - 1), names[number - 1]) << number;
   }
-  EXPECT_EQ(names,
-            "Origin Intensity RayLength Radius Contrast GammaCorrection ColorBalance UseImageColor "
-            "Hue Saturation Lightness SelectionLow SelectionHigh SelectionSoften SelectionClimax "
-            "ColorLow ColorHigh Mode BlendMode SelectionShow Randomize* Randomize Button* ");
-  EXPECT_EQ(limits, (Numbers{0,  1000, 5,   0,  1, 1, 0,  1000, 5, 0,  1000, 2, 0, 1000, 3,
-                             -1, 1,    1,   -1, 1, 1, -1, 1,    1, -1, 1,    1, 0, 255,  255,
-                             0,  255,  255, 0,  3, 3, -1, 1,    1, 2,  23,   3, 0, 1000, 1}));
+  EXPECT_EQ(static_cast<int>(BlendMode::addition), 5);
+  EXPECT_EQ(static_cast<int>(BlendMode::subtraction), 6);
+  EXPECT_FALSE(effect.BlendMode.SetValue(24));
+  effect.BlendMode.SetValue(0);
+  effect.BlendMode.Validate();
+  EXPECT_EQ(effect.BlendMode.value(), 1);
 }
 
 // The rest is the user's own. The millisecond is the seed, so most presses repeat the one before.
 TEST(RandomizeButton, MovesTheOtherSeventeenWithinTheAmountAsOneStepOfTheHistory) {
   Filter f;
   f.filter.undoHistory.bEnabled = true;
+  static_cast<pfParameterFloat&>(*f.all[20]).SetValue(0.0);
+  const Numbers untouched = f.values();
+  static_cast<pfParameterBool&>(*f.all[21]).SetValue(false);
+  EXPECT_NEAR(f.values()[22], untouched[22], 0.0);  // the mode, by no amount
+  f.filter.undoHistory.Undo();
   static_cast<pfParameterFloat&>(*f.all[20]).SetValue(0.9);
   const Numbers before = f.values();
   std::set<std::size_t> moved;
@@ -160,18 +86,58 @@ TEST(RandomizeButton, MovesTheOtherSeventeenWithinTheAmountAsOneStepOfTheHistory
                                           12, 13, 14, 15, 16, 17, 18, 19, 20, 21, 22}));
 }
 
-TEST(ResetParameters, RestoresTwentyDefaultsAndOneUndoTakesThemAllBack) {
-  Filter f;
-  static_cast<pfParameterFloat&>(*f.all[20]).SetValue(1.0);
-  static_cast<pfParameterBool&>(*f.all[7]).SetValue(false);
-  const Numbers changed = f.values();
-  f.filter.undoHistory.bEnabled = true;
-  f.filter.ResetParameters(true);
-  Numbers expected = Filter().values();
-  expected[25] = 1.0;  // the random step's own stays
-  EXPECT_EQ(f.values(), expected);
-  EXPECT_TRUE(f.filter.undoHistory.Undo());
-  EXPECT_EQ(f.values(), changed);
+// Notes that it was applied, and counts itself.
+struct Note final : pfUndo {
+  Note(int n, std::string& log) : number(n), applied(log) { ++live; }
+  ~Note() override { --live; }
+  void Apply() override { applied += std::to_string(number); }
+  int number;
+  std::string& applied;
+  static inline int live = 0;
+};
+
+// A digit pushes a step of so many records, u undoes and r redoes; returns the numbers that were
+// applied, and - where the ring says that there was nothing.
+struct History {
+  std::string play(const std::string& moves) {
+    applied.clear();
+    for (const char move : moves) {
+      if (move == 'u') applied += ring.Undo() ? " " : "- ";
+      if (move == 'r') applied += ring.Redo() ? " " : "- ";
+      if (move <= '9') push(move - '0');
+    }
+    return applied;
+  }
+  void push(int records) {
+    while (records-- > 0) ring.Push(std::make_unique<Note>(next++, applied));
+    ++ring.nGroup;
+  }
+  explicit History(bool enabled = true) { ring.bEnabled = enabled; }
+  std::string applied;
+  int next = 0;
+  UndoHistory ring;
+};
+
+TEST(UndoHistory, StepsRunBackAndForthAndANewOneCutsOffTheRest) {
+  EXPECT_EQ(History().play("ur213uuruuurrrr"), "- - 543 2 2 2 10 - 01 2 345 - ");
+  EXPECT_EQ(History().play("13u1rurruur"), "321 - 4 4 - 4 0 0 ");
+  EXPECT_EQ(History(false).play("2ur"), "- - ");
+}
+
+TEST(UndoHistory, AFullRingForgetsItsOldestGroupWhole) {
+  History h;
+  for (int i = 0; i < 166; ++i) h.play("3");
+  h.play("2");
+  EXPECT_EQ(h.ring.nOldest, 0);
+  h.play("12");  // one record too many takes three, the next two find room
+  EXPECT_EQ(h.ring.nOldest, 3);
+  h.play("1");
+  EXPECT_EQ(Note::live, 500);
+  while (h.ring.nCurrent > 9) h.ring.Undo();
+  EXPECT_EQ(h.play("uur"), "876 - 678 ");
+  History whole;  // a group that fills the ring makes room for the one behind it
+  whole.push(500);
+  EXPECT_EQ(whole.play("1uurr"), "500 - 500 - ");
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
+#include <functional>
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -36,38 +37,31 @@ class UserStore : public testing::Test {
   std::string content() const { return folder_.read("radiashafts/settings"); }
 
   const TestFolder folder_;
+  PresetSet set_;
 };
 
-TEST_F(UserStore, IsATextThatKeepsWhatItDoesNotKnow) {
-  write("# by hand\n[A]\nOne = dword:1\n\nlost line\n\n[B]\nOne = bytes:00\nFuture = qword:1");
+TEST_F(UserStore, IsATextThatKeepsWhatItDoesNotKnowAndReadsDamageAsAbsent) {
+  const std::string noise("\0]\xff[A\n=\n = \n[\n[]\r\n", 18);
+  const std::string before =
+      noise + "# by hand\n[A]\nn = dword:\nm = dword:123456789\nlost line\n\n";
+  write(before + "[B]\nOne = bytes:0\nFuture = qword:1\nTwo = bytes:0g");
   UserKey::createForWriting("A")->writeText("Two", "a\nb\\");
   UserKey::createForWriting("B")->writeNumber("One", 10);
   UserKey::createForWriting("C");
-  EXPECT_EQ(content(),
-            "# by hand\n[A]\nOne = dword:1\n\nlost line\nTwo = text:a\\nb\\\\\n\n[B]\n"
-            "One = dword:0000000a\nFuture = qword:1\n\n[C]\n");
-  EXPECT_EQ(UserKey::openForReading("A")->readNumber("One"), 1U);
+  EXPECT_EQ(content(), before.substr(0, before.size() - 1) + "Two = text:a\\nb\\\\\n\n[B]\n" +
+                           "One = dword:0000000a\nFuture = qword:1\nTwo = bytes:0g\n\n[C]\n");
   EXPECT_EQ(UserKey::openForReading("A")->readText("Two"), "a\nb\\");
-}
-
-TEST_F(UserStore, DamageReadsAsAbsentAndTheRestStands) {
-  const std::string noise("\0]\xff[A\n=\n = \n[\n[]\r\n", 18);
-  write(noise + "[A]\nn = dword:\nm = dword:123456789\nk = dword:-1\nb = bytes:0\nc = bytes:0g\n" +
-        noise + "t = text");
-  const auto key = UserKey::openForReading("A");
-  ASSERT_TRUE(key);
-  for (const char* name : {"n", "m", "k", "b", "c", "t", ""}) {
-    std::uint8_t byte = 0;
-    EXPECT_FALSE(key->readNumber(name) || key->readText(name) || key->readBytes(name, &byte, 1))
-        << name;
+  std::uint8_t byte = 0;
+  for (const char* name : {"n", "m", "Future", "Two", ""}) {
+    for (const char* path : {"A", "B"}) {
+      const auto key = UserKey::openForReading(path);
+      EXPECT_FALSE(key->readNumber(name) || key->readBytes(name, &byte, 1)) << name;
+    }
   }
-  UserKey::createForWriting("A")->writeNumber("n", 5);
-  EXPECT_EQ(UserKey::openForReading("A")->readNumber("n"), 5U);
   fs::remove(folder_.path("radiashafts/settings"));
   fs::create_directory(folder_.path("radiashafts/settings"));
-  EXPECT_FALSE(UserKey::openForReading("A"));
   UserKey::createForWriting("A")->writeNumber("n", 5);
-  EXPECT_TRUE(fs::is_empty(folder_.path("radiashafts/settings")));
+  EXPECT_FALSE(UserKey::openForReading("A"));
 }
 
 TEST_F(UserStore, LivesInTheHomeWhereNoOtherFolderIsNamed) {
@@ -86,7 +80,7 @@ TEST_F(UserStore, LivesInTheHomeWhereNoOtherFolderIsNamed) {
 TEST_F(UserStore, ManyWritersLoseNothing) {
   constexpr int writers = 8;
   const auto nameOf = [](int i, std::uint32_t n) { return std::to_string(i) + std::to_string(n); };
-  PresetSet set;
+  pfParameters& parameters = set_.parameters;
   const std::string path = folder_.path("p.cfg");
   for (int i = 0; i < writers; ++i) {
     if (fork() != 0) continue;
@@ -95,14 +89,11 @@ TEST_F(UserStore, ManyWritersLoseNothing) {
       std::string failure;
       do {
         failure.clear();
-        set.parameters.SaveSettings(nameOf(i, n), path, "Us", &failure);
+        parameters.SaveSettings(nameOf(i, n), path, "Us", &failure);
       } while (!failure.empty());
-      if (i == 0 && n > 0) {
-        const std::string gone = nameOf(i, n - 1);
-        while (set.parameters.LoadSettings(gone, path, nullptr) &&
-               !set.parameters.DeleteSettings(gone, path)) {
-        }
-      }
+      if (i > 0 || n == 0) continue;
+      const std::string gone = nameOf(i, n - 1);
+      while (parameters.LoadSettings(gone, path, nullptr)) parameters.DeleteSettings(gone, path);
     }
     _exit(0);
   }
@@ -111,128 +102,98 @@ TEST_F(UserStore, ManyWritersLoseNothing) {
   for (int i = 0; i < writers; ++i) {
     for (std::uint32_t n = 0; n < 5; ++n) {
       EXPECT_EQ(key->readNumber(nameOf(i, n)), n);
-      EXPECT_EQ(set.parameters.LoadSettings(nameOf(i, n), path, nullptr), i > 0 || n == 4)
-          << nameOf(i, n);
+      EXPECT_EQ(parameters.LoadSettings(nameOf(i, n), path, nullptr), i > 0 || n == 4) << i << n;
     }
   }
 }
 
 constexpr char old[] = "FileOwner Us\n\nname A\nAmount 1\n";
 
-struct PresetFile {
-  PresetFile() { folder.write("p.cfg", old); }
+struct PresetsOnThisSystem : testing::Test, TestFolder {
+  PresetsOnThisSystem() { write("p.cfg", old); }
+  // Whether it was told so.
   bool save(const std::string& name = "B") {
-    failure.clear();
-    return set.parameters.SaveSettings(name, path, "Us", &failure);
+    std::string failure;
+    return set.parameters.SaveSettings(name, file, "Us", &failure) && failure.empty();
   }
-  TestFolder folder;
-  std::string path = folder.path("p.cfg");
+  // What a forked process answers.
+  static int exitCodeOf(const std::function<int()>& work) {
+    const pid_t child = fork();
+    if (child == 0) _exit(work());
+    int status = 0;
+    waitpid(child, &status, 0);
+    return WEXITSTATUS(status);
+  }
+  std::string file = path("p.cfg");
   PresetSet set;
-  std::string failure;
 };
 
 int stepsToEnd = 0;
 
-TEST(PresetsOnThisSystem, AProcessThatEndsAnywhereLeavesTheOldFileOrTheNewOne) {
-  PresetFile file;
+TEST_F(PresetsOnThisSystem, AProcessThatEndsAnywhereOrAFullDiskLeavesTheOldFile) {
   for (int step = 0; step < 4; ++step) {
-    const pid_t child = fork();
-    if (child == 0) {
-      stepsToEnd = step;
-      platform::replaceFault = [](ReplaceStep) {
-        if (stepsToEnd-- == 0) _exit(7);
-        return false;
-      };
-      file.save();
-      _exit(0);
-    }
-    int status = 0;
-    waitpid(child, &status, 0);
-    ASSERT_EQ(WEXITSTATUS(status), 7);
-    EXPECT_EQ(file.folder.read("p.cfg"), old) << step;
+    EXPECT_EQ(exitCodeOf([&] {
+                stepsToEnd = step;
+                platform::replaceFault = [](ReplaceStep) {
+                  if (stepsToEnd-- == 0) _exit(7);
+                  return false;
+                };
+                return save();
+              }),
+              7);
+    EXPECT_EQ(read("p.cfg"), old) << step;
   }
-  EXPECT_EQ(file.folder.fileCount(), 2);  // what the last one left
-  EXPECT_TRUE(file.save());
-  EXPECT_EQ(file.failure, "");
-  EXPECT_EQ(file.folder.fileCount(), 1);
+  EXPECT_EQ(fileCount(), 2);  // what the last one left
+  EXPECT_EQ(exitCodeOf([&] {
+              std::signal(SIGXFSZ, SIG_IGN);
+              const rlimit limit{100, 100};
+              setrlimit(RLIMIT_FSIZE, &limit);
+              return save() ? 1 : 7;
+            }),
+            7);
+  EXPECT_EQ(read("p.cfg"), old);
+  EXPECT_TRUE(save());
+  EXPECT_EQ(fileCount(), 1);
 }
 
-TEST(PresetsOnThisSystem, AFullDiskLeavesTheOldFile) {
-  PresetFile file;
-  const pid_t child = fork();
-  if (child == 0) {
-    std::signal(SIGXFSZ, SIG_IGN);
-    const rlimit limit{100, 100};
-    setrlimit(RLIMIT_FSIZE, &limit);
-    _exit(file.save() && !file.failure.empty() ? 7 : 1);
+TEST_F(PresetsOnThisSystem, LinksRightsAndLongNamesStay) {
+  chmod(file.c_str(), 0444);
+  EXPECT_FALSE(save());
+  EXPECT_EQ(read("p.cfg"), old);
+  fs::create_directory(path("elsewhere"));
+  fs::rename(file, path("elsewhere/real.cfg"));
+  fs::create_symlink("elsewhere/real.cfg", file);
+  chmod(file.c_str(), 0640);
+  EXPECT_TRUE(save());
+  EXPECT_TRUE(fs::is_symlink(file));
+  EXPECT_NE(read("elsewhere/real.cfg"), old);
+  EXPECT_EQ(fs::status(file).permissions(), fs::perms(0640));
+  for (const std::size_t length : {249U, 252U}) {
+    file = path(std::string(length, 'n') + "tmp");
+    EXPECT_TRUE(save("A") && save("B")) << length;
+    EXPECT_TRUE(set.parameters.LoadSettings("A", file, nullptr)) << length;
   }
-  int status = 0;
-  waitpid(child, &status, 0);
-  EXPECT_EQ(WEXITSTATUS(status), 7);
-  EXPECT_EQ(file.folder.read("p.cfg"), old);
-  EXPECT_EQ(file.folder.fileCount(), 1);
-}
-
-TEST(PresetsOnThisSystem, LinksRightsAndLongNamesStay) {
-  PresetFile file;
-  chmod(file.path.c_str(), 0444);
-  file.save();
-  EXPECT_NE(file.failure, "");
-  EXPECT_EQ(file.folder.read("p.cfg"), old);
-  fs::create_directory(file.folder.path("elsewhere"));
-  fs::rename(file.path, file.folder.path("elsewhere/real.cfg"));
-  fs::create_symlink("elsewhere/real.cfg", file.path);
-  chmod(file.path.c_str(), 0640);
-  ASSERT_TRUE(file.save());
-  EXPECT_TRUE(fs::is_symlink(file.path));
-  EXPECT_NE(file.folder.read("elsewhere/real.cfg"), old);
-  struct stat facts {};
-  stat(file.path.c_str(), &facts);
-  EXPECT_EQ(facts.st_mode & 0777, 0640U);
-  for (const int length : {249, 252}) {
-    file.path = file.folder.path(std::string(static_cast<std::size_t>(length), 'n') + "tmp");
-    EXPECT_TRUE(file.save("A") && file.save("B")) << length;
-    EXPECT_EQ(file.failure, "") << length;
-    EXPECT_TRUE(file.set.parameters.LoadSettings("A", file.path, nullptr)) << length;
-  }
-  EXPECT_EQ(file.folder.fileCount(), 4);
+  EXPECT_EQ(fileCount(), 4);
 }
 
 int other = -1;
 int tries = 0;
 
-TEST(PresetsOnThisSystem, WhoFindsAnotherAtTheFileWaitsAndThenLeavesBothAlone) {
-  PresetFile file;
-  file.folder.write("p.cfgtmp", "half");
-  other = open((file.path + "tmp").c_str(), O_RDONLY | O_CLOEXEC);
+TEST_F(PresetsOnThisSystem, WhoFindsAnotherAtTheFileWaitsAndThenLeavesBothAlone) {
+  write("p.cfgtmp", "half");
+  other = open((file + "tmp").c_str(), O_RDONLY | O_CLOEXEC);
   ASSERT_EQ(flock(other, LOCK_EX), 0);
-  EXPECT_TRUE(file.save());
-  EXPECT_NE(file.failure, "");
-  EXPECT_FALSE(file.set.parameters.DeleteSettings("A", file.path));
-  EXPECT_EQ(file.folder.read("p.cfg"), old);
-  EXPECT_EQ(file.folder.read("p.cfgtmp"), "half");
+  EXPECT_FALSE(save());
+  EXPECT_FALSE(set.parameters.DeleteSettings("A", file));
+  EXPECT_EQ(read("p.cfg") + read("p.cfgtmp"), old + std::string("half"));
   tries = 0;
   platform::replaceFault = [](ReplaceStep) {
     if (++tries == 3) close(other);
     return false;
   };
-  EXPECT_TRUE(file.save());
+  EXPECT_TRUE(save());
   platform::replaceFault = nullptr;
-  EXPECT_EQ(file.failure, "");
-  EXPECT_NE(file.folder.read("p.cfg"), old);
-}
-
-TEST(PresetsOnThisSystem, PipesAndDevicesAreNoPresetFiles) {
-  const TestFolder folder;
-  ASSERT_EQ(mkfifo(folder.path("pipe").c_str(), 0600), 0);
-  PresetSet set;
-  for (const std::string& path : {folder.path("pipe"), std::string("/dev/null")}) {
-    std::string owner = "Us";
-    EXPECT_FALSE(set.parameters.IsSettingFileValid(path, owner));
-    EXPECT_FALSE(set.parameters.SaveSettings("A", path, "Us"));
-    EXPECT_FALSE(set.parameters.LoadSettings("A", path, nullptr));
-    EXPECT_FALSE(fs::is_regular_file(path));
-  }
+  EXPECT_NE(read("p.cfg"), old);
 }
 
 }  // namespace

@@ -7,8 +7,6 @@
 
 #include <sanitizer/asan_interface.h>
 
-#include "interface/model/preview.h"
-#include "interface/model/preview_view.h"
 #include "standin/descriptors.h"
 #include "tests/fuzz/fuzzing.h"
 #include "tests/support/fake_interface.h"
@@ -22,20 +20,10 @@ using standin::Service;
 
 constexpr hostapi::OSErr requestRefused = -30100;
 
-enum Trait {
-  noAbort = 1,
-  noProgress = 2,
-  noAdvance = 4,
-  noSuites = 8,
-  noBuffers = 16,
-  noHandles = 32,
-  noDescriptors = 64,
-  noTables = 128,
-  strayMask = 256,
-  noMask = 512,
-  emptyIsNotNull = 1024,
-  userCancels = 2048
-};
+// Bits of a host's traits.
+constexpr int noAbort = 1, noProgress = 2, noAdvance = 4, noSuites = 8, noBuffers = 16,
+              noHandles = 32, noDescriptors = 64, noTables = 128, strayMask = 256, noMask = 512,
+              emptyIsNotNull = 1024, userCancels = 2048;
 
 // The memory behind a rectangle. What lies between rows is fenced like what lies around.
 struct Buffer {
@@ -97,7 +85,7 @@ class Host {
   Host& operator=(const Host&) = delete;
   ~Host() { standin::disposeHandle(descriptors_.descriptor); }
 
-  bool has(Trait trait) const { return (traits_ & trait) != 0; }
+  bool has(int trait) const { return (traits_ & trait) != 0; }
 
   void call(int selector) {
     std::int16_t result = 0;
@@ -122,15 +110,12 @@ class Host {
   static inline Host* host = nullptr;
 
  private:
-  // One 16-bit word of a record, behind the procs at its front.
-  struct Edit {
-    std::uint8_t word;
-    std::int16_t value;
-  };
+  // 16-bit words of a record, behind the procs at its front.
+  using Edits = std::vector<std::pair<std::uint8_t, std::int16_t>>;
 
-  static std::vector<Edit> takeEdits(Input& input) {
-    std::vector<Edit> edits(input.take() % 32);
-    for (Edit& edit : edits) edit = {input.take(), input.take<std::int16_t>()};
+  static Edits takeEdits(Input& input) {
+    Edits edits(input.take() % 32);
+    for (auto& [word, value] : edits) word = input.take(), value = input.take<std::int16_t>();
     return edits;
   }
 
@@ -163,7 +148,7 @@ class Host {
   }
 
   // A host makes up any number, and no procs and addresses.
-  void edit(const std::vector<Edit>& edits) {
+  void edit(const Edits& edits) {
     FilterRecord& record = *record_;
     for (const auto& [word, value] : edits) {
       std::memcpy(reinterpret_cast<char*>(&record.imageSize) + 2 * std::size_t{word}, &value,
@@ -221,40 +206,19 @@ class Host {
   hostapi::SPBasicSuite basicSuite_{};
   std::unique_ptr<std::uint8_t[]> memory_[3];
   void* data_[3] = {};
-  std::vector<Edit> answer_;
+  Edits answer_;
   std::span<const std::uint8_t> pattern_;
   bool isStraight_ = true;
   int traits_, padding_, offset_, abortAt_;
 };
 
-// A user who looks at the picture, and closer.
-class LookingPreview final : public pfPreview {
- public:
-  bool Show(EditedFilter* filter, FilterRecord* record, WidgetList*) override {
-    view_.open(filter, record);
-    view_.FitScaleToFrame();
-    view_.RenderUntilFinal();
-    view_.ZoomBy(-1);
-    view_.RenderUntilFinal();
-    view_.close();
-    return !Host::host->has(userCancels);
-  }
-  void RequestRender() override { view_.RequestRender(); }
-  bool AlternativeColorSelection(FilterRecord*, double*, double*, double*) override {
-    return false;
-  }
-
- private:
-  FakeWindows windows_;
-  PreviewView view_{windows_};
-};
-
 }  // namespace
 }  // namespace test
 
-// In place of the module's own.
+// In place of the module's own: a user who looks at the picture, and closer.
 std::unique_ptr<pfPreview> MakePreview() {
-  return std::make_unique<test::LookingPreview>();
+  return std::make_unique<test::LookingPreview>(
+      std::vector<int>{0, -1}, [] { return !test::Host::host->has(test::userCancels); });
 }
 void ShowAbout(const std::string&) {}
 

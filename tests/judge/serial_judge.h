@@ -3,6 +3,7 @@
 // speed, and its results are what the production render must reproduce.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -20,23 +21,13 @@ struct Picture {
 };
 
 struct Values {
-  double originX = 0.5;  // as a fraction of the picture's size
-  double originY = 0.5;
-  double intensity = 2.0;
-  double rayLength = 1.0;
-  double radius = 2.0;
-  double contrast = 0.0;
-  double gamma = 1.0;
-  double colorBalance = 0.0;
-  double hue = 0.0;
-  double saturation = 0.0;
-  double lightness = 0.0;
-  double selectionLow = 0.0;  // 0..255 at every depth
-  double selectionHigh = 255.0;
-  double selectionSoften = 0.0;
-  double selectionClimax = 1.0;
-  double colorLow[3] = {1.0, 1.0, 1.0};
-  double colorHigh[3] = {1.0, 1.0, 1.0};
+  double originX = 0.5, originY = 0.5;  // as fractions of the picture's size
+  double intensity = 2.0, rayLength = 1.0, radius = 2.0;
+  double contrast = 0.0, gamma = 1.0, colorBalance = 0.0;
+  double hue = 0.0, saturation = 0.0, lightness = 0.0;
+  double selectionLow = 0.0, selectionHigh = 255.0;  // 0..255 at every depth
+  double selectionSoften = 0.0, selectionClimax = 1.0;
+  double colorLow[3] = {1.0, 1.0, 1.0}, colorHigh[3] = {1.0, 1.0, 1.0};
   bool useImageColor = true;
   int mode = 1;           // 1 straight, anything else smooth
   int blendMode = 3;      // 1..23
@@ -48,10 +39,18 @@ struct Values {
 Picture render(const Picture& input, const std::uint8_t* mask, const Values& values,
                double viewScaleX = 1.0, double viewScaleY = 1.0);
 
-// The two smears alone, in place on a tight image of `channels` interleaved channels.
-void straightRays(std::vector<float>& image, int width, int height, int channels, int originX,
-                  int originY, double length);
-void smoothRays(std::vector<float>& image, int width, int height, int channels, int originX,
-                int originY, double length);
+struct FloatImage {
+  int width, height, channels;
+  std::vector<float> samples;
+
+  // The first sample of a pixel.
+  std::size_t index(int x, int y) const {
+    return (static_cast<std::size_t>(y) * width + x) * channels;
+  }
+};
+
+// The two smears, in place, from an origin in whole pixels.
+void straightRays(FloatImage& image, int originX, int originY, double length);
+void smoothRays(FloatImage& image, int originX, int originY, double length);
 
 }  // namespace judge

@@ -9,9 +9,11 @@
 
 #include "hostapi/constants.h"
 #include "interface/model/control_panel.h"
+#include "interface/model/dialog_windows.h"
 #include "interface/model/edited_filter.h"
 #include "interface/model/live_preview.h"
-#include "interface/model/dialog_windows.h"
+#include "interface/model/preview.h"
+#include "interface/model/preview_view.h"
 
 namespace radiashafts::test {
 
@@ -82,6 +84,35 @@ struct FakeWindows final : DialogWindows {
   bool captured = false, pipette = false, dialogs = true;
   std::optional<std::array<std::uint8_t, 3>> onScreen;
   std::map<int, Box> boxes;
+};
+
+// A user who zooms by each of the steps, looks at the picture, and confirms or cancels.
+struct LookingPreview final : pfPreview {
+  LookingPreview(std::vector<int> zoomSteps, std::function<bool()> confirmed)
+      : steps(std::move(zoomSteps)), confirms(std::move(confirmed)) {}
+  bool Show(EditedFilter* filter, hostapi::FilterRecord* record, WidgetList*) override {
+    struct Opening {
+      PreviewView& view;
+      ~Opening() { view.close(); }
+    } const opening{view};
+    view.open(filter, record);
+    view.FitScaleToFrame();
+    for (const int step : steps) {
+      view.ZoomBy(step);
+      view.RequestRender();
+      view.RenderUntilFinal();
+    }
+    return confirms();
+  }
+  void RequestRender() override { view.RequestRender(); }
+  bool AlternativeColorSelection(hostapi::FilterRecord*, double*, double*, double*) override {
+    return false;
+  }
+
+  std::vector<int> steps;
+  std::function<bool()> confirms;
+  FakeWindows windows;
+  PreviewView view{windows};
 };
 
 // A host and a filter in one. It notes "S2 " for a picture fetched at the factor 2 and "R1 " for a

@@ -1,7 +1,10 @@
+// How long tests run, and from which seeds.
 #pragma once
 
 #include <cstdlib>
 #include <iostream>
+
+#include <gtest/gtest.h>
 
 namespace radiashafts::test {
 
@@ -21,12 +24,26 @@ inline constexpr bool isSanitized = true;
 inline constexpr bool isSanitized = false;
 #endif
 
-// The seed of random cases: that of the environment, which plays a failure again, or a new one.
-inline unsigned testSeed() {
+// What the environment adds to the seeds of random cases, 0 for none.
+inline unsigned seedOfRun() {
   const char* wanted = std::getenv("RADIASHAFTS_SEED");
-  const unsigned seed = wanted != nullptr ? static_cast<unsigned>(std::atoi(wanted)) : 1;
-  std::cout << "RADIASHAFTS_SEED=" << seed << '\n';
-  return seed;
+  return wanted != nullptr ? static_cast<unsigned>(std::atoi(wanted)) : 0;
 }
+
+// The seed of a test's random cases, from a number of its own.
+inline unsigned testSeed(unsigned own = 1) {
+  return own + 1000003 * seedOfRun();
+}
+
+// Every failure tells the environment that plays it again.
+struct SeedTeller final : testing::EmptyTestEventListener {
+  void OnTestPartResult(const testing::TestPartResult& result) override {
+    if (result.failed()) std::cout << "with RADIASHAFTS_SEED=" << seedOfRun() << '\n';
+  }
+};
+inline const bool seedIsTold = [] {
+  testing::UnitTest::GetInstance()->listeners().Append(new SeedTeller);
+  return true;
+}();
 
 }  // namespace radiashafts::test

@@ -20,41 +20,19 @@ double randomSample(Random& random, int depth) {
   return uniform(random, 0.0, depth == 32 && kind == 2 ? 1.5 : range);
 }
 
-template <class Sample>
-void storeSample(std::uint8_t* to, double value) {
-  const auto sample = static_cast<Sample>(value);
-  std::memcpy(to, &sample, sizeof sample);
-}
-
-template <class Sample>
-double loadSample(const std::uint8_t* from) {
-  Sample sample;
-  std::memcpy(&sample, from, sizeof sample);
-  return sample;
+// Calls with the address of a sample of the picture's type.
+template <class Action>
+auto withSample(const standin::Picture& picture, std::size_t index, const Action& action) {
+  auto* const at = const_cast<std::uint8_t*>(&picture.bytes[index * picture.sampleBytes()]);
+  if (picture.depth == 8) return action(at);
+  if (picture.depth == 16) return action(reinterpret_cast<std::uint16_t*>(at));
+  return action(reinterpret_cast<float*>(at));
 }
 
 void store(standin::Picture& picture, std::size_t index, double value) {
-  std::uint8_t* to = picture.bytes.data() + index * picture.sampleBytes();
-  switch (picture.depth) {
-    case 8:
-      return storeSample<std::uint8_t>(to, value);
-    case 16:
-      return storeSample<std::uint16_t>(to, value);
-    default:
-      return storeSample<float>(to, value);
-  }
-}
-
-double load(const standin::Picture& picture, std::size_t index) {
-  const std::uint8_t* from = picture.bytes.data() + index * picture.sampleBytes();
-  switch (picture.depth) {
-    case 8:
-      return loadSample<std::uint8_t>(from);
-    case 16:
-      return loadSample<std::uint16_t>(from);
-    default:
-      return loadSample<float>(from);
-  }
+  withSample(picture, index, [value](auto* sample) {
+    *sample = static_cast<std::remove_pointer_t<decltype(sample)>>(value);
+  });
 }
 
 }  // namespace
@@ -84,57 +62,52 @@ standin::Mask randomMask(Random& random, int width, int height) {
 
 judge::Values randomValues(Random& random) {
   judge::Values v;
-  v.originX = uniform(random, -0.4, 1.4);
-  v.originY = uniform(random, -0.4, 1.4);
-  v.intensity = uniform(random, 0.0, 4.0);
-  v.rayLength = uniform(random, 0.05, 1.0);
-  v.radius = uniform(random, 0.1, 3.0);
-  v.contrast = uniform(random, 0.0, 0.5);
-  v.gamma = uniform(random, 0.4, 2.5);
-  v.colorBalance = uniform(random, -1.0, 1.0);
-  v.hue = uniform(random, -1.0, 1.0);
-  v.saturation = uniform(random, -1.0, 1.0);
-  v.lightness = uniform(random, -0.4, 0.4);
-  v.selectionLow = uniform(random, 0.0, 100.0);
-  v.selectionHigh = uniform(random, 100.0, 255.0);
-  v.selectionSoften = uniform(random, 0.0, 2.0);
-  v.selectionClimax = uniform(random, -1.0, 1.0);
-  for (double& c : v.colorLow) c = uniform(random, 0.0, 1.0);
-  for (double& c : v.colorHigh) c = uniform(random, 0.0, 1.0);
+  // The default or an end of the range half of the time.
+  const auto draw = [&random](double& value, double low, double high) {
+    const int kind = std::uniform_int_distribution<int>(0, 5)(random);
+    if (kind == 1) value = low;
+    if (kind == 2) value = high;
+    if (kind > 2) value = uniform(random, low, high);
+  };
+  draw(v.originX, -0.4, 1.4);
+  draw(v.originY, -0.4, 1.4);
+  draw(v.intensity, 0.0, 5.0);
+  draw(v.rayLength, 0.0, 1.0);
+  draw(v.radius, 0.0, 5.0);
+  draw(v.contrast, 0.0, 2.0);
+  draw(v.gamma, 0.1, 3.0);  // less gives floats that are no numbers
+  draw(v.colorBalance, -1.0, 1.0);
+  draw(v.hue, -1.0, 1.0);
+  draw(v.saturation, -1.0, 1.0);
+  draw(v.lightness, -1.0, 1.0);
+  draw(v.selectionLow, 0.0, 255.0);
+  draw(v.selectionHigh, 0.0, 255.0);
+  draw(v.selectionSoften, 0.0, 3.0);
+  draw(v.selectionClimax, -1.0, 1.0);
+  for (double& c : v.colorLow) draw(c, 0.0, 1.0);
+  for (double& c : v.colorHigh) draw(c, 0.0, 1.0);
   v.useImageColor = uniform(random, 0.0, 1.0) < 0.5;
   return v;
 }
 
 standin::Script scriptOf(const judge::Values& v) {
+  using standin::ScriptValue;
+  const ScriptValue values[] = {
+      v.originX,         v.originY,      v.intensity,    v.rayLength,     v.radius,
+      v.contrast,        v.gamma,        v.colorBalance, v.useImageColor, v.hue,
+      v.saturation,      v.lightness,    v.selectionLow, v.selectionHigh, v.selectionSoften,
+      v.selectionClimax, v.colorLow[0],  v.colorLow[1],  v.colorLow[2],   v.colorHigh[0],
+      v.colorHigh[1],    v.colorHigh[2], v.mode,         v.blendMode,     v.selectionShow};
+  constexpr char keys[] =
+      "ORIXORIYINTERALERADICONTGAMACOBAIMCOHSLHHSLSHSLLSELL"
+      "SELHSELSSELCCOLRCOLGCOLBCOHRCOHGCOHB"
+      "MODEBLNDSHOW";
   standin::Script script;
-  const auto put = [&script](const char(&key)[5], standin::ScriptValue value) {
-    script.emplace_back(hostapi::fourCharacterCode(key), value);
-  };
-  put("ORIX", v.originX);
-  put("ORIY", v.originY);
-  put("INTE", v.intensity);
-  put("RALE", v.rayLength);
-  put("RADI", v.radius);
-  put("CONT", v.contrast);
-  put("GAMA", v.gamma);
-  put("COBA", v.colorBalance);
-  put("IMCO", v.useImageColor);
-  put("HSLH", v.hue);
-  put("HSLS", v.saturation);
-  put("HSLL", v.lightness);
-  put("SELL", v.selectionLow);
-  put("SELH", v.selectionHigh);
-  put("SELS", v.selectionSoften);
-  put("SELC", v.selectionClimax);
-  put("COLR", v.colorLow[0]);
-  put("COLG", v.colorLow[1]);
-  put("COLB", v.colorLow[2]);
-  put("COHR", v.colorHigh[0]);
-  put("COHG", v.colorHigh[1]);
-  put("COHB", v.colorHigh[2]);
-  put("MODE", v.mode);
-  put("BLND", v.blendMode);
-  put("SHOW", v.selectionShow);
+  const char* key = keys;
+  for (const ScriptValue& value : values) {
+    script.emplace_back(hostapi::fourCharacterCode({key[0], key[1], key[2], key[3], '\0'}), value);
+    key += 4;
+  }
   return script;
 }
 
@@ -146,8 +119,10 @@ judge::Picture judgePicture(const standin::Picture& picture) {
                         picture.colorPlanes,
                         picture.hasAlpha,
                         {}};
-  result.samples.resize(picture.sampleCount());
-  for (std::size_t i = 0; i < result.samples.size(); ++i) result.samples[i] = load(picture, i);
+  for (std::size_t i = 0; i < picture.sampleCount(); ++i) {
+    result.samples.push_back(
+        withSample(picture, i, [](auto* sample) { return static_cast<double>(*sample); }));
+  }
   return result;
 }
 

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cstdlib>
 #include <iostream>
 #include <thread>
 #include <vector>
@@ -56,6 +57,10 @@ std::vector<double> timesOfMoves(DWORD rest) {
   return times;
 }
 
+double percentageOf(const std::string& text) {
+  return std::strtod(text.c_str(), nullptr);
+}
+
 void measure() {
   HWND panel = nullptr;
   if (!test::eventually([&] { return (panel = test::findDialog("Radiashafts  V")) != nullptr; })) {
@@ -71,7 +76,7 @@ void measure() {
   const HWND percentage = GetDlgItem(panel, ID_PERCENTAGE);
   for (const char* zoom : {"16.67%", "6.667%"}) {
     for (; test::textOf(percentage) != zoom; Sleep(500)) {
-      const bool isSmaller = std::atof(test::textOf(percentage).c_str()) < std::atof(zoom);
+      const bool isSmaller = percentageOf(test::textOf(percentage)) < percentageOf(zoom);
       SendMessageA(panel, WM_COMMAND, isSmaller ? ID_ZOOM_IN : ID_ZOOM_OUT, 0);
     }
     for (const DWORD rest : {0U, 400U}) {

@@ -126,7 +126,8 @@ class Player {
   void perform(std::string line) {
     for (const auto& [name, path] : {std::pair{"$folder", workFolder().string()},
                                      std::pair{"$golden", std::string(RADIASHAFTS_GOLDEN)}}) {
-      for (std::size_t at; (at = line.find(name)) != std::string::npos;) line.replace(at, 7, path);
+      for (std::size_t at = 0; (at = line.find(name)) != std::string::npos;)
+        line.replace(at, 7, path);
     }
     std::istringstream stream(line + " then");
     Words words;

@@ -84,7 +84,7 @@ class PixelBlend {
 
   void overlay() {
     each([&](int k, Lanes b, Lanes p) {
-      return mixed(overlaid(b * toUnit, ray_[k] * toUnit) * range, b) + uncovered(p);
+      return composited(overlaid(b * toUnit, ray_[k] * toUnit) * range, b, p);
     });
     setAlpha(clampToRange<Pixel>(alphaOf(base_)));
     unpremultiply();
@@ -200,6 +200,13 @@ class PixelBlend {
     return (target - b) * rayAlpha_ + b;
   }
 
+  // The mix over the base, and the ray itself where the base is transparent. Without alpha nothing
+  // is added, not even 0, which would change the sign of a zero.
+  Lanes composited(Lanes target, Lanes b, Lanes p) const {
+    if constexpr (!hasAlpha) return target;
+    return mixed(target, b) + uncovered(p);
+  }
+
   // The part of the ray where the base is transparent.
   Lanes uncovered(Lanes p) const {
     if constexpr (!hasAlpha) return Lanes{};
@@ -231,7 +238,7 @@ class PixelBlend {
   void setHsl(Hsl target) {
     const Rgb rgb = hslToRgb(target);
     const std::array<Lanes, 3> channels{rgb.r, rgb.g, rgb.b};
-    each([&](int k, Lanes b, Lanes p) { return mixed(channels[k] * range, b) + uncovered(p); });
+    each([&](int k, Lanes b, Lanes p) { return composited(channels[k] * range, b, p); });
     finishCombinedAlpha();
   }
 

@@ -1,6 +1,6 @@
 // Whole runs through the module's entry against the plain serial judge.
 
-#include <cmath>
+#include <algorithm>
 
 #include <gtest/gtest.h>
 
@@ -15,13 +15,10 @@ namespace {
 
 class WholeRun : public testing::TestWithParam<int> {};
 
-// The sign of a zero, and of what is no number, is the processor's choice.
 int differingSamples(const standin::Picture& a, const standin::Picture& b) {
-  const judge::Picture one = judgePicture(a), other = judgePicture(b);
   int count = 0;
-  for (std::size_t i = 0; i < one.samples.size(); ++i) {
-    const double x = one.samples[i], y = other.samples[i];
-    if (x != y && !(std::isnan(x) && std::isnan(y))) ++count;
+  for (std::size_t i = 0; i < a.bytes.size(); i += a.sampleBytes()) {
+    if (!std::equal(&a.bytes[i], &a.bytes[i] + a.sampleBytes(), &b.bytes[i])) ++count;
   }
   return count;
 }
@@ -43,7 +40,7 @@ TEST_P(WholeRun, EqualsTheSerialJudge) {
     const bool extended = values.blendMode % 3 == 0 && (GetParam() - 1) % 6 != 4;
     const standin::Picture input =
         randomPicture(random, GetParam(), side(), side(), extended ? 2 : 0);
-    if (input.depth != 32 && round % 7 == 0) values.gamma = 0.0;
+    if (round % 7 == 0) values.gamma = 0.0;
     const standin::Mask mask = randomMask(random, input.width, input.height);
     const bool masked = values.blendMode % 2 == 0;
     standin::HostTraits traits;

@@ -1,9 +1,7 @@
 // Preset files: their bytes, what is read from any file, and that a change is whole or none.
 
 #include <cfloat>
-#include <climits>
 #include <cmath>
-#include <functional>
 #include <locale>
 
 #include <gtest/gtest.h>
@@ -39,21 +37,13 @@ TEST(Presets, AChangeReplacesAddsOrRemovesOneEntryInItsPlace) {
   } const cases[] = {
       {"A", "absent", "FileOwner Us$$name A$%"},
       {"My new one", "FileOwner Us\n", "FileOwner Us\n$name My_new_one$%"},
-      {"a", "FileOwner Us\n\nname A\nAmount 1\nOld 3\n\nname B\nFlag 1\n",
-       "FileOwner Us\n\nname A$%name B\nFlag 1\n"},
       {"A", "FILEOWNER us\r\n\r\nNAME A\r\nAmount 1\r\n\r\nNAME B\r\nFlag 1",
        "FILEOWNER us\r\n\r\nNAME A$%name B\r\nFlag 1"},
-      {"A", "FileOwner Us\nname A\nname A\nFlag 1", "FileOwner Us\nname A$%name A\nFlag 1"},
-      {"name", "FileOwner Us\nname name\nFlag 1\nname B", "FileOwner Us\nname name$%name B"},
       // A keyword without a name would take the next token for it.
       {"A", "FileOwner Us\nname B\nname\n", "FileOwner Us\nname B\n$name A$%"},
-      {"A", "name A\nFlag 1\nFileOwner Us\nname B", "name A$%FileOwner Us\nname B"},
       {longName, "FileOwner Us\n", "FileOwner Us\n$name " + longName.substr(0, 255) + "$%"},
-      {"-A", "FileOwner Us\n\nname A\nAmount 1\n\nname B\nFlag 1\n",
-       "FileOwner Us$$name B\nFlag 1\n"},
       {"-A", "FileOwner Us\r\n\r\nname B\r\nFlag 1\r\n\r\nNAME a\r\nAmount 1\r\nName C",
        "FileOwner Us\r\n\r\nname B\r\nFlag 1$$name C"},
-      {"-A", "name A Flag 1 FileOwner Us", "$FileOwner Us"},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name + (" in " + c.before));
@@ -71,8 +61,6 @@ TEST(Presets, AChangeReplacesAddsOrRemovesOneEntryInItsPlace) {
 
 // The owner after asking; whether the file is ours; its names.
 TEST(Presets, AnyFileIsLookedAtAndOnlyOurOwnIsTouched) {
-  const std::string longToken(10000, 'x');
-  const std::string noise = std::string("\0\x1a\xff\xfe\n\r name \x80\0", 14) + longToken;
   struct {
     std::string content;
     bool ours;
@@ -80,18 +68,13 @@ TEST(Presets, AnyFileIsLookedAtAndOnlyOurOwnIsTouched) {
     Names names;
   } const cases[] = {
       {"absent", true, "Us", {}},
-      {"", false, "Us", {}},
       {"name A\nFlag 1\n", false, "Us", {}},
       {"FileOwner", false, "Us", {}},
-      {"name FileOwner Us", false, "Us", {}},
       {"FileOwner Them FileOwner Us", false, "Them", {}},
       {"#!text\nfileowner US\nNAME b\nname A Flag 1 name B\nname", true, "Us", {"b", "A", "B"}},
-      {noise, false, "Us", {}},
-      {"FileOwner Us " + noise + " name A", true, "Us", {std::string("\x80", 1), "A"}},
-      {"FileOwner Us name " + longToken + " name A", true, "Us", {longToken.substr(0, 255), "A"}},
   };
   for (const auto& c : cases) {
-    SCOPED_TRACE(c.content.substr(0, 40));
+    SCOPED_TRACE(c.content);
     const TestFolder folder;
     const std::string path = folder.path("p.cfg");
     if (c.content != "absent") folder.write("p.cfg", c.content);
@@ -121,11 +104,8 @@ TEST(Presets, LoadingTakesWhatTheEntryHoldsAsOneStepOfUndo) {
   } const cases[] = {
       {"Place 0.1 -3 Flag 1 Whole -7 Amount 1.5 Tint 0 0.2 1 Choice 3 Hidden 9",
        "0.1,-3 1 -7 1.5 0,0.2,1 3 0", 6},
-      {"", "0.5,0.25 0 0 2 1,0.5,0 2 0", 0},
-      {"AMOUNT 3 amount 4", "0.5,0.25 0 0 4 1,0.5,0 2 0", 2},
       // What is unknown goes with one value, and pairs fall in step again on a known name.
-      {"Foreign 1 Amount 3", "0.5,0.25 0 0 3 1,0.5,0 2 0", 1},
-      {"Foreign 1 2 Amount 3 Flag 1", "0.5,0.25 0 0 2 1,0.5,0 2 0", 0},
+      {"Foreign 1 Amount 3 Foreign 1 2 Amount 4 Flag 1", "0.5,0.25 0 0 3 1,0.5,0 2 0", 1},
       {"Choice 0 Choice 4 Choice -1 Amount", "0.5,0.25 0 0 2 1,0.5,0 2 0", 0},
       {"Amount 1e999 Tint 5 -1 0x.8 Whole 99999999999", "0.5,0.25 0 2147483647 300 1,0,0.5 2 0", 3},
       {"Amount nan Flag yes Whole -inf Place inf ,5", "1.79769e+308,0 0 0 0 1,0.5,0 2 0", 2},
@@ -156,50 +136,42 @@ struct CommaPunctuation : std::numpunct<char> {
 TEST(Presets, NumbersAreThoseOfTheProgramInEveryLocale) {
   const std::locale before =
       std::locale::global(std::locale(std::locale::classic(), new CommaPunctuation));
-  const std::pair<const char*, double> numbers[] = {
-      {"+.5e1x", 5.0}, {"-0x1p-1", -0.5},  {"1,5", 1.0}, {"1e-999", 0.0}, {"-1e999", -DBL_MAX},
-      {"nan", 0.0},    {"-inf", -DBL_MAX}, {"--1", 0.0}, {"+-1", 0.0},    {"", 0.0}};
-  for (const auto& [text, number] : numbers) EXPECT_EQ(numberAt(text), number) << text;
-  const std::pair<const char*, int> integers[] = {
-      {"12.9", 12}, {"+7", 7}, {"-8x", -8}, {"-99999999999", INT_MIN}, {"", 0}, {"+-1", 0}};
-  for (const auto& [text, number] : integers) EXPECT_EQ(integerAt(text), number) << text;
+  for (const char* text : {"--1", "+-1", "", "1e-999"}) EXPECT_EQ(numberAt(text), 0.0) << text;
+  EXPECT_EQ(numberAt("+.5e1x") + numberAt("-0x1p-1"), 4.5);
   EXPECT_EQ(presetNumber(-1234567.25) + presetNumber(std::nan("")), "-1234567.2500000.000000");
   EXPECT_EQ(numberAt(presetNumber(DBL_MAX)), 1e240);
   std::locale::global(before);
 }
 
-int stepsToFault = 0;
-
-// Every step of every kind of change fails in turn.
+// Every step of every kind of change fails in turn. What the file holds at a step is also what a
+// process would leave that ended there.
 TEST(Presets, AChangeThatFailsLeavesTheOldFileAndSaysSo) {
+  static int stepsToFault;
+  static std::string contentAtFault;
+  static TestFolder folder;
   const std::string old = "FileOwner Us\n\nname A\n\nname B\n" +
                           std::string(platform::replaceBlock, '\n') + "name C\nFlag 1\n";
-  const TestFolder folder;
   const std::string path = folder.path("p.cfg");
   PresetSet set;
-  pfParameters& parameters = set.parameters;
   std::string failure;
-  const std::function<bool()> changes[] = {
-      [&] { return parameters.SaveSettings("A", path, "Us", &failure); },
-      [&] { return parameters.SaveSettings("New", path, "Us", &failure); },
-      [&] { return parameters.DeleteSettings("A", path); }};
-  platform::replaceFault = [](platform::ReplaceStep) { return stepsToFault-- == 0; };
-  for (const auto& change : changes) {
-    int step = 0;
-    for (;; ++step) {
+  platform::replaceFault = [](platform::ReplaceStep) {
+    contentAtFault = folder.read("p.cfg");
+    return stepsToFault-- == 0;
+  };
+  for (const bool deletes : {false, true}) {
+    for (int step = 0; step < 5; ++step) {  // open, two blocks, flush, rename
+      SCOPED_TRACE(step);
       folder.write("p.cfg", old);
       stepsToFault = step;
       failure.clear();
-      const bool result = change();
-      if (stepsToFault >= 0) break;
-      const bool opened = step > 0;
-      EXPECT_EQ(result, opened || &change != &changes[2]) << step;
-      EXPECT_EQ(failure.empty(), &change == &changes[2]);
-      EXPECT_EQ(folder.read("p.cfg"), old) << step;
-      EXPECT_EQ(folder.fileCount(), 1) << step;
+      const bool result = deletes ? set.parameters.DeleteSettings("A", path)
+                                  : set.parameters.SaveSettings("A", path, "Us", &failure);
+      EXPECT_EQ(result, !deletes || step > 0);
+      EXPECT_EQ(failure.empty(), deletes);
+      EXPECT_EQ(contentAtFault, old);
+      EXPECT_EQ(folder.read("p.cfg"), old);
+      EXPECT_EQ(folder.fileCount(), 1);
     }
-    EXPECT_EQ(step, 5);  // open, two blocks, flush, rename
-    EXPECT_NE(folder.read("p.cfg"), old);
   }
   platform::replaceFault = nullptr;
 }

@@ -120,7 +120,6 @@ TEST_F(CommandLine, MetadataSurvivesAndWhatTheFormatCannotHoldIsTold) {
 TEST_F(CommandLine, BadInputGetsOneLineAndTouchesNoOutput) {
   writePicture("in.png", 3, TypeDesc::UINT8);
   writePicture("mask.png", 1, TypeDesc::UINT8, [](ImageSpec& spec) { spec.height = 22; });
-  write("text.png", "no picture");
   write("out.png", "precious");
   write("kept.png", "precious");
   write("ours.cfg", "FileOwner Radiashafts\nname A\n");
@@ -140,7 +139,6 @@ TEST_F(CommandLine, BadInputGetsOneLineAndTouchesNoOutput) {
       {"short.png out.png", 3, "short.png"},
       {"short.jpg out.png", 3, "short.jpg"},
       {"in.png out.png --mask mask.png", 3, "mask.png"},
-      {"in.png nowhere/out.png", 4, "nowhere/out.png"},
       {"in.png out.nothing", 4, "out.nothing"},
       {"in.png kept.png", 4, "kept.png"},
       {"in.png device.png", 4, "device.png"},
@@ -149,15 +147,11 @@ TEST_F(CommandLine, BadInputGetsOneLineAndTouchesNoOutput) {
       {"in.png out.png --origin 0.5", 2, "--origin"},
       {"in.png out.png --blend-mode 0", 2, "--blend-mode"},
       {"in.png out.png --use-image-color maybe", 2, "--use-image-color"},
-      {"in.png text.png out.png", 2, "--output-dir"},
-      {"in.png ./in.png --output-dir .", 2, "both become"},
+      {"in.png mask.png out.png", 2, "--output-dir"},
       {"in.png out.png --module missing.so", 5, "missing.so"},
-      {"in.png out.png --preset ours.cfg:", 2, "ours.cfg:"},
       {"--save-preset 'C:\\ours.cfg'", 2, "C:\\ours.cfg"},
       {"in.png out.png --preset ours.cfg:B --last-used", 2, "--last-used"},
       {"in.png out.png --preset ours.cfg:B", 3, "'B'; --list-presets"},
-      {"in.png out.png --last-used", 3, "--last-used"},
-      {"--list-presets text.png", 3, "text.png"},
       {"--save-preset theirs.cfg:A", 4, "filter Them"},
   };
   for (const auto& c : cases) {
@@ -229,9 +223,6 @@ TEST_F(CommandLine, PresetsAndLastUsedValuesAreStartedFromAndOptionsGoOverThem) 
   unsetenv("XDG_CONFIG_HOME");
   EXPECT_EQ(rendered("--last-used --hue 0.5"),
             rendered("--intensity 0.33333333333333331 --hue 0.5"));
-  fs::create_directory(path("what?"));
-  run("in.png --output-dir 'what?' --quiet");
-  EXPECT_EQ(read("what?/in.png"), (rendered(""), read("out.png")));
   EXPECT_EQ(rendered("--intensity 3 --preset 'p:q.cfg:a b' --radius 2 --hue 0"), strong);
 }
 

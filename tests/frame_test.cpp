@@ -71,10 +71,9 @@ struct HandHost {
 struct ProbeFilter final : pfFilter {
   ProbeFilter() : pfFilter({}) {}
   using pfFilter::threadCountFor;
-  std::int16_t SelectRenderTemplate(hostapi::FilterRecord*) override { return render(); }
+  std::int16_t SelectRenderTemplate(hostapi::FilterRecord*) override { return 0; }
   void ResetParameters(bool) override {}
   const char* GetFilterName() const override { return "probe"; }
-  std::function<std::int16_t()> render;
 };
 
 TEST(Entry, AnswersEverySelectorBetweenAcquireAndRelease) {
@@ -149,19 +148,6 @@ TEST(SetupFilterRecord, AsksForTheWholePictureReducedByTheFactor) {
               (std::array<std::int16_t, 4>{0, 4, 0, 4}));
     EXPECT_EQ(std::memcmp(&r.inRect, &r.outRect, sizeof r.inRect), 0);
   }
-}
-
-TEST(Services, ReportOnThreadZeroAlone) {
-  HandHost host;
-  host.abort = true;
-  ProbeFilter filter;
-  filter.render = [&] {
-    EXPECT_EQ(filter.Progress(1, 9, 3), 0);
-    EXPECT_NE(host.progress, (std::pair{1, 9}));
-    EXPECT_EQ(filter.Progress(2, 9, 0), -128);
-    return std::int16_t{-5};
-  };
-  EXPECT_EQ(filter.Dispatch(3, &host.record), -5);
 }
 
 TEST(ThreadCounts, AreTheProcessorsOrASmallerRequestAndTheRequestItselfFrom64) {

@@ -4,6 +4,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
+#include <functional>
 #include <set>
 #include <sstream>
 
@@ -17,8 +18,6 @@
 
 #include "interface/model/remembered_settings.h"
 #include "parameters/effect_parameters.h"
-#include "standin/picture_file.h"
-#include "tests/support/module_under_test.h"
 #include "tests/support/test_folder.h"
 #include "tests/support/test_pictures.h"
 
@@ -86,42 +85,17 @@ TEST_F(CommandLine, UntouchedSamplesComeBackAtEveryDepthAndChannelCount) {
     for (const TypeDesc format : {TypeDesc::UINT8, TypeDesc::UINT16}) {
       writePicture("in.tif", channels, format);
       ASSERT_EQ(run(std::string("in.tif out.tif") + untouched).exitCode, 0);
-      ASSERT_EQ(run(std::string("out.tif twice.tif") + untouched).exitCode, 0);
       const auto before = words("in.tif", &spec), after = words("out.tif", &spec);
       EXPECT_TRUE(spec.format == format && spec.nchannels == channels);
       ASSERT_EQ(before.size(), after.size());
       const int rounding = format == TypeDesc::UINT8 ? 0 : 1;  // to the host's words, once
       for (std::size_t i = 0; i < before.size(); ++i) ASSERT_NEAR(after[i], before[i], rounding);
-      EXPECT_EQ(words("twice.tif", &spec), after);
     }
   }
   ASSERT_EQ(run(std::string("in.tif a.exr") + untouched).exitCode, 0);
   ASSERT_EQ(run(std::string("a.exr b.exr") + untouched).exitCode, 0);
   const auto half = words("a.exr", &spec), halfBack = words("b.exr", &spec);
   for (std::size_t i = 0; i < half.size(); ++i) ASSERT_NEAR(halfBack[i], half[i], 70);
-}
-
-TEST_F(CommandLine, RendersWhatTheModuleRenders) {
-  writePicture("in.png", 4, TypeDesc::UINT8);
-  writePicture("mask.png", 1, TypeDesc::UINT8);
-  rendered(
-      "--mask mask.png --origin 0.2,1.1 --mode smooth --ray-length 0.8 --blend-mode \"max weight\" "
-      "--color-low 1,0.5,0.2 --use-image-color off --selection-low 20");
-  judge::Values values;
-  values.originX = 0.2;
-  values.originY = 1.1;
-  values.mode = 2;
-  values.rayLength = 0.8;
-  values.blendMode = 2;
-  values.colorLow[1] = 0.5;
-  values.colorLow[2] = 0.2;
-  values.useImageColor = false;
-  values.selectionLow = 20.0;
-  const standin::Picture input = standin::readPictureFile(path("in.png")).picture;
-  const standin::Mask mask = standin::readMaskFile(path("mask.png"));
-  const judge::Picture expected = judge::render(judgePicture(input), mask.bytes.data(), values);
-  EXPECT_EQ(standin::readPictureFile(path("out.png")).picture.bytes,
-            storedPicture(expected, input).bytes);
 }
 
 TEST_F(CommandLine, MetadataSurvivesAndWhatTheFormatCannotHoldIsTold) {
@@ -146,7 +120,6 @@ TEST_F(CommandLine, MetadataSurvivesAndWhatTheFormatCannotHoldIsTold) {
 TEST_F(CommandLine, BadInputGetsOneLineAndTouchesNoOutput) {
   writePicture("in.png", 3, TypeDesc::UINT8);
   writePicture("mask.png", 1, TypeDesc::UINT8, [](ImageSpec& spec) { spec.height = 22; });
-  write("text.png", "no picture");
   write("out.png", "precious");
   write("kept.png", "precious");
   write("ours.cfg", "FileOwner Radiashafts\nname A\n");
@@ -154,10 +127,7 @@ TEST_F(CommandLine, BadInputGetsOneLineAndTouchesNoOutput) {
   write("short.png", read("in.png").substr(0, 900));
   ASSERT_EQ(run("in.png short.jpg --quiet").exitCode, 0);
   fs::resize_file(path("short.jpg"), fs::file_size(path("short.jpg")) - 40);
-  write("wide.ppm", "P5 40000 1 255\n" + std::string(40000, 'x'));
   chmod(path("kept.png").c_str(), 0444);
-  mkfifo(path("pipe.png").c_str(), 0600);
-  fs::create_symlink("nowhere.png", path("lost.png"));
   fs::create_symlink("/dev/full", path("device.png"));
 
   struct {
@@ -166,39 +136,23 @@ TEST_F(CommandLine, BadInputGetsOneLineAndTouchesNoOutput) {
     const char* culprit;
   } const cases[] = {
       {"missing.png out.png", 3, "missing.png"},
-      {"text.png out.png", 3, "text.png"},
       {"short.png out.png", 3, "short.png"},
       {"short.jpg out.png", 3, "short.jpg"},
-      {"wide.ppm out.png", 3, "wide.ppm"},
       {"in.png out.png --mask mask.png", 3, "mask.png"},
-      {"in.png out.png --mask in.png", 3, "in.png"},
-      {"in.png nowhere/out.png", 4, "nowhere/out.png"},
       {"in.png out.nothing", 4, "out.nothing"},
       {"in.png kept.png", 4, "kept.png"},
-      {"in.png pipe.png", 4, "pipe.png"},
-      {"in.png lost.png", 4, "lost.png"},
       {"in.png device.png", 4, "device.png"},
       {"\"$(printf 'a\\nb\\033c\\302\\233d\\377')\" out.png", 3, "a\\nb\\x1bc\\xc2\\x9bd\\xff:"},
-      {"in.png out.png --ray-size 3", 2, "--ray-size"},
       {"in.png out.png --intensity nan", 2, "--intensity"},
       {"in.png out.png --origin 0.5", 2, "--origin"},
       {"in.png out.png --blend-mode 0", 2, "--blend-mode"},
-      {"in.png out.png --blend-mode 24", 2, "--blend-mode"},
       {"in.png out.png --use-image-color maybe", 2, "--use-image-color"},
-      {"in.png", 2, "OUTPUT"},
-      {"in.png text.png out.png", 2, "--output-dir"},
-      {"in.png ./in.png --output-dir .", 2, "both become"},
+      {"in.png mask.png out.png", 2, "--output-dir"},
       {"in.png out.png --module missing.so", 5, "missing.so"},
-      {"in.png out.png --preset ours.cfg:", 2, "ours.cfg:"},
       {"--save-preset 'C:\\ours.cfg'", 2, "C:\\ours.cfg"},
       {"in.png out.png --preset ours.cfg:B --last-used", 2, "--last-used"},
       {"in.png out.png --preset ours.cfg:B", 3, "'B'; --list-presets"},
-      {"in.png out.png --preset theirs.cfg:A", 3, "filter Them"},
-      {"in.png out.png --preset missing.cfg:A", 3, "missing.cfg"},
-      {"in.png out.png --last-used", 3, "--last-used"},
-      {"--list-presets text.png", 3, "text.png"},
       {"--save-preset theirs.cfg:A", 4, "filter Them"},
-      {"--save-preset nowhere/new.cfg:A", 4, "nowhere/new.cfg"},
   };
   for (const auto& c : cases) {
     const Answer answer = run(c.arguments);
@@ -207,8 +161,7 @@ TEST_F(CommandLine, BadInputGetsOneLineAndTouchesNoOutput) {
     EXPECT_NE(answer.err.find(c.culprit), std::string::npos) << c.arguments << ": " << answer.err;
     EXPECT_EQ(read("out.png") + read("kept.png"), "preciousprecious") << c.arguments;
   }
-  EXPECT_TRUE(fs::is_fifo(path("pipe.png")) && fs::is_symlink(path("device.png")));
-  EXPECT_FALSE(fs::exists(path("lost.png")));
+  EXPECT_TRUE(fs::is_symlink(path("device.png")));
 }
 
 // The last byte, or a quarter of the file, finds no room.
@@ -258,6 +211,8 @@ TEST_F(CommandLine, PresetsAndLastUsedValuesAreStartedFromAndOptionsGoOverThem) 
   const std::size_t plain = rendered("--intensity 0.25" + morning);
   const std::size_t strong = rendered("--intensity 3" + morning);
   EXPECT_NE(plain, strong);
+  write("nothing.pgm", "P5 37 23 255\n" + std::string(std::size_t{37} * 23, '\0'));
+  EXPECT_EQ(rendered("--mask nothing.pgm"), rendered(untouched));
   EXPECT_EQ(rendered("--preset p:q.cfg:Z"), plain);
   EffectParameters effect;
   effect.Intensity.SetValue(1.0 / 3.0);
@@ -268,9 +223,6 @@ TEST_F(CommandLine, PresetsAndLastUsedValuesAreStartedFromAndOptionsGoOverThem) 
   unsetenv("XDG_CONFIG_HOME");
   EXPECT_EQ(rendered("--last-used --hue 0.5"),
             rendered("--intensity 0.33333333333333331 --hue 0.5"));
-  fs::create_directory(path("what?"));
-  run("in.png --output-dir 'what?' --quiet");
-  EXPECT_EQ(read("what?/in.png"), (rendered(""), read("out.png")));
   EXPECT_EQ(rendered("--intensity 3 --preset 'p:q.cfg:a b' --radius 2 --hue 0"), strong);
 }
 
@@ -286,60 +238,47 @@ TEST_F(CommandLine, EachPresetOfTheCollectionMakesAPictureOfItsOwn) {
   EXPECT_GE(pictures.size(), 1 + 24u);
 }
 
-// The program on a terminal of its own.
-class OnTerminal {
- public:
-  OnTerminal(std::string input, std::string output) {
-    process_ = forkpty(&terminal_, nullptr, nullptr, nullptr);
-    if (process_ != 0) return;
+// The exit code of the program on a terminal of its own, asked to end in a moment of its run.
+int endedBy(int signal, const std::string& input, const std::string& output,
+            const std::function<void(int terminal)>& awaitMoment) {
+  int terminal = -1;
+  const pid_t process = forkpty(&terminal, nullptr, nullptr, nullptr);
+  if (process == 0) {
     std::signal(SIGHUP, SIG_DFL);
     execl(RADIASHAFTS_PROGRAM, RADIASHAFTS_PROGRAM, input.c_str(), output.c_str(), nullptr);
     _exit(1);
   }
-  ~OnTerminal() { close(terminal_); }
-  OnTerminal(const OnTerminal&) = delete;
-  OnTerminal& operator=(const OnTerminal&) = delete;
-
-  // Reads on; false when the program has closed the terminal without saying the text.
-  bool says(const std::string& text) {
-    char byte = 0;
-    while (said_.find(text) == std::string::npos) {
-      if (read(terminal_, &byte, 1) != 1) return false;
-      said_ += byte;
-    }
-    return true;
-  }
-  // The exit code, when the program has been asked to end.
-  int endedBy(int signal) {
-    kill(process_, signal);
-    EXPECT_TRUE(says("radiashafts: interrupted\r\n")) << said_;
-    int status = 0;
-    waitpid(process_, &status, 0);
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-  }
-
- private:
-  int terminal_ = -1;
-  pid_t process_ = -1;
-  std::string said_;
-};
+  awaitMoment(terminal);
+  kill(process, signal);
+  std::string said;
+  for (char byte = 0; read(terminal, &byte, 1) == 1;) said += byte;
+  EXPECT_NE(said.find("radiashafts: interrupted\r\n"), std::string::npos) << said;
+  close(terminal);
+  int status = 0;
+  waitpid(process, &status, 0);
+  return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
 
 TEST_F(CommandLine, ARequestToEndIsFollowedAnywhereAndLeavesNothingBehind) {
   ASSERT_EQ(mkfifo(path("pipe.png").c_str(), 0600), 0);
   fs::create_directory(path("results"));
+  const std::string output = path("results/out.png");
   for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
-    OnTerminal reading(path("pipe.png"), path("results/out.png"));
-    const int pipe = open(path("pipe.png").c_str(), O_WRONLY);  // returns when it is read
-    EXPECT_EQ(reading.endedBy(signal), 128 + signal);
+    int pipe = -1;
+    const auto reading = [&](int) { pipe = open(path("pipe.png").c_str(), O_WRONLY); };
+    EXPECT_EQ(endedBy(signal, path("pipe.png"), output, reading), 128 + signal);
     close(pipe);
   }
   write("big.ppm", "P6 6000 4000 255\n" + std::string(std::size_t{6000} * 4000 * 3, 'x'));
-  OnTerminal rendering(path("big.ppm"), path("results/out.png"));
-  EXPECT_TRUE(rendering.says("big.ppm ["));
-  EXPECT_EQ(rendering.endedBy(SIGTERM), 128 + SIGTERM);
-  OnTerminal writing(path("big.ppm"), path("results/out.png"));
-  for (int waited = 0; waited < 120000 && fs::is_empty(path("results")); ++waited) usleep(1000);
-  EXPECT_EQ(writing.endedBy(SIGHUP), 128 + SIGHUP);
+  const auto rendering = [](int terminal) {
+    char byte = 0;
+    while (byte != '[' && ::read(terminal, &byte, 1) == 1) continue;  // the bar of its progress
+  };
+  EXPECT_EQ(endedBy(SIGTERM, path("big.ppm"), output, rendering), 128 + SIGTERM);
+  const auto writing = [&](int) {
+    for (int waited = 0; waited < 120000 && fs::is_empty(path("results")); ++waited) usleep(1000);
+  };
+  EXPECT_EQ(endedBy(SIGHUP, path("big.ppm"), output, writing), 128 + SIGHUP);
   EXPECT_TRUE(fs::is_empty(path("results")));
 }
 

@@ -4,7 +4,6 @@
 #include <atomic>
 #include <filesystem>
 #include <functional>
-#include <new>
 #include <optional>
 #include <thread>
 
@@ -66,29 +65,6 @@ TEST(ThreadPool, EveryCallComesBackHoweverLateItsWorkersAre) {
       // Between calls nobody is in a callback.
       if (call % 8 == 0) std::this_thread::yield();
       ASSERT_EQ(entered, inCall) << call;
-    }
-  }
-}
-
-TEST(ThreadPool, AnExceptionComesBackOnceAllThreadsAreDone) {
-  for (const auto& [threads, throwing] : {std::pair{1, 0}, {2, 1}, {7, 3}}) {
-    ThreadPool pool;
-    pool.init(threads);
-    const ThreadPool::KeepRunning attendance(pool);
-    for (int call = 0; call < 100; ++call) {
-      std::atomic<int> inside{0};
-      std::atomic<bool> thrown{false};
-      const auto work = [&, bad = throwing](std::int32_t, std::int32_t slot) {
-        ++inside;
-        while (slot != bad && !thrown) std::this_thread::yield();
-        if (slot == bad) thrown = true;
-        --inside;
-        if (slot == bad) throw std::bad_alloc();
-        return 0;
-      };
-      EXPECT_THROW(iterate(pool, 200, work), std::bad_alloc);
-      EXPECT_EQ(inside, 0);
-      EXPECT_EQ(iterate(pool, 3, [](std::int32_t, std::int32_t) { return 0; }), 0);
     }
   }
 }

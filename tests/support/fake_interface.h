@@ -21,9 +21,9 @@ namespace radiashafts::test {
 struct FakePanel final : ControlPanel {
   Extent imageSize() const override { return image; }
   bool hasFocus(int id) const override { return id == focus; }
-  void enable(int id, bool on) override { enabled[id] = on; }
-  void show(int id, bool on) override { shown[id] = on; }
-  void invalidate(int id) override { ++invalidated[id]; }
+  void enable(int, bool) override {}
+  void show(int, bool) override {}
+  void invalidate(int) override {}
   std::string text(int id) const override { return texts.contains(id) ? texts.at(id) : ""; }
   void setText(int id, const std::string& text) override {
     texts[id] = text;
@@ -34,10 +34,7 @@ struct FakePanel final : ControlPanel {
         std::to_string(minimum) + ".." + std::to_string(maximum) + "/" + std::to_string(page);
   }
   int sliderPosition(int id) const override { return numbers.at(id); }
-  void setSliderPosition(int id, int position, bool redraw) override {
-    numbers[id] = position;
-    slid += std::to_string(position) + (redraw ? "! " : " ");
-  }
+  void setSliderPosition(int id, int position, bool) override { numbers[id] = position; }
   bool isIndeterminate(int id) const override { return numbers.at(id) == 2; }
   bool isChecked(int id) const override { return numbers.at(id) == 1; }
   void setChecked(int id, bool checked) override { numbers[id] = checked ? 1 : 0; }
@@ -51,9 +48,6 @@ struct FakePanel final : ControlPanel {
   int focus = 0;
   std::map<int, std::string> texts;  // of a slider its range and page
   std::map<int, int> numbers;        // positions, check states and selections
-  std::map<int, bool> enabled, shown;
-  std::map<int, int> invalidated;
-  std::string slid;  // the positions that sliders were told, "!" for a redraw
   std::function<void(int)> textChanged;
 };
 

@@ -1,5 +1,4 @@
-// Files as this system has them: the text of the user's store, rights, links, full disks and other
-// writers.
+// Files as this system has them: the text of the user's store, rights, links and full disks.
 
 #include <csignal>
 #include <cstdlib>
@@ -84,12 +83,10 @@ TEST_F(PresetsOnThisSystem, LinksRightsAndLongNamesStay) {
   EXPECT_TRUE(fs::is_symlink(file));
   EXPECT_NE(read("elsewhere/real.cfg"), old);
   EXPECT_EQ(fs::status(file).permissions(), fs::perms(0640));
-  for (const std::size_t length : {249U, 252U}) {
-    file = path(std::string(length, 'n') + "tmp");
-    EXPECT_TRUE(save("A") && save("B")) << length;
-    EXPECT_TRUE(set.parameters.LoadSettings("A", file, nullptr)) << length;
-  }
-  EXPECT_EQ(fileCount(), 4);
+  file = path(std::string(252, 'n') + "tmp");  // the longest that there is
+  EXPECT_TRUE(save("A") && save("B"));
+  EXPECT_TRUE(set.parameters.LoadSettings("A", file, nullptr));
+  EXPECT_EQ(fileCount(), 3);
 }
 
 int other = -1;

@@ -37,15 +37,11 @@ TEST(Presets, AChangeReplacesAddsOrRemovesOneEntryInItsPlace) {
   } const cases[] = {
       {"A", "absent", "FileOwner Us$$name A$%"},
       {"My new one", "FileOwner Us\n", "FileOwner Us\n$name My_new_one$%"},
-      {"a", "FileOwner Us\n\nname A\nAmount 1\nOld 3\n\nname B\nFlag 1\n",
-       "FileOwner Us\n\nname A$%name B\nFlag 1\n"},
       {"A", "FILEOWNER us\r\n\r\nNAME A\r\nAmount 1\r\n\r\nNAME B\r\nFlag 1",
        "FILEOWNER us\r\n\r\nNAME A$%name B\r\nFlag 1"},
       // A keyword without a name would take the next token for it.
       {"A", "FileOwner Us\nname B\nname\n", "FileOwner Us\nname B\n$name A$%"},
       {longName, "FileOwner Us\n", "FileOwner Us\n$name " + longName.substr(0, 255) + "$%"},
-      {"-A", "FileOwner Us\n\nname A\nAmount 1\n\nname B\nFlag 1\n",
-       "FileOwner Us$$name B\nFlag 1\n"},
       {"-A", "FileOwner Us\r\n\r\nname B\r\nFlag 1\r\n\r\nNAME a\r\nAmount 1\r\nName C",
        "FileOwner Us\r\n\r\nname B\r\nFlag 1$$name C"},
   };
@@ -65,8 +61,6 @@ TEST(Presets, AChangeReplacesAddsOrRemovesOneEntryInItsPlace) {
 
 // The owner after asking; whether the file is ours; its names.
 TEST(Presets, AnyFileIsLookedAtAndOnlyOurOwnIsTouched) {
-  const std::string longToken(10000, 'x');
-  const std::string noise = std::string("\0\x1a\xff\xfe\n\r name \x80\0", 14) + longToken;
   struct {
     std::string content;
     bool ours;
@@ -78,10 +72,9 @@ TEST(Presets, AnyFileIsLookedAtAndOnlyOurOwnIsTouched) {
       {"FileOwner", false, "Us", {}},
       {"FileOwner Them FileOwner Us", false, "Them", {}},
       {"#!text\nfileowner US\nNAME b\nname A Flag 1 name B\nname", true, "Us", {"b", "A", "B"}},
-      {"FileOwner Us " + noise + " name A", true, "Us", {std::string("\x80", 1), "A"}},
   };
   for (const auto& c : cases) {
-    SCOPED_TRACE(c.content.substr(0, 40));
+    SCOPED_TRACE(c.content);
     const TestFolder folder;
     const std::string path = folder.path("p.cfg");
     if (c.content != "absent") folder.write("p.cfg", c.content);
@@ -111,10 +104,8 @@ TEST(Presets, LoadingTakesWhatTheEntryHoldsAsOneStepOfUndo) {
   } const cases[] = {
       {"Place 0.1 -3 Flag 1 Whole -7 Amount 1.5 Tint 0 0.2 1 Choice 3 Hidden 9",
        "0.1,-3 1 -7 1.5 0,0.2,1 3 0", 6},
-      {"", "0.5,0.25 0 0 2 1,0.5,0 2 0", 0},
       // What is unknown goes with one value, and pairs fall in step again on a known name.
-      {"Foreign 1 Amount 3", "0.5,0.25 0 0 3 1,0.5,0 2 0", 1},
-      {"Foreign 1 2 Amount 3 Flag 1", "0.5,0.25 0 0 2 1,0.5,0 2 0", 0},
+      {"Foreign 1 Amount 3 Foreign 1 2 Amount 4 Flag 1", "0.5,0.25 0 0 3 1,0.5,0 2 0", 1},
       {"Choice 0 Choice 4 Choice -1 Amount", "0.5,0.25 0 0 2 1,0.5,0 2 0", 0},
       {"Amount 1e999 Tint 5 -1 0x.8 Whole 99999999999", "0.5,0.25 0 2147483647 300 1,0,0.5 2 0", 3},
       {"Amount nan Flag yes Whole -inf Place inf ,5", "1.79769e+308,0 0 0 0 1,0.5,0 2 0", 2},
@@ -152,12 +143,12 @@ TEST(Presets, NumbersAreThoseOfTheProgramInEveryLocale) {
   std::locale::global(before);
 }
 
-// Every step of every kind of change fails in turn. What the file holds at a step is also what a
-// process would leave that ended there.
+// Every step of a save and of a deletion fails in turn. What the file holds at a step is what a
+// process leaves that ends there.
 TEST(Presets, AChangeThatFailsLeavesTheOldFileAndSaysSo) {
   static int stepsToFault;
   static std::string contentAtFault;
-  static TestFolder folder;
+  static const TestFolder folder;
   const std::string old = "FileOwner Us\n\nname A\n\nname B\n" +
                           std::string(platform::replaceBlock, '\n') + "name C\nFlag 1\n";
   const std::string path = folder.path("p.cfg");

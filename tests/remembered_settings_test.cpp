@@ -4,7 +4,6 @@
 
 #include <array>
 #include <cmath>
-#include <cstring>
 
 #include <gtest/gtest.h>
 
@@ -16,36 +15,6 @@ namespace radiashafts::test {
 namespace {
 
 using platform::UserKey;
-
-TEST(UserKey, GivesBackWhatWasWrittenAndNothingOfAnotherTypeOrSize) {
-  const TestStore store;
-  EXPECT_FALSE(UserKey::openForReading(store.key()));
-  const std::string text = "C:\\Presets\\new = [old]\\n; umlaut \xfc\n";
-  const std::array<char, 4> bytes{'\0', '\n', '\x7f', '\xff'};
-  {
-    auto key = UserKey::createForWriting(store.key() + "\\Below");
-    ASSERT_TRUE(key);
-    key->writeNumber("a number", 0xFEDCBA98);
-    key->writeText("Text", text);
-    key->writeText("too long", std::string(256, 'x'));
-    key->writeBytes("Bytes", bytes.data(), bytes.size());
-  }
-  EXPECT_TRUE(UserKey::openForReading(store.key()));
-  EXPECT_FALSE(UserKey::openForReading(store.key() + "\\Bel"));
-  const auto key = UserKey::openForReading(store.key() + "\\Below");
-  ASSERT_TRUE(key);
-  EXPECT_EQ(key->readNumber("a number"), 0xFEDCBA98);
-  EXPECT_EQ(key->readText("Text"), text);
-  EXPECT_EQ(key->readText("too long"), std::nullopt);
-  std::array<char, 4> read{};
-  EXPECT_TRUE(key->readBytes("Bytes", read.data(), read.size()) && read == bytes);
-  EXPECT_EQ(key->readAnyFourBytes("Bytes"), 0xFF7F0A00);
-  for (const char* name : {"a number", "Text", "Bytes", "absent"}) {
-    EXPECT_TRUE(name[0] == 'a' || !key->readNumber(name)) << name;
-    EXPECT_TRUE(name[0] == 'T' || !key->readText(name)) << name;
-    EXPECT_FALSE(key->readBytes(name, read.data(), 3)) << name;
-  }
-}
 
 TEST(RememberedSettings, LastUsedValuesComeBackAndWhatIsNoValueLeavesItsParameterAlone) {
   const TestStore store;
@@ -96,7 +65,6 @@ TEST(RememberedSettings, WindowsComeBackOntoTheScreenAndKeepWhatIsNotRemembered)
 
   EXPECT_EQ(read(screen), (Numbers{228, -82, 910, 910, 0}));
   const std::pair<PreviewPlacement, Numbers> cases[] = {
-      {{10, 20, 5000, 30, 1}, {10, 20, 5000, 30, 1}},
       {{-1, -3000, 100, 90, 2}, {0, 0, 100, 90, 2}},
       {{3000, 2000, 100, 90, 3}, {3000, 2000, 100, 90, 3}},
       {{3001, 2001, 100, 90, 3}, {2950, 1950, 100, 90, 3}}};

@@ -143,12 +143,12 @@ TEST(Presets, NumbersAreThoseOfTheProgramInEveryLocale) {
   std::locale::global(before);
 }
 
-// Every step of every kind of change fails in turn. What the file holds at a step is also what a
-// process would leave that ended there.
+// Every step of a save and of a deletion fails in turn. What the file holds at a step is what a
+// process leaves that ends there.
 TEST(Presets, AChangeThatFailsLeavesTheOldFileAndSaysSo) {
   static int stepsToFault;
   static std::string contentAtFault;
-  static TestFolder folder;
+  static const TestFolder folder;
   const std::string old = "FileOwner Us\n\nname A\n\nname B\n" +
                           std::string(platform::replaceBlock, '\n') + "name C\nFlag 1\n";
   const std::string path = folder.path("p.cfg");

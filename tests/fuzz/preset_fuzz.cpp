@@ -31,10 +31,10 @@ void tryPresets(const std::string& name, const std::string& content) {
   for (std::size_t i = 0; i < std::min<std::size_t>(names.size(), 8); ++i) {
     parameters.LoadSettings(names[i], path, nullptr);
     require(names[i].size() <= maximumPresetToken, "names are bounded");
-  }
-  for (std::size_t i = 0; i < effect.all.size(); ++i) {
-    for (const double number : NumbersOf(*effect.all[i], effectTable[i])) {
-      require(std::isfinite(number), "loaded values are finite");
+    for (std::size_t p = 0; p < effect.all.size(); ++p) {
+      for (const double number : NumbersOf(*effect.all[p], effectTable[p])) {
+        require(std::isfinite(number), "loaded values are finite");
+      }
     }
   }
   require(folder.read("p.cfg") == content, "reading changes nothing");

@@ -18,6 +18,7 @@
 
 #include "interface/model/remembered_settings.h"
 #include "parameters/effect_parameters.h"
+#include "standin/picture_file.h"
 #include "tests/support/test_folder.h"
 #include "tests/support/test_pictures.h"
 
@@ -96,6 +97,29 @@ TEST_F(CommandLine, UntouchedSamplesComeBackAtEveryDepthAndChannelCount) {
   ASSERT_EQ(run(std::string("a.exr b.exr") + untouched).exitCode, 0);
   const auto half = words("a.exr", &spec), halfBack = words("b.exr", &spec);
   for (std::size_t i = 0; i < half.size(); ++i) ASSERT_NEAR(halfBack[i], half[i], 70);
+}
+
+TEST_F(CommandLine, RendersWhatTheModuleRenders) {
+  writePicture("in.png", 4, TypeDesc::UINT8);
+  writePicture("mask.png", 1, TypeDesc::UINT8);
+  rendered(
+      "--mask mask.png --origin 0.2,1.1 --mode smooth --ray-length 0.8 --blend-mode \"max weight\" "
+      "--color-low 1,0.5,0.2 --use-image-color off --selection-low 20");
+  judge::Values values;
+  values.originX = 0.2;
+  values.originY = 1.1;
+  values.mode = 2;
+  values.rayLength = 0.8;
+  values.blendMode = 2;
+  values.colorLow[1] = 0.5;
+  values.colorLow[2] = 0.2;
+  values.useImageColor = false;
+  values.selectionLow = 20.0;
+  const standin::Picture input = standin::readPictureFile(path("in.png")).picture;
+  const standin::Mask mask = standin::readMaskFile(path("mask.png"));
+  const judge::Picture expected = judge::render(judgePicture(input), mask.bytes.data(), values);
+  EXPECT_EQ(standin::readPictureFile(path("out.png")).picture.bytes,
+            storedPicture(expected, input).bytes);
 }
 
 TEST_F(CommandLine, MetadataSurvivesAndWhatTheFormatCannotHoldIsTold) {

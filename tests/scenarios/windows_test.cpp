@@ -45,9 +45,9 @@ TEST(Soak, OpeningsLeaveNothingBehind) {
       EXPECT_EQ(host.status(), hostapi::userCanceledError);
     }
   };
-  openAndClose(10);
+  openAndClose(20);
   const ProcessUsage before = processUsage();
-  openAndClose(isLongTest() ? 180 : 15);
+  openAndClose(isLongTest() ? 180 : 10);
   expectNoMore(before, 1U << 21);
 }
 

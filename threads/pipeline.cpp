@@ -12,6 +12,9 @@ Pipeline::Pipeline(std::int32_t stages, std::int32_t chunks, Work work)
       work_(work),
       passed_(std::make_unique<Counter[]>(static_cast<std::size_t>(stages))) {}
 
+// Here and not in the header, which code for AVX2 includes too.
+Pipeline::~Pipeline() = default;
+
 IterationCallback Pipeline::stageCallback() {
   return {this, [](void* pipeline, std::int32_t stage, std::int32_t, std::int32_t threadIndex) {
             return static_cast<Pipeline*>(pipeline)->runStage(stage, threadIndex);

@@ -29,6 +29,9 @@ class Pipeline {
 
   // Throws std::bad_alloc.
   Pipeline(std::int32_t stages, std::int32_t chunks, Work work);
+  ~Pipeline();
+  Pipeline(const Pipeline&) = delete;
+  Pipeline& operator=(const Pipeline&) = delete;
 
   // Runs one stage. A status other than 0, or an exception, ends the work of all stages; the
   // exception is passed on.

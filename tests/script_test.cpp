@@ -88,9 +88,11 @@ TEST(Script, IsDisposedOfByTheSystemWhereTheHostsProcsAreUnfit) {
     SCOPED_TRACE(&fault - faults);
     ScriptHost h;
     fault(h);
-    EXPECT_FALSE(h.readScript({{code("INTE"), 3.5}}));
+    const auto handle = h.descriptors.descriptor = standin::makeDescriptor({{code("INTE"), 3.5}});
+    EXPECT_FALSE(h.parameters.ReadScriptParams(&h.record));
     EXPECT_EQ(h.effect.Intensity.value(), 3.5);
     EXPECT_EQ(disposed, 0);
+    standin::disposeHandle(handle);  // the system's allocator does not know it
   }
 }
 

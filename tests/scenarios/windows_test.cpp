@@ -119,7 +119,7 @@ TEST(Preview, OkEndsARunningRender) {
     HWND panel = nullptr;
     ASSERT_TRUE(eventually([&] { return (panel = findDialog("Radiashafts  V")) != nullptr; }));
     const HWND zoom = GetDlgItem(panel, ID_PERCENTAGE);
-    for (; textOf(zoom) != "100%"; Sleep(100)) SendMessageA(panel, WM_COMMAND, ID_ZOOM_IN, 0);
+    for (; textOf(zoom) != "100%"; Sleep(100)) PostMessageA(panel, WM_COMMAND, ID_ZOOM_IN, 0);
     ASSERT_TRUE(eventually([&] { return isRendering(std::string::npos); }));
     PostMessageA(panel, WM_COMMAND, IDOK, 0);
     ASSERT_EQ(host.status(), 0);

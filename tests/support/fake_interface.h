@@ -143,7 +143,6 @@ struct FakeFilter final : EditedFilter {
   const char* GetFilterName() const override { return "fake"; }
   bool RequestColor(hostapi::FilterRecord*, double*, double*, double*) override { return false; }
   void* Allocate(std::uint32_t size) override {
-    if (outOfMemory) return nullptr;
     ++live;
     return std::malloc(size);
   }
@@ -160,7 +159,6 @@ struct FakeFilter final : EditedFilter {
 
   std::string script, log;
   std::function<void()> zoomOut;
-  bool outOfMemory = false;
   int live = 0;
   std::vector<std::uint8_t> row = std::vector<std::uint8_t>(3 * 400);
   hostapi::FilterRecord record{};

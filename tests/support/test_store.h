@@ -12,8 +12,6 @@ class TestStore {
   ~TestStore();
   // A key for the test to work in and below.
   const std::string& key() const { return key_; }
-  // From here on nothing can be written.
-  void refuseWriting();
 
  private:
   struct State;

@@ -19,9 +19,4 @@ TestStore::~TestStore() {
   unsetenv("XDG_CONFIG_HOME");
 }
 
-void TestStore::refuseWriting() {
-  state_->folder.write("no-folder", "");
-  setenv("XDG_CONFIG_HOME", state_->folder.path("no-folder").c_str(), 1);
-}
-
 }  // namespace radiashafts::test

@@ -1,18 +1,21 @@
-// The frame: selectors, suites, the record, progress and memory as a host meets
-// them.
+// The frame as a host meets it: selectors, suites, the record and progress; and as it meets hosts
+// with floating-point states of their own, with two threads and with calls from their callbacks.
 
 #include <array>
+#include <atomic>
 #include <cstring>
 #include <functional>
 #include <sstream>
+#include <thread>
 
 #include <gtest/gtest.h>
+#include <xmmintrin.h>
 
 #include "frame/pf_filter.h"
 #include "standin/descriptors.h"
 #include "standin/host_buffer_suite.h"
-#include "tests/support/closed_windows.h"
 #include "tests/support/module_under_test.h"
+#include "tests/support/test_pictures.h"
 
 namespace radiashafts::test {
 namespace {
@@ -21,11 +24,10 @@ std::ostream& operator<<(std::ostream& out, const hostapi::Rect& r) {
   return out << r.left << ',' << r.top << ',' << r.right << ',' << r.bottom;
 }
 
-// A host by hand with a grey picture, which is its output too. It notes what
-// the filter does.
+// A host by hand with a grey picture, which is its output too. It notes what the filter does. The
+// last one that a thread has made is the one that the thread's filter talks to.
 struct HandHost {
   HandHost() {
-    current = this;
     basic.AcquireSuite = [](const char* name, std::int32_t version, const void** suite) {
       const bool buffer = std::strstr(name, "Buffer") != nullptr;
       *suite = buffer ? static_cast<const void*>(standin::bufferSuite()) : standin::handleSuite();
@@ -48,15 +50,20 @@ struct HandHost {
     record.descriptorParameters = &descriptors;
     record.handleProcs = standin::handleProcs();
   }
-  ~HandHost() { standin::disposeHandle(descriptors.descriptor); }
+  ~HandHost() {
+    standin::disposeHandle(descriptors.descriptor);
+    current = before;
+  }
 
-  int call(int selector, void* block) {
+  int call(int selector, void* block = nullptr) {
     std::int16_t result = 99;
-    moduleEntry()(static_cast<std::int16_t>(selector), block, nullptr, &result);
+    moduleEntry()(static_cast<std::int16_t>(selector), block == nullptr ? &record : block, nullptr,
+                  &result);
     return result;
   }
 
-  static inline HandHost* current = nullptr;
+  static inline thread_local HandHost* current = nullptr;
+  HandHost* const before = std::exchange(current, this);
   std::vector<std::uint8_t> picture = std::vector<std::uint8_t>(48 * 8, 100);
   hostapi::SPBasicSuite basic{};
   hostapi::PIDescriptorParameters descriptors{
@@ -77,7 +84,6 @@ struct ProbeFilter final : pfFilter {
 };
 
 TEST(Entry, AnswersEverySelectorBetweenAcquireAndRelease) {
-  const ClosedWindows user;
   const std::pair<int, int> cases[] = {{2, 0}, {4, 0}, {6, -1}, {-1, -1}, {257, 0}, {256, 0}};
   for (const auto& [selector, answer] : cases) {
     HandHost host;
@@ -85,7 +91,7 @@ TEST(Entry, AnswersEverySelectorBetweenAcquireAndRelease) {
     about.sSPBasic = &host.basic;
     host.record.maxSpace = host.record.bufferSpace = 1234;
     const bool isAbout = selector % 256 == 0;  // the block is another one
-    EXPECT_EQ(host.call(selector, isAbout ? static_cast<void*>(&about) : &host.record), answer);
+    EXPECT_EQ(host.call(selector, isAbout ? &about : nullptr), answer);
     EXPECT_EQ(host.calls.str(),
               "+Photoshop Buffer Suite for Plug-ins1+Photoshop Handle Suite for Plug-ins2"
               "-Photoshop Buffer Suite for Plug-ins1-Photoshop Handle Suite for Plug-ins2")
@@ -94,7 +100,7 @@ TEST(Entry, AnswersEverySelectorBetweenAcquireAndRelease) {
   }
 }
 
-// In the module without windows an interface is cancelled by itself.
+// Without windows the interface is cancelled by itself.
 TEST(StartSelector, EndsWithEmptyRectanglesWhateverHappens) {
   const std::pair<const char*, std::function<void(HandHost&)>> cases[] = {
       {"0 script asked reported painted", [](HandHost&) {}},
@@ -104,21 +110,21 @@ TEST(StartSelector, EndsWithEmptyRectanglesWhateverHappens) {
       {"-30 script asked", [](HandHost& h) { h.advanceResult = -30; }},
       {"-128 script asked reported", [](HandHost& h) { h.abort = true; }},
       {"0 script asked reported", [](HandHost& h) { h.record.imageMode = 4; }}};
-  ClosedWindows boxes;
+  testing::internal::CaptureStderr();  // without windows the box is a line there
   for (const auto& [outcome, change] : cases) {
     HandHost host;
     change(host);
     std::ostringstream text;
-    text << host.call(3, &host.record);
+    text << host.call(3);
     if (standin::scriptOf(host.descriptors.descriptor).size() == 27) text << " script";
-    // In the module with windows the interface asks too, for its preview.
-    if (host.asked.planes != 0 && host.descriptors.playInfo != 1) text << " asked";
+    if (host.asked.planes != 0) text << " asked";
     if (host.progress == std::pair{0, 1}) text << " reported";
     if (host.picture != std::vector<std::uint8_t>(48 * 8, 100)) text << " painted";
     text << ' ' << host.record.inRect << ' ' << host.record.outRect << ' ' << host.record.maskRect;
     EXPECT_EQ(text.str(), outcome + std::string(" 0,0,0,0 0,0,0,0 0,0,0,0"));
   }
-  EXPECT_NE(boxes.texts().find("not supported by this host"), std::string::npos);
+  EXPECT_NE(testing::internal::GetCapturedStderr().find("not supported by this host"),
+            std::string::npos);
 }
 
 TEST(SetupFilterRecord, AsksForTheWholePictureReducedByTheFactor) {
@@ -155,6 +161,96 @@ TEST(ThreadCounts, AreTheProcessorsOrASmallerRequestAndTheRequestItselfFrom64) {
   const auto count = ProbeFilter::threadCountFor;
   EXPECT_EQ((std::array{count(1, -1), count(4, 0), count(4, 3), count(63, 100), count(64, -1)}),
             (std::array{1, 4, 3, 63, -1}));
+}
+
+struct FloatingPoint {
+  std::uint32_t mxcsr;
+  std::uint16_t x87;
+  bool operator==(const FloatingPoint&) const = default;
+};
+
+FloatingPoint floatingPoint() {
+  FloatingPoint state{_mm_getcsr(), 0};
+  asm volatile("fnstcw %0" : "=m"(state.x87));
+  return state;
+}
+
+void setFloatingPoint(const FloatingPoint& state) {
+  _mm_setcsr(state.mxcsr);
+  asm volatile("fldcw %0" ::"m"(state.x87));
+}
+
+// The thread's own state, back at the end of the test.
+struct CalmEnd {
+  const FloatingPoint calm = floatingPoint();
+  ~CalmEnd() { setFloatingPoint(calm); }
+};
+
+TEST(HostileHost, FindsItsFloatingPointStateAgainAndTheSamePicture) {
+  constexpr FloatingPoint hosts[] = {
+      {0x1F80 & ~0x0680, 0x37F & ~0x0D},  // invalid, zero divide, overflow
+      {0x1F80 | 0x2000, 0x77F},
+      {0x1F80 | 0x4000, 0xB7F},  // down, up
+      {0x1F80 | 0x6000, 0xF7F},
+      {0x1F80 | 0x8040, 0x27F},  // to zero; flush, short x87
+      {0x60C0 | (0x1F80 & ~0x0680), 0x07F & ~0x0D}};
+  const CalmEnd end;
+  for (int configuration = 1; configuration <= 18; ++configuration) {
+    Random random(static_cast<unsigned>(configuration));
+    const standin::Picture input = randomPicture(random, configuration, 21, 18);
+    const standin::Script script{{hostapi::fourCharacterCode("MODE"), configuration % 2 + 1},
+                                 {hostapi::fourCharacterCode("SELS"), configuration % 4 / 2.0}};
+    standin::StandInHost host(input, nullptr);
+    standin::Picture expected;
+    ASSERT_EQ(host.run(moduleEntry(), script, expected).status, 0);
+    for (const FloatingPoint& hostState : hosts) {
+      SCOPED_TRACE(std::to_string(configuration) + ", MXCSR " + std::to_string(hostState.mxcsr));
+      host.onProgress = [&](int, int) { setFloatingPoint(hostState); };
+      setFloatingPoint(hostState);
+      standin::Picture output;
+      const int status = host.run(moduleEntry(), script, output).status;
+      const FloatingPoint after = floatingPoint();
+      setFloatingPoint(end.calm);
+      EXPECT_EQ(status, 0);
+      EXPECT_EQ(after, hostState);
+      EXPECT_EQ(output.bytes, expected.bytes);
+    }
+  }
+}
+
+TEST(HostileHost, ThatComesBackWhileTheFilterRunsIsRefused) {
+  static int onThisThread;
+  static int onAnother;
+  HandHost host;
+  host.record.advanceState = [] {
+    HandHost other;
+    onThisThread = other.call(1);
+    std::thread([&] { onAnother = other.call(1); }).join();
+    return hostapi::OSErr{0};
+  };
+  EXPECT_EQ(host.call(3), 0);
+  EXPECT_EQ(onThisThread, -128);
+  EXPECT_EQ(onAnother, -128);
+  EXPECT_EQ(HandHost().call(1), 0);
+}
+
+TEST(HostileHost, TwoThreadsThatEnterAtOnceGetAnAnswerEach) {
+  std::atomic<int> ready{0}, accepted{0}, odd{0};
+  const auto enter = [&] {
+    HandHost host;
+    ++ready;
+    while (ready < 2) std::this_thread::yield();
+    for (int round = 0; round < 1000; ++round) {
+      const int result = host.call(1 + round % 2);
+      if (result == 0) ++accepted;
+      if (result != 0 && result != -128) ++odd;
+    }
+  };
+  std::thread other(enter);
+  enter();
+  other.join();
+  EXPECT_GT(accepted, 0);
+  EXPECT_EQ(odd, 0);
 }
 
 }  // namespace

@@ -15,8 +15,6 @@
 namespace radiashafts::test {
 namespace {
 
-using Names = std::vector<std::string>;
-
 // With $ for the end of a line that the program wrote, and % for the values as it writes them.
 std::string spelledOut(const std::string& text) {
   constexpr char values[] =
@@ -56,43 +54,6 @@ TEST(Presets, AChangeReplacesAddsOrRemovesOneEntryInItsPlace) {
                                  : set.parameters.SaveSettings(c.name, path, "Us"));
     EXPECT_EQ(folder.read("p.cfg"), spelledOut(c.after));
     EXPECT_EQ(folder.fileCount(), 1);
-  }
-}
-
-// The owner after asking; whether the file is ours; its names.
-TEST(Presets, AnyFileIsLookedAtAndOnlyOurOwnIsTouched) {
-  struct {
-    std::string content;
-    bool ours;
-    const char* owner;
-    Names names;
-  } const cases[] = {
-      {"absent", true, "Us", {}},
-      {"name A\nFlag 1\n", false, "Us", {}},
-      {"FileOwner", false, "Us", {}},
-      {"FileOwner Them FileOwner Us", false, "Them", {}},
-      {"#!text\nfileowner US\nNAME b\nname A Flag 1 name B\nname", true, "Us", {"b", "A", "B"}},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.content);
-    const TestFolder folder;
-    const std::string path = folder.path("p.cfg");
-    if (c.content != "absent") folder.write("p.cfg", c.content);
-    PresetSet set;
-    pfParameters& parameters = set.parameters;
-    std::string owner = "Us";
-    EXPECT_EQ(parameters.IsSettingFileValid(path, owner), c.ours);
-    EXPECT_EQ(owner, c.owner);
-    Names names;
-    EXPECT_EQ(parameters.GetSettingNames(path, names, "Us"), c.ours);
-    EXPECT_EQ(names, c.names);
-    for (const char* name : {"", "none"}) {
-      EXPECT_FALSE(parameters.LoadSettings(name, path, nullptr));
-      EXPECT_FALSE(parameters.DeleteSettings(name, path));
-    }
-    EXPECT_TRUE(c.ours || !parameters.SaveSettings("A", path, "Us"));
-    EXPECT_TRUE(c.ours || std::string(c.owner) != "Us" || !parameters.DeleteSettings("A", path));
-    EXPECT_EQ(folder.read("p.cfg"), c.content);
   }
 }
 

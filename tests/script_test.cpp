@@ -116,23 +116,5 @@ TEST(Script, TwentySevenValuesGoOutAndTwentyFiveComeBackInAnyOrder) {
   EXPECT_EQ(disposed, 4);  // three that were read and one that was replaced
 }
 
-TEST(Script, WhatIsAbsentForeignMistypedNotFiniteOrNoEntryKeepsItsValue) {
-  ScriptHost h;
-  h.effect.Origin.SetValue(0.1, 0.2);
-  h.effect.Mode.SetValue(2);
-  const Script script{
-      {code("null"), 9.0},      {code("ORIY"), 1.4},  {code("INTE"), 4},   {code("IMCO"), 0.0},
-      {code("MODE"), 0},        {code("MODE"), -1},   {code("MODE"), 9},   {code("BLND"), 7.0},
-      {code("RALE"), 1.5},      {code("COLG"), 1.5},  {0U, 0.9},           {0U, true},
-      {code("RADI"), 7.5},      {code("GAMA"), -1.0}, {code("HSLH"), NAN}, {code("ORIX"), INFINITY},
-      {code("COHB"), -INFINITY}};
-  h.readScript(script);
-  EXPECT_EQ(h.effect.ColorLow.value()[1] + h.effect.RayLength.value(), 3.0);  // without limits
-  h.parameters.ValidateAll();
-  EXPECT_EQ(text(h.written()),
-            "ORIX0.1 ORIY1.4 INTE2 RALE1 RADI7.5 CONT0 GAMA0 COBA0 IMCO1 HSLH0 HSLS0 HSLL0 SELL0 "
-            "SELH255 SELS0 SELC1 COLR1 COLG1 COLB1 COHR1 COHG1 COHB1 MODE2 BLND3 SHOW1 0.05 0 ");
-}
-
 }  // namespace
 }  // namespace radiashafts

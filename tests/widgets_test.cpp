@@ -132,18 +132,6 @@ TEST(NumberWidget, LimitsWhatIsTypedAndRewritesItOnlyWhenTheEditLosesTheFocus) {
   }
 }
 
-TEST(Widgets, ShowTheirParameters) {
-  Editor e;
-  const std::pair<int, const char*> cases[] = {{1033, "-100..100/20"},
-                                               {1038, "0..200/20"},
-                                               {1066, "1"},
-                                               {1031, "200"},
-                                               {1029, "normal..selection only"}};
-  for (const auto& [id, text] : cases) EXPECT_EQ(e.panel.texts[id], text) << id;
-  EXPECT_EQ((std::array{e.panel.numbers[1009], e.panel.numbers[1029], e.panel.numbers[1076]}),
-            (std::array{2, 0, 1}));
-}
-
 TEST(Editing, EveryActionIsOneStepOfTheHistoryThatUndoesAndRedoes) {
   constexpr Point onSwatch{30, 50}, inPreview{100, 100};
   constexpr Channels white{1.0, 1.0, 1.0};
@@ -243,32 +231,6 @@ TEST(RandomizeButton, MovesTheOtherSeventeenWithinTheAmountAsOneStepOfTheHistory
   }
   EXPECT_EQ(moved, (std::set<std::size_t>{0,  1,  2,  3,  4,  5,  6,  7,  9,  10, 11,
                                           12, 13, 14, 15, 16, 17, 18, 19, 20, 21, 22}));
-}
-
-TEST(PreviewPointer, TellsThePlaceAndPansWithTheHand) {
-  Editor e;
-  e.pointer.OnMove({173, 319});
-  EXPECT_EQ(e.windows.caption, "Preview:  x: 123 y: 299");
-  e.view.AssignScaleFactor(-1);  // twice as large as the picture
-  const auto pan = [&](Point from, Point to) {
-    e.pointer.OnRightDown(from);
-    e.pointer.OnMove(to);
-    e.pointer.OnRightUp();
-    e.pointer.OnMove({0, 0});
-    e.view.limitPan();
-    return std::array{e.view.geometry().pan.x, e.view.geometry().pan.y};
-  };
-  pan({0, 0}, {499, 339});
-  EXPECT_EQ(pan({499, 0}, {0, 0})[0], 150);  // and not 249
-  EXPECT_EQ(pan({0, 0}, {100, 60}), (std::array{100, 130}));
-}
-
-TEST(Swatches, AreGreyForGoodOnAGreyPicture) {
-  Editor e(hostapi::modeGrayScale);
-  auto& low = e.of<pfParameterRGB>(1036);
-  low.SetValue(1.0, 0.5, 0.0);
-  EXPECT_EQ(e.editing.swatches()[0].color, (std::array{145, 145, 145}));
-  EXPECT_NEAR(low.value()[2], 0.568762609, 1e-12);
 }
 
 hostapi::OSErr hostCode = 0;

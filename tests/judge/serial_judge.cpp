@@ -105,7 +105,7 @@ struct Render {
   Render(const Picture& picture, const Values& values)
       : input(picture),
         v(values),
-        colors(picture.colorChannels),
+        colors(picture.colorPlanes),
         alpha(picture.hasAlpha),
         isFloat(picture.depth == 32),
         range(isFloat               ? 1.0
@@ -137,7 +137,7 @@ struct Render {
       for (int i = 0; i < w * h; ++i) {
         double selected[4];
         selectPixel(i, mask, selected);
-        std::copy_n(selected, channels, sampleOf(output, i));
+        for (int k = 0; k < channels; ++k) store(output, sampleIndex(i) + k, selected[k]);
       }
       return output;
     }
@@ -179,24 +179,23 @@ struct Render {
 
       Pixel base = pixelAt(i);
       blend(base, ray);
-      double* to = sampleOf(output, i);
       for (int k = 0; k < colors; ++k) {  // float values may exceed full scale
-        to[k] = stored(isFloat && !(base.c[k] < 0.0) ? base.c[k] : clampTo(base.c[k], range));
+        const bool fits = isFloat && !(base.c[k] < 0.0);
+        store(output, sampleIndex(i) + k, stored(fits ? base.c[k] : clampTo(base.c[k], range)));
       }
-      if (alpha) to[colors] = stored(base.a);
+      if (alpha) store(output, sampleIndex(i) + colors, stored(base.a));
     }
     return output;
   }
 
-  double* sampleOf(Picture& picture, int i) const {
-    return &picture.samples[static_cast<std::size_t>(i) * picture.planes];
+  std::size_t sampleIndex(int pixel) const {
+    return static_cast<std::size_t>(pixel) * input.planes;
   }
 
   Pixel pixelAt(int i) const {
-    const double* samples = &input.samples[static_cast<std::size_t>(i) * input.planes];
     Pixel p;
-    std::copy_n(samples, colors, p.c);
-    if (alpha) p.a = samples[colors];
+    for (int k = 0; k < colors; ++k) p.c[k] = sampleAt(input, sampleIndex(i) + k);
+    if (alpha) p.a = sampleAt(input, sampleIndex(i) + colors);
     return p;
   }
 
@@ -461,7 +460,26 @@ struct Render {
   std::vector<float> gammaTable;
 };
 
+// Calls with the address of a sample of the picture's type.
+template <class Action>
+auto withSample(const Picture& picture, std::size_t index, const Action& action) {
+  auto* const at = const_cast<std::uint8_t*>(&picture.bytes[index * picture.sampleBytes()]);
+  if (picture.depth == 8) return action(at);
+  if (picture.depth == 16) return action(reinterpret_cast<std::uint16_t*>(at));
+  return action(reinterpret_cast<float*>(at));
+}
+
 }  // namespace
+
+double sampleAt(const Picture& picture, std::size_t index) {
+  return withSample(picture, index, [](auto* sample) { return static_cast<double>(*sample); });
+}
+
+void store(Picture& picture, std::size_t index, double value) {
+  withSample(picture, index, [value](auto* sample) {
+    *sample = static_cast<std::remove_pointer_t<decltype(sample)>>(value);
+  });
+}
 
 Picture render(const Picture& input, const std::uint8_t* mask, const Values& values,
                double viewScaleX, double viewScaleY) {

@@ -7,18 +7,15 @@
 #include <cstdint>
 #include <vector>
 
+#include "standin/picture.h"
+
 namespace judge {
 
-struct Picture {
-  int width = 0;
-  int height = 0;
-  int planes = 0;         // samples per pixel, those that the render ignores included
-  int depth = 8;          // 8, 16 or 32 bits per sample
-  int colorChannels = 0;  // 1, 2 or 3: the leading planes that carry colour
-  bool hasAlpha = false;  // the plane behind the colour channels is alpha
-  // Interleaved, row by row, in the depth's own scale: 0..255, 0..32768, or the float value.
-  std::vector<double> samples;
-};
+using radiashafts::standin::Picture;
+
+// A sample in the depth's own scale. Storing a value cuts off its fraction at 8 and 16 bits.
+double sampleAt(const Picture& picture, std::size_t index);
+void store(Picture& picture, std::size_t index, double value);
 
 struct Values {
   double originX = 0.5, originY = 0.5;  // as fractions of the picture's size

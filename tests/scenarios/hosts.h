@@ -97,6 +97,7 @@ inline void enterWithProcs(std::int16_t selector, void* block, std::intptr_t* da
     standIns = *record;
     record->advanceState = advanceState;
     if (record->displayPixels != nullptr) record->displayPixels = displayPixels;
+    if (hostManner == "shows no progress") record->progressProc = nullptr;
   }
   moduleEntry()(selector, block, data, result);
 }

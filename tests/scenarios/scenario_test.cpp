@@ -426,7 +426,7 @@ class Player {
   // How many samples in the middle of the preview are not as the judge renders the picture.
   long long wrongPixels() const {
     const standin::Picture& input = host_->settings.picture;
-    const auto judged = storedPicture(judge::render(judgePicture(input), nullptr, values_), input);
+    const standin::Picture judged = judge::render(input, nullptr, values_);
     const RECT frame = rectOf(GetDlgItem(preview_, ID_PREVIEW_FRAME));
     const LONG left = frame.left + (frame.right - frame.left - input.width) / 2;
     const LONG top = frame.top + (frame.bottom - frame.top - input.height) / 2;

@@ -6,7 +6,6 @@
 #include <gtest/gtest.h>
 
 #include "interface/win32/dialog_ids.h"
-#include "standin/host_display.h"
 #include "standin/system/module.h"
 #include "tests/scenarios/hosts.h"
 #include "tests/support/long_test.h"
@@ -82,51 +81,6 @@ TEST(WindowsModule, ComesAndGoesAHundredTimesAndLeavesNothing) {
 TEST(WindowsModuleDeathTest, AProcessEndsWithTheModuleLoaded) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   EXPECT_EXIT(ExitProcess(loadAndRun(*new standin::Module)), testing::ExitedWithCode(0), "");
-}
-
-// Rows of a picture by planes, into the middle of a bitmap.
-TEST(StandInHost, DrawsPlanarPixelsWhereItIsAsked) {
-  std::uint8_t planar[] = {10, 11, 20, 21, 30, 31, 40, 41, 50, 51, 60, 61};  // 2 x 2
-  hostapi::PSPixelMap map{};
-  map.bounds = {0, 0, 2, 2};
-  map.imageMode = hostapi::modeRGB;
-  map.rowBytes = 2;
-  map.colBytes = 1;
-  map.planeBytes = 4;
-  map.baseAddr = planar;
-  const hostapi::VRect lowerRow{1, 0, 2, 2};
-  const HDC screen = GetDC(nullptr);
-  ASSERT_EQ(standin::displayPixels(&map, &lowerRow, 3, 5, screen), 0);
-  EXPECT_EQ(GetPixel(screen, 6, 3), RGB(21, 41, 61));
-  ReleaseDC(nullptr, screen);
-}
-
-// The trace tells whether OK came while a render ran; where it came too late, it is tried again.
-TEST(Preview, OkEndsARunningRender) {
-  const std::string log = (workFolder() / "render.txt").string();
-  RegSetKeyValueA(HKEY_CURRENT_USER, "SOFTWARE\\Halvorsund\\Photoshop\\Radiashafts", "logfile",
-                  REG_SZ, log.c_str(), static_cast<DWORD>(log.size() + 1));
-  std::size_t begin = 0, pressed = 0;
-  const auto isRendering = [&](std::size_t end) {
-    const std::string text = contentsOf(log).substr(begin, end - begin);
-    return count(text, "SelectRenderTemplate") > count(text, "DrawToPreview");
-  };
-  do {
-    begin = contentsOf(log).size();
-    Host::Settings settings;
-    settings.picture = placesPicture(6000, 4000);
-    settings.script = {{hostapi::fourCharacterCode("MODE"), 2}};
-    const Host host(settings);
-    HWND panel = nullptr;
-    ASSERT_TRUE(eventually([&] { return (panel = findDialog("Radiashafts  V")) != nullptr; }));
-    const HWND zoom = GetDlgItem(panel, ID_PERCENTAGE);
-    for (; textOf(zoom) != "100%"; Sleep(100)) PostMessageA(panel, WM_COMMAND, ID_ZOOM_IN, 0);
-    ASSERT_TRUE(eventually([&] { return isRendering(std::string::npos); }));
-    PostMessageA(panel, WM_COMMAND, IDOK, 0);
-    ASSERT_EQ(host.status(), 0);
-    pressed = contentsOf(log).find("OK pressed", begin);
-  } while (!isRendering(pressed));
-  EXPECT_EQ(count(contentsOf(log).substr(pressed), "DrawToPreview"), 0);
 }
 
 }  // namespace

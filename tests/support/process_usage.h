@@ -10,7 +10,6 @@ struct ProcessUsage {
   int threads = 0;
   int handles = 0;
   int drawingObjects = 0;
-  int windows = 0;
   std::size_t memory = 0;  // bytes committed for this process alone
 };
 std::ostream& operator<<(std::ostream& out, const ProcessUsage& usage);

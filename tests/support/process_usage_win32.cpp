@@ -81,7 +81,7 @@ std::ostream& operator<<(std::ostream& out, const ProcessUsage& usage) {
 }
 
 ProcessUsage processUsage() {
-  return {threads(), handles(), drawingObjects(), 0, privateMemory()};
+  return {threads(), handles(), drawingObjects(), privateMemory()};
 }
 
 }  // namespace radiashafts::test

@@ -1,7 +1,5 @@
 #include "tests/support/test_pictures.h"
 
-#include <cstring>
-
 #include "hostapi/types.h"
 
 namespace radiashafts::test {
@@ -20,21 +18,6 @@ double randomSample(Random& random, int depth) {
   return uniform(random, 0.0, depth == 32 && kind == 2 ? 1.5 : range);
 }
 
-// Calls with the address of a sample of the picture's type.
-template <class Action>
-auto withSample(const standin::Picture& picture, std::size_t index, const Action& action) {
-  auto* const at = const_cast<std::uint8_t*>(&picture.bytes[index * picture.sampleBytes()]);
-  if (picture.depth == 8) return action(at);
-  if (picture.depth == 16) return action(reinterpret_cast<std::uint16_t*>(at));
-  return action(reinterpret_cast<float*>(at));
-}
-
-void store(standin::Picture& picture, std::size_t index, double value) {
-  withSample(picture, index, [value](auto* sample) {
-    *sample = static_cast<std::remove_pointer_t<decltype(sample)>>(value);
-  });
-}
-
 }  // namespace
 
 standin::Picture randomPicture(Random& random, int configuration, int width, int height,
@@ -48,7 +31,7 @@ standin::Picture randomPicture(Random& random, int configuration, int width, int
   picture.planes = picture.colorPlanes + (picture.hasAlpha ? 1 : 0) + extraPlanes;
   picture.allocate();
   for (std::size_t i = 0; i < picture.sampleCount(); ++i) {
-    store(picture, i, randomSample(random, picture.depth));
+    judge::store(picture, i, randomSample(random, picture.depth));
   }
   return picture;
 }
@@ -109,27 +92,6 @@ standin::Script scriptOf(const judge::Values& v) {
     key += 4;
   }
   return script;
-}
-
-judge::Picture judgePicture(const standin::Picture& picture) {
-  judge::Picture result{picture.width,
-                        picture.height,
-                        picture.planes,
-                        picture.depth,
-                        picture.colorPlanes,
-                        picture.hasAlpha,
-                        {}};
-  for (std::size_t i = 0; i < picture.sampleCount(); ++i) {
-    result.samples.push_back(
-        withSample(picture, i, [](auto* sample) { return static_cast<double>(*sample); }));
-  }
-  return result;
-}
-
-standin::Picture storedPicture(const judge::Picture& picture, const standin::Picture& like) {
-  standin::Picture result = like;
-  for (std::size_t i = 0; i < picture.samples.size(); ++i) store(result, i, picture.samples[i]);
-  return result;
 }
 
 }  // namespace radiashafts::test

@@ -23,8 +23,4 @@ judge::Values randomValues(Random& random);
 // The script that sets a filter to the values.
 standin::Script scriptOf(const judge::Values& values);
 
-judge::Picture judgePicture(const standin::Picture& picture);
-// The picture's bytes as the judge's samples would be stored.
-standin::Picture storedPicture(const judge::Picture& picture, const standin::Picture& like);
-
 }  // namespace radiashafts::test

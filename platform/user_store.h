@@ -11,14 +11,12 @@ namespace radiashafts::platform {
 // A key with named, typed values of the current user. Key paths are separated by "\"; a key also
 // exists if one of its subkeys does. Reading a value of a different type or size returns none, as
 // if it did not exist. Write errors are ignored.
-//
-// Names must not contain line feeds or " = " and must not begin with "[".
 class UserKey {
  public:
   // Empty when the key does not exist or cannot be read.
   static std::optional<UserKey> openForReading(const std::string& path);
-  // Creates the key if needed; empty when it cannot be written. Values may not be visible to
-  // readers before this object is destroyed.
+  // Creates the key if needed; empty when it cannot be written, as always on systems other than
+  // Windows.
   static std::optional<UserKey> createForWriting(const std::string& path);
 
   UserKey(UserKey&& other) noexcept;

@@ -1,12 +1,12 @@
-// All values are stored in one text file, "radiashafts/settings" in the user's configuration
-// folder:
+// All values are in one text file, "radiashafts/settings" in the user's configuration folder. Users
+// write it by hand: nothing on this system stores settings.
 //
 //   [KEY\PATH]
 //   Name = dword:000000ff
 //   Name = text:a backslash is \\, a line feed \n
 //   Name = bytes:00ff
 //
-// Other lines are ignored and kept.
+// Other lines are ignored.
 
 #include "platform/user_store.h"
 
@@ -17,10 +17,6 @@
 #include <map>
 #include <string_view>
 #include <vector>
-
-#include <fcntl.h>
-#include <sys/file.h>
-#include <unistd.h>
 
 #include "platform/whole_file.h"
 
@@ -49,17 +45,6 @@ fs::path storeFile() {
   return folder / "radiashafts" / "settings";
 }
 
-std::string hexadecimal(std::string_view bytes) {
-  constexpr char digits[] = "0123456789abcdef";
-  std::string text;
-  for (const char c : bytes) {
-    const auto byte = static_cast<unsigned char>(c);
-    text += digits[byte / 16];
-    text += digits[byte % 16];
-  }
-  return text;
-}
-
 std::optional<std::string> bytesOf(std::string_view text) {
   std::string bytes;
   if (text.size() % 2 != 0) return std::nullopt;
@@ -70,20 +55,6 @@ std::optional<std::string> bytesOf(std::string_view text) {
     bytes += static_cast<char>(byte);
   }
   return bytes;
-}
-
-std::string escaped(std::string_view text) {
-  std::string result;
-  for (const char c : text) {
-    if (c == '\\') {
-      result += "\\\\";
-    } else if (c == '\n') {
-      result += "\\n";
-    } else {
-      result += c;
-    }
-  }
-  return result;
 }
 
 std::string unescaped(std::string_view text) {
@@ -117,79 +88,9 @@ std::optional<std::string_view> keyOf(std::string_view line) {
   return line.substr(1, line.size() - 2);
 }
 
-bool isEntryOf(std::string_view line, const std::string& name) {
-  return line.substr(0, name.size()) == name && line.substr(name.size(), equals.size()) == equals;
-}
-
-using Values = std::map<std::string, std::string>;
-
-void setLine(std::vector<std::string>& lines, const std::string& key, const std::string& name,
-             const std::string& value) {
-  const std::string line = name + std::string(equals) + value;
-  for (std::size_t i = 0; i < lines.size(); ++i) {
-    if (keyOf(lines[i]) != key) continue;
-    std::size_t end = i + 1;
-    for (; end < lines.size() && !keyOf(lines[end]); ++end) {
-      if (!isEntryOf(lines[end], name)) continue;
-      lines[end] = line;
-      return;
-    }
-    while (lines[end - 1].empty())
-      --end;  // insert before the empty lines that precede the next key
-    lines.insert(lines.begin() + static_cast<std::ptrdiff_t>(end), line);
-    return;
-  }
-}
-
-void ensureKey(std::vector<std::string>& lines, const std::string& key) {
-  for (const std::string& line : lines) {
-    if (keyOf(line) == key) return;
-  }
-  if (!lines.empty()) lines.emplace_back();
-  lines.push_back("[" + key + "]");
-}
-
-// RAII: an exclusive lock on the folder, held while the file is read and replaced, so that writers
-// wait for each other.
-class StoreLock {
- public:
-  explicit StoreLock(const fs::path& folder)
-      : folder_(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
-    if (folder_ >= 0) flock(folder_, LOCK_EX);
-  }
-  ~StoreLock() {
-    if (folder_ >= 0) close(folder_);
-  }
-  StoreLock(const StoreLock&) = delete;
-  StoreLock& operator=(const StoreLock&) = delete;
-
- private:
-  int folder_;
-};
-
-void store(const fs::path& file, const std::string& key, const Values& values) {
-  const StoreLock lock(file.parent_path());
-  changeWholeFile(file.string(), [&](const WholeFile& old) -> std::optional<std::string> {
-    if (old.state == FileState::refused || old.state == FileState::unfit) return std::nullopt;
-    std::vector<std::string> lines = linesOf(old.content);
-    ensureKey(lines, key);
-    for (const auto& [name, value] : values) setLine(lines, key, name, value);
-    std::string content;
-    for (const std::string& line : lines) content += line + "\n";
-    return content == old.content ? std::nullopt : std::optional(content);
-  });
-}
-
 }  // namespace
 
 struct UserKey::State {
-  State() = default;
-  ~State() {
-    if (!file.empty()) store(file, key, values);
-  }
-  State(const State&) = delete;
-  State& operator=(const State&) = delete;
-
   // The value's text after its type mark; none when it is of another type.
   std::optional<std::string_view> valueAfterMark(const std::string& name,
                                                  std::string_view mark) const {
@@ -198,9 +99,7 @@ struct UserKey::State {
     return std::string_view(value->second).substr(mark.size());
   }
 
-  fs::path file;  // only set when the key was opened for writing
-  std::string key;
-  Values values;  // those read from the file, or those to write
+  std::map<std::string, std::string> values;
 };
 
 UserKey::UserKey(std::unique_ptr<State> state) : state_(std::move(state)) {}
@@ -223,18 +122,6 @@ std::optional<UserKey> UserKey::openForReading(const std::string& path) {
     }
   }
   if (!found) return std::nullopt;
-  return UserKey(std::move(state));
-}
-
-std::optional<UserKey> UserKey::createForWriting(const std::string& path) {
-  const fs::path file = storeFile();
-  if (file.empty()) return std::nullopt;
-  std::error_code error;
-  fs::create_directories(file.parent_path(), error);
-  if (error || access(file.parent_path().c_str(), W_OK) != 0) return std::nullopt;
-  auto state = std::make_unique<State>();
-  state->file = file;
-  state->key = path;
   return UserKey(std::move(state));
 }
 
@@ -269,19 +156,12 @@ bool UserKey::readBytes(const std::string& name, void* bytes, std::size_t size) 
   return true;
 }
 
-void UserKey::writeNumber(const std::string& name, std::uint32_t value) {
-  std::string digits;
-  for (int shift = 24; shift >= 0; shift -= 8) digits += static_cast<char>(value >> shift & 0xFF);
-  state_->values[name] = std::string(numberMark) + hexadecimal(digits);
+std::optional<UserKey> UserKey::createForWriting(const std::string&) {
+  return std::nullopt;
 }
 
-void UserKey::writeText(const std::string& name, const std::string& text) {
-  state_->values[name] = std::string(textMark) + escaped(text.c_str());
-}
-
-void UserKey::writeBytes(const std::string& name, const void* bytes, std::size_t size) {
-  const std::string_view view(static_cast<const char*>(bytes), size);
-  state_->values[name] = std::string(bytesMark) + hexadecimal(view);
-}
+void UserKey::writeNumber(const std::string&, std::uint32_t) {}
+void UserKey::writeText(const std::string&, const std::string&) {}
+void UserKey::writeBytes(const std::string&, const void*, std::size_t) {}
 
 }  // namespace radiashafts::platform

@@ -25,15 +25,20 @@ class MultImageFilter final : public RowFilter {
   }
 
   std::int32_t processRow(std::int32_t row, std::int32_t, std::int32_t threadIndex) override {
+    multiplyRow(row, image.at(0, row));
+    return reportRow(row, image.height, threadIndex);
+  }
+
+  // A row of the image, wherever its samples stand.
+  void multiplyRow(std::int32_t row, typename Image::Stored* samples) const {
     using Pixel = typename Image::Pixel;
     for (std::int32_t x = 0; x < image.width; ++x) {
       const double factor = *mask.at(x, row) * Mask::Pixel::toUnit;
-      typename Image::Stored* sample = image.at(x, row);
+      typename Image::Stored* const sample = image.pixelOf(samples, x);
       for (int c = 0; c < Pixel::channels; ++c) {
         sample[c] = toSample<typename Image::Sample>(factor * sample[c]);
       }
     }
-    return reportRow(row, image.height, threadIndex);
   }
 };
 

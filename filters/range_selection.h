@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <limits>
 #include <type_traits>
 
 #include "filters/selection_parameters.h"
@@ -71,13 +72,20 @@ class AxisCurve {
 template <class Pixel>
 class SelectionCurve {
  public:
-  static constexpr bool isFloat = std::is_floating_point_v<typename Pixel::Sample>;
+  using Sample = typename Pixel::Sample;
+  static constexpr bool isFloat = std::is_floating_point_v<Sample>;
 
   explicit SelectionCurve(const SelectionParameters& selection)
       : hue_(selection.hue, selection.hueOffset, true),
         saturation_(selection.saturation, selection.saturationOffset, true),
         lightness_(selection.lightness, selection.lightnessOffset, !isFloat),
         lightnessAlone_(hue_.isOpen() && saturation_.isOpen()) {}
+
+  // Whether every pixel is selected with 1. Where samples can exceed full scale it depends on them.
+  bool isOpen() const {
+    constexpr bool canExceed = isFloat || std::numeric_limits<Sample>::max() > Pixel::rangeNumber;
+    return !canExceed && lightnessAlone_ && lightness_.isOpen();
+  }
 
   // The product of the three curves for pixels given by their colour channels in the picture's
   // range; 0 for a pixel that is not selected.
@@ -136,12 +144,18 @@ class HslRangeSelectionFilter final : public RowFilter {
   }
 
   std::int32_t processRow(std::int32_t row, std::int32_t, std::int32_t threadIndex) override {
-    if (selection.selectionActive) {
-      selectRow(row);
-    } else {
-      copyRow(row);
-    }
+    writeRow(row, target.at(0, row));
     return reportRow(row, target.height, threadIndex);
+  }
+
+  // A row of the target, wherever its samples stand.
+  void writeRow(std::int32_t row, typename Target::Stored* samples) const {
+    const SelectionCurve<typename Colour::Pixel> curve(selection);
+    if (selection.selectionActive && (selection.selectionOnly || !curve.isOpen())) {
+      selectRow(curve, row, samples);
+    } else {
+      copyRow(row, samples);
+    }
   }
 
  private:
@@ -152,7 +166,16 @@ class HslRangeSelectionFilter final : public RowFilter {
   static constexpr int selectionColors = Colour::Pixel::colorChannels;
   static constexpr std::int32_t blockPixels = 64;  // whole lanes
 
-  void copyRow(std::int32_t row) const {
+  void copyRow(std::int32_t row, typename Target::Stored* samples) const {
+    if constexpr (!SourcePixel::hasAlpha && std::is_same_v<typename Target::Stored, float>) {
+      const bool covers = firstImage.contains(0, row) && firstImage.width >= target.width;
+      if (covers && firstImage.stride() == SourcePixel::bytes && !selection.selectionOnly) {
+        const typename Source::Stored* const from = firstImage.at(0, row);
+        const std::ptrdiff_t count = std::ptrdiff_t{target.width} * SourcePixel::channels;
+        for (std::ptrdiff_t i = 0; i < count; ++i) samples[i] = static_cast<float>(from[i]);
+        return;
+      }
+    }
     for (std::int32_t x = 0; x < target.width; ++x) {
       Working pixel{};
       if (firstImage.contains(x, row)) {
@@ -162,12 +185,12 @@ class HslRangeSelectionFilter final : public RowFilter {
           pixel = readPremultiplied(firstImage.at(x, row));
         }
       }
-      write(x, row, pixel);
+      write(target.pixelOf(samples, x), pixel);
     }
   }
 
-  void selectRow(std::int32_t row) const {
-    const SelectionCurve<typename Colour::Pixel> curve(selection);
+  void selectRow(const SelectionCurve<typename Colour::Pixel>& curve, std::int32_t row,
+                 typename Target::Stored* samples) const {
     const std::int32_t sourceShiftX = target.frameX - selectionSource.frameX;
     const std::int32_t sourceRow = row - selectionSource.frameY + target.frameY;
     const std::uint32_t columns = columnsInRow(firstImage, row);
@@ -201,7 +224,7 @@ class HslRangeSelectionFilter final : public RowFilter {
         } else {
           for (double& channel : pixel) channel *= selected[i];
         }
-        write(x, row, pixel);
+        write(target.pixelOf(samples, x), pixel);
       }
     }
   }
@@ -239,8 +262,7 @@ class HslRangeSelectionFilter final : public RowFilter {
     }
   }
 
-  void write(std::int32_t x, std::int32_t row, const Working& pixel) const {
-    typename Target::Stored* sample = target.at(x, row);
+  static void write(typename Target::Stored* sample, const Working& pixel) {
     for (int c = 0; c < SourcePixel::channels; ++c) sample[c] = toSample<TargetSample>(pixel[c]);
   }
 };

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <optional>
 #include <span>
 #include <type_traits>
 
@@ -41,24 +42,33 @@ class RadiashaftsStraightFilter final : public HalvorsundFilter {
   std::int32_t originX = 0;  // in frame coordinates, at most 1e9 from 0
   std::int32_t originY = 0;
 
+  // Walks the rays; resolveRow gives the rows of the result.
   std::int32_t run(std::int32_t stage, std::int32_t stages) override {
     stage_ = stage;
     stages_ = stages;
     ox_ = originX - image.frameX;
     oy_ = originY - image.frameY;
 
-    const HostBuffer buffer(*host, image.width, image.height, AccumulationPixel::bytes);
-    if (!buffer) return host->OutOfMemoryCode();
-    accumulationImage_ = tightView<AccumulationImage>(image.width, image.height, buffer.data());
-    accumulationImage_.frameX = image.frameX;
-    accumulationImage_.frameY = image.frameY;
+    buffer_.emplace(*host, image.width, image.height, AccumulationPixel::bytes);
+    if (!*buffer_) return host->OutOfMemoryCode();
+    accumulationImage_ = tightView<AccumulationImage>(image.width, image.height, buffer_->data());
     progressCounter_ = 0;
-    progressTotal_ = 3 * image.height + 2 * image.width;
+    progressTotal_ = 2 * image.height + 2 * image.width;
 
-    std::int32_t status = clearAccumulation();
-    if (status == host->NoErrorCode()) status = walkRays();
-    if (status == host->NoErrorCode()) status = resolve();
-    return status;
+    const std::int32_t status = clearAccumulation();
+    return status == host->NoErrorCode() ? walkRays() : status;
+  }
+
+  // Row y of the smeared image, without gaps. A pixel that no ray touched is 0.
+  void resolveRow(std::int32_t y, float* pixel) const {
+    const float* sum = accumulationImage_.at(0, y);
+    for (std::int32_t x = 0; x < image.width; ++x) {
+      const double weight = sum[channels];
+      const double inverse = weight != 0.0 ? 1.0 / weight : 0.0;
+      for (int c = 0; c < channels; ++c) pixel[c] = static_cast<float>(sum[c] * inverse);
+      sum += AccumulationPixel::samples;
+      pixel += Pixel::samples;
+    }
   }
 
  private:
@@ -319,41 +329,13 @@ class RadiashaftsStraightFilter final : public HalvorsundFilter {
     return mask;
   }
 
-  std::int32_t resolve() {
-    const auto strip = [](void* context, std::int32_t index, std::int32_t iterations,
-                          std::int32_t threadIndex) {
-      return static_cast<RadiashaftsStraightFilter*>(context)->resolveStrip(index, iterations,
-                                                                            threadIndex);
-    };
-    return host->RunIterations(4, {this, strip});
-  }
-
-  // A pixel that no ray touched becomes 0.
-  std::int32_t resolveStrip(std::int32_t index, std::int32_t strips, std::int32_t threadIndex) {
-    const std::int32_t rows = image.height / strips;
-    const std::int32_t end = index == strips - 1 ? image.height : (index + 1) * rows;
-    for (std::int32_t y = index * rows; y < end; ++y) {
-      const float* sum = accumulationImage_.at(0, y);
-      float* pixel = image.at(0, y);
-      for (std::int32_t x = 0; x < image.width; ++x) {
-        const double weight = sum[channels];
-        const double inverse = weight != 0.0 ? 1.0 / weight : 0.0;
-        for (int c = 0; c < channels; ++c) pixel[c] = static_cast<float>(sum[c] * inverse);
-        sum += AccumulationPixel::samples;
-        pixel += Pixel::samples;
-      }
-      const std::int32_t status = report(threadIndex);
-      if (status != host->NoErrorCode()) return status;
-    }
-    return host->NoErrorCode();
-  }
-
-  // Reports one more ray or resolved row.
+  // Reports one more ray.
   std::int32_t report(std::int32_t threadIndex) {
     return host->Progress(stage_ * progressTotal_ + progressCounter_++, stages_ * progressTotal_,
                           threadIndex);
   }
 
+  std::optional<HostBuffer> buffer_;
   AccumulationImage accumulationImage_;
   std::int32_t ox_ = 0;  // the origin in the image's own pixel grid; may lie outside
   std::int32_t oy_ = 0;

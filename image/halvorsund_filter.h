@@ -1,6 +1,7 @@
 // The base of all image filters.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <limits>
 
@@ -60,6 +61,19 @@ class RowFilter : public HalvorsundFilter {
   std::int32_t stage = 0;
   std::int32_t stages = 1;
 };
+
+// Rows first to end - 1, one of several bands of nearly the same height.
+struct RowBand {
+  RowBand(std::int32_t index, std::int32_t bands, std::int32_t height)
+      : first(index * height / bands), end((index + 1) * height / bands) {}
+  bool contains(std::int32_t y) const { return y >= first && y < end; }
+  std::int32_t first, end;
+};
+// For bands of about 32 rows: enough of them for all threads, and few enough for work that each
+// does once more for a row beside it. No side is above 32767, so products of both fit 32 bits.
+inline std::int32_t bandCount(std::int32_t height) {
+  return std::max(1, height / 32);
+}
 
 // A working buffer from the host, freed by the destructor.
 class HostBuffer {

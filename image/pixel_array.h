@@ -41,6 +41,10 @@ struct PixelArray {
   Stored* at(std::int32_t x, std::int32_t y) const {
     return reinterpret_cast<Stored*>(rowBytes(y) + x * stride());
   }
+  // Pixel x of a row like the image's own, from the row's first sample on.
+  Stored* pixelOf(Stored* row, std::int32_t x) const {
+    return reinterpret_cast<Stored*>(reinterpret_cast<std::uint8_t*>(row) + x * stride());
+  }
   bool contains(std::int32_t x, std::int32_t y) const {
     return x >= 0 && y >= 0 && x < width && y < height;
   }

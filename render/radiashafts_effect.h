@@ -5,9 +5,10 @@
 #include <array>
 #include <cmath>
 #include <cstdint>
+#include <optional>
 #include <type_traits>
+#include <utility>
 
-#include "filters/move_sub_pixel.h"
 #include "filters/multiply.h"
 #include "filters/range_selection.h"
 #include "filters/smooth_rays.h"
@@ -18,6 +19,7 @@
 #include "image/sampling.h"
 #include "render/blend_pixel.h"
 #include "render/ray_shading.h"
+#include "render/ray_source.h"
 #include "render/render_values.h"
 
 namespace radiashafts {
@@ -41,24 +43,29 @@ class RadiashaftsEffect final : public RowFilter {
   std::int32_t run(std::int32_t, std::int32_t) override {
     const HostBuffer rays(*host, output.width, output.height, Pixel::bytes);
     const HostBuffer gamma(*host, GammaTable<Pixel>::entries, 1, sizeof(float));
-    if (!rays || !gamma) return host->OutOfMemoryCode();
+    std::int32_t slots = 1;
+    host->ThreadCount(&slots, ThreadPool::maximumSlots);
+    const HostBuffer rows(*host, output.width, 2 * slots, Pixel::bytes);
+    if (!rays || !gamma || !rows) return host->OutOfMemoryCode();
     GammaTable<HostPixel>::fill(gamma.floats(), values.inverseGamma);
     gammaTable_ = gamma.floats();
+    rowsOfSlots_ = rows.floats();
     rayImage_ = tightView<Working>(output.width, output.height, rays.data());
     rayImage_.frameX = source.frameX;
     rayImage_.frameY = source.frameY;
     return values.show == SelectionShowMode::normal ? renderRays() : showSelection();
   }
 
-  // The last pass: shades and blends one band of rows. The last band has the remaining rows too.
+  // The last pass: shades and blends one band of rows.
   std::int32_t processRow(std::int32_t index, std::int32_t iterations,
                           std::int32_t threadIndex) override {
     const std::int32_t height = output.height;
-    const std::int32_t rows = height / iterations;
-    const std::int32_t end = index == iterations - 1 ? height : rows * (index + 1);
+    const RowBand band(index, iterations, height);
     const RayShading<HostPixel> shading(values, gammaTable_);
-    for (std::int32_t y = rows * index; y < end; ++y) {
-      shadeRow(shading, y);
+    RayRows rays(*this, threadIndex);
+    for (std::int32_t y = band.first; y < band.end; ++y) {
+      const RowTaps taps = rowTapsAt(y, shiftY_, height);
+      shadeRow(shading, y, {rays.at(taps.upper), rays.at(taps.lower), taps.fraction, output.width});
       const std::int32_t status = host->Progress(4 * height + y, 5 * height, threadIndex);
       if (status != host->NoErrorCode()) return status;
     }
@@ -71,51 +78,52 @@ class RadiashaftsEffect final : public RowFilter {
   using Sample = typename HostPixel::Sample;
 
   std::int32_t renderRays() {
-    std::int32_t status = select(rayImage_, 0);
-    if (status == host->NoErrorCode()) status = multiplyByMask(rayImage_, 1);
-    if (status == host->NoErrorCode() && values.rayLength != 0.0) status = smear();
+    const bool smears = values.rayLength != 0.0;
+    std::int32_t status = prepareSource(smears);
+    if (status == host->NoErrorCode() && smears) status = smear();
     if (status != host->NoErrorCode()) return status;
-
-    std::int32_t bands = 1;
-    host->ThreadCount(&bands, output.height);
-    return runIterations(bands);
+    return runIterations(bandCount(output.height));
   }
 
   std::int32_t showSelection() {
-    const std::int32_t status = select(output, 2);
-    return status == host->NoErrorCode() ? multiplyByMask(output, 3) : status;
-  }
-
-  template <class Target>
-  std::int32_t select(const Target& target, std::int32_t position) {
-    HslRangeSelectionFilter<Image, Target, Image> filter(*host);
+    HslRangeSelectionFilter<Image, Image, Image> filter(*host);
     filter.firstImage = source;
-    filter.target = target;
+    filter.target = output;
     filter.selectionSource = colorSource;
     filter.selection = values.selection;
-    return filter.run(position, passCount);
-  }
-
-  template <class Target>
-  std::int32_t multiplyByMask(const Target& target, std::int32_t position) {
-    if (mask.data == nullptr) return host->NoErrorCode();
-    MultImageFilter<Target, Mask> filter(*host);
-    filter.image = target;
-    filter.mask = mask;
-    return filter.run(position, passCount);
+    const std::int32_t status = filter.run(2, passCount);
+    if (status != host->NoErrorCode() || mask.data == nullptr) return status;
+    MultImageFilter<Image, Mask> multiply(*host);
+    multiply.image = output;
+    multiply.mask = mask;
+    return multiply.run(3, passCount);
   }
 
   // The picture is moved by half a pixel before the smear; the last pass samples it with the
   // opposite shift.
+  std::int32_t prepareSource(bool moves) {
+    RaySourceFilter<Image, Working, Mask> filter(*host);
+    filter.source = source;
+    filter.colorSource = colorSource;
+    filter.mask = mask;
+    filter.target = rayImage_;
+    filter.selection = values.selection;
+    filter.rowsOfSlots = rowsOfSlots_;
+    if (moves) {
+      filter.offset = SubPixelOffset{offsetFor(values.originX), offsetFor(values.originY)};
+      shiftX_ = -filter.offset->x;
+      shiftY_ = -filter.offset->y;
+    }
+    return filter.run(0, passCount);
+  }
+
   std::int32_t smear() {
-    const double offsetX = offsetFor(values.originX);
-    const double offsetY = offsetFor(values.originY);
-    const std::int32_t status = move(offsetX, offsetY);
-    if (status != host->NoErrorCode()) return status;
-    shiftX_ = -offsetX;
-    shiftY_ = -offsetY;
-    return values.mode == RayMode::straight ? castRays<RadiashaftsStraightFilter<Working>>()
-                                            : castRays<RadiashaftsSmoothFilter<Working>>();
+    if (values.mode != RayMode::straight) {
+      RadiashaftsSmoothFilter<Working> smooth(*host);
+      return castRays(smooth);
+    }
+    straightRays_.emplace(*host);
+    return castRays(*straightRays_);
   }
 
   // -0.5 for a whole origin of 0 or more, +0.5 for a negative one.
@@ -124,17 +132,8 @@ class RadiashaftsEffect final : public RowFilter {
     return origin < 0.0 ? -offset : offset;
   }
 
-  std::int32_t move(double offsetX, double offsetY) {
-    MoveSubPixelImageFilter<Working> filter(*host);
-    filter.image = rayImage_;
-    filter.offsetX = offsetX;
-    filter.offsetY = offsetY;
-    return filter.run(2, passCount);
-  }
-
   template <class Filter>
-  std::int32_t castRays() {
-    Filter filter(*host);
+  std::int32_t castRays(Filter& filter) {
     filter.image = rayImage_;
     filter.length = values.rayLength;
     filter.originX = static_cast<std::int32_t>(values.originX);
@@ -145,16 +144,43 @@ class RadiashaftsEffect final : public RowFilter {
   static constexpr std::int32_t blockPixels = 64;
   static constexpr int channels = HostPixel::channels;
 
+  // Rows of the rays for one thread, asked for from the top down. Those of straight rays are
+  // resolved here, so that the smeared image never goes through memory.
+  class RayRows {
+   public:
+    RayRows(const RadiashaftsEffect& effect, std::int32_t threadIndex)
+        : effect_(effect),
+          rows_(effect.rowsOfSlots_ +
+                2 * static_cast<std::ptrdiff_t>(threadIndex) * rowSamples(effect)) {}
+
+    const float* at(std::int32_t y) {
+      if (!effect_.straightRays_) return effect_.rayImage_.at(0, y);
+      const std::int32_t place = y % 2;
+      float* const row = rows_ + place * rowSamples(effect_);
+      if (std::exchange(held_[place], y) != y) effect_.straightRays_->resolveRow(y, row);
+      return row;
+    }
+
+   private:
+    static std::ptrdiff_t rowSamples(const RadiashaftsEffect& effect) {
+      return static_cast<std::ptrdiff_t>(effect.output.width) * channels;
+    }
+    const RadiashaftsEffect& effect_;
+    float* rows_;
+    std::array<std::int32_t, 2> held_{-1, -1};
+  };
+
   // Neighbouring pixels of a row; an element has as many as there are lanes. Lanes past the end of
   // a row are 0.
   using Block = std::array<PixelValues<HostPixel>, blockPixels / laneCount>;
 
   // Each step runs over the whole block before the next one: the steps of one pixel depend on each
   // other, those of its neighbours do not and run in parallel in the processor.
-  void shadeRow(const RayShading<HostPixel>& shading, std::int32_t y) const {
+  void shadeRow(const RayShading<HostPixel>& shading, std::int32_t y,
+                const SampleRows& rayRows) const {
     for (std::int32_t first = 0; first < output.width; first += blockPixels) {
       const std::int32_t count = std::min(blockPixels, output.width - first);
-      Block rays = sampleRays(first, y, count);
+      Block rays = sampleRays(rayRows, first, count);
       Block pixels = readPixels(first, y, count);
       const auto each = [&](const auto& step) {
         for (std::int32_t i = 0; i * laneCount < count; ++i) step(i);
@@ -167,9 +193,9 @@ class RadiashaftsEffect final : public RowFilter {
     }
   }
 
-  Block sampleRays(std::int32_t first, std::int32_t y, std::int32_t count) const {
+  Block sampleRays(const SampleRows& rayRows, std::int32_t first, std::int32_t count) const {
     std::array<double, static_cast<std::size_t>(blockPixels) * channels> samples;
-    sampleBilinear(rayImage_, {y, shiftX_, shiftY_}, first, count, samples.data());
+    sampleBilinear<channels>(rayRows, shiftX_, first, count, samples.data());
     Block rays{};
     eachElement(count, [&](std::int32_t i, auto lanes) {
       const double* const pixels = &samples[static_cast<std::size_t>(i) * laneCount * channels];
@@ -257,7 +283,10 @@ class RadiashaftsEffect final : public RowFilter {
 
   static constexpr std::int32_t passCount = 5;
 
-  Working rayImage_;  // the selected picture, then the rays; premultiplied, in the render's range
+  Working
+      rayImage_;  // the selected picture, then smooth rays; premultiplied, in the render's range
+  std::optional<RadiashaftsStraightFilter<Working>> straightRays_;
+  float* rowsOfSlots_ = nullptr;  // two rows for each thread
   const float* gammaTable_ = nullptr;
   double shiftX_ = 0.0;
   double shiftY_ = 0.0;

@@ -10,6 +10,7 @@
 #include <optional>
 #include <span>
 #include <type_traits>
+#include <utility>
 
 #include "filters/clear.h"
 #include "filters/ray_decay.h"
@@ -37,7 +38,7 @@ class RadiashaftsStraightFilter final : public HalvorsundFilter {
  public:
   using HalvorsundFilter::HalvorsundFilter;
 
-  Image image;
+  Image image;               // one more sample behind its last pixel can be read
   double length = 0.0;       // 0 to 1
   std::int32_t originX = 0;  // in frame coordinates, at most 1e9 from 0
   std::int32_t originY = 0;
@@ -204,14 +205,14 @@ class RadiashaftsStraightFilter final : public HalvorsundFilter {
     return status != host->NoErrorCode() ? status : pipeline.status();
   }
 
-  // For each step of a ray the two pixels, across the walking axis, between which it passes, and
-  // the bilinear share of each. An element holds as many steps as there are lanes.
+  // For each step of a ray the two pixels, across the walking axis, between which it passes, the
+  // bilinear share of each, and the shares in single precision, which are the pixels' weights.
   struct Crossings {
-    static constexpr std::int32_t elements = stepsInBlock / laneCount;
-    std::array<WholeLanes, elements> first;  // number of the pixel in the image
-    std::array<WholeLanes, elements> second;
-    std::array<Lanes, elements> shareOfFirst;
-    std::array<Lanes, elements> shareOfSecond;
+    template <class Number>
+    using Steps = std::array<Number, stepsInBlock>;
+    Steps<std::int32_t> first, second;  // numbers of the pixels in the image
+    Steps<double> shareOfFirst, shareOfSecond;
+    Steps<double> weightOfFirst, weightOfSecond;
   };
   static constexpr std::int32_t outside = -1;
 
@@ -241,10 +242,17 @@ class RadiashaftsStraightFilter final : public HalvorsundFilter {
       const LaneMask inside = (t >= 0.0) & (t < extent);
       const WholeLanes whole = toWhole(choose(inside, t, Lanes{}));
       const WholeLanes pixel = (position + step) * along + whole * across;
-      crossings.first[i] = __builtin_convertvector(inside, WholeLanes) ? pixel : outside;
-      crossings.second[i] = whole == extent - 1 ? pixel : pixel + across;
-      crossings.shareOfSecond[i] = t - toDouble(whole);
-      crossings.shareOfFirst[i] = 1.0 - crossings.shareOfSecond[i];
+      const Lanes shareOfSecond = t - toDouble(whole);
+      const Lanes shareOfFirst = 1.0 - shareOfSecond;
+      const auto store = [&](auto& steps, const auto& lanes) {
+        std::memcpy(&steps[i * laneCount], &lanes, sizeof lanes);
+      };
+      store(crossings.first, __builtin_convertvector(inside, WholeLanes) ? pixel : outside);
+      store(crossings.second, whole == extent - 1 ? pixel : pixel + across);
+      store(crossings.shareOfFirst, shareOfFirst);
+      store(crossings.shareOfSecond, shareOfSecond);
+      store(crossings.weightOfFirst, narrowed(shareOfFirst));
+      store(crossings.weightOfSecond, narrowed(shareOfSecond));
     }
   }
 
@@ -255,70 +263,76 @@ class RadiashaftsStraightFilter final : public HalvorsundFilter {
                  double decayFactor) const {
     Crossings crossings;
     findCrossings<byColumns>(ray.border, position, count, sign, crossings);
+    // Both images are without gaps.
+    const float* const pixels = image.at(0, 0);
+    float* const accumulated = accumulationImage_.at(0, 0);
+    const auto pixelAt = [=](std::ptrdiff_t number) { return pixels + number * Pixel::samples; };
+    const auto sumAt = [=](std::ptrdiff_t number) {
+      return accumulated + number * AccumulationPixel::samples;
+    };
+    const std::int32_t ahead = pixelsAhead * (byColumns ? sign * image.width : -sign);
     PixelLanes sums;
     std::memcpy(&sums, ray.sums, sizeof sums);
     for (std::int32_t n = 0; n < count; ++n) {
-      const std::int32_t i = n / laneCount;
-      const int lane = n % laneCount;
       for (Lanes& sum : sums) sum *= decayFactor;
-      const std::int32_t first = crossings.first[i][lane];
+      const std::int32_t first = crossings.first[n];
       if (first == outside) continue;
-      const std::int32_t second = crossings.second[i][lane];
-      prefetch(first + pixelsAhead * (byColumns ? sign * image.width : -sign));
+      const std::int32_t second = crossings.second[n];
+      // Prefetches what the next rays will touch; they turn clockwise. Hardware prefetchers do not
+      // recognise slanted walks. Neighbouring steps of a column walk share cache lines.
+      if (!byColumns || n % 4 == 0) {
+        __builtin_prefetch(pixelAt(first + ahead));
+        __builtin_prefetch(sumAt(first + ahead), 1);
+      }
       // The sample is read by linear interpolation between the two pixels, and the sum is given to
       // the same two with the same shares.
-      const Lanes shareOfFirst = allLanes(crossings.shareOfFirst[i][lane]);
-      const Lanes shareOfSecond = allLanes(crossings.shareOfSecond[i][lane]);
-      addSample(pixelAt(first), shareOfFirst, sums);
-      addSample(pixelAt(second), shareOfSecond, sums);
+      const Lanes shareOfFirst = allLanes(crossings.shareOfFirst[n]);
+      const Lanes shareOfSecond = allLanes(crossings.shareOfSecond[n]);
+      addSample(pixelAt(first), shareOfFirst, allLanes(crossings.weightOfFirst[n]), sums);
+      addSample(pixelAt(second), shareOfSecond, allLanes(crossings.weightOfSecond[n]), sums);
       addShare(sumAt(first), shareOfFirst, sums);
       addShare(sumAt(second), shareOfSecond, sums);
     }
     std::memcpy(ray.sums, &sums, sizeof sums);
   }
 
-  // Prefetches what the next rays will touch; they turn clockwise. Hardware prefetchers do not
-  // recognise slanted walks.
-  void prefetch(std::int32_t pixel) const {
-    __builtin_prefetch(pixelAt(pixel));
-    __builtin_prefetch(sumAt(pixel), 1);
-  }
-
-  // Both images are without gaps.
-  const float* pixelAt(std::int32_t number) const {
-    return image.at(0, 0) + static_cast<std::ptrdiff_t>(number) * Pixel::samples;
-  }
-  float* sumAt(std::int32_t number) const {
-    return accumulationImage_.at(0, 0) +
-           static_cast<std::ptrdiff_t>(number) * AccumulationPixel::samples;
-  }
-
   // The weight of a sample is 1; its share is rounded to single precision.
-  static void addSample(const float* sample, Lanes share, PixelLanes& sums) {
-    for (int group = 0; group < groups; ++group) {
-      SingleLanes samples{};
-      for (int lane = 0; lane < laneCount; ++lane) {
-        const int channel = group * laneCount + lane;
-        if (channel < channels) samples[lane] = sample[channel];
-      }
-      const LaneMask isWeight = weightIn<LaneMask>(group);
-      sums[group] += choose(isWeight, narrowed(share), toDouble(samples) * share);
-    }
+  static void addSample(const float* sample, Lanes share, Lanes weight, PixelLanes& sums) {
+    eachGroup([&](auto group) {
+      const Lanes samples = toDouble(samplesOf<group>(sample));
+      sums[group] += choose(weightIn<LaneMask>(group), weight, samples * share);
+    });
+  }
+
+  // The lane of the weight holds anything: where it is the only one that is no channel, it is read
+  // from behind the pixel.
+  template <int group>
+  static SingleLanes samplesOf(const float* sample) {
+    constexpr int remaining = channels - group * laneCount;
+    return loadSingles<(remaining >= laneCount - 1 ? laneCount : remaining)>(sample +
+                                                                             group * laneCount);
   }
 
   // Channels are added in double precision, the weight in single.
   static void addShare(float* sum, Lanes share, const PixelLanes& sums) {
-    for (int group = 0; group < groups; ++group) {
-      float* const sumOfGroup = sum + static_cast<std::ptrdiff_t>(group) * laneCount;
-      const std::size_t bytes =
-          std::min(laneCount, AccumulationPixel::samples - group * laneCount) * sizeof(float);
+    eachGroup([&](auto group) {
+      constexpr int samples = std::min(laneCount, AccumulationPixel::samples - group * laneCount);
+      float* const sumOfGroup = sum + group * laneCount;
       const Lanes product = share * sums[group];
-      SingleLanes total{};
-      std::memcpy(&total, sumOfGroup, bytes);
-      total = weightIn<WholeLanes>(group) ? total + toSingle(product)
-                                          : toSingle(toDouble(total) + product);
-      std::memcpy(sumOfGroup, &total, bytes);
+      const SingleLanes total = loadSingles<samples>(sumOfGroup);
+      storeSingles<samples>(sumOfGroup, weightIn<WholeLanes>(group)
+                                            ? total + toSingle(product)
+                                            : toSingle(toDouble(total) + product));
+    });
+  }
+
+  // Calls step with each group's number as a constant.
+  template <class Step>
+  static void eachGroup(const Step& step) {
+    [&]<int... group>(std::integer_sequence<int, group...>) {
+      (step(std::integral_constant<int, group>()), ...);
     }
+    (std::make_integer_sequence<int, groups>());
   }
 
   // All bits set in the lane that holds the weight.

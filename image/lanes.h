@@ -110,6 +110,43 @@ LanesOf<Sample> toLanesOf(Lanes value) {
   }
 }
 
+// Single floats in the first lanes; those behind are 0. Halves of a vector move as one double: a
+// copy of some bytes into a vector goes through the stack, where the processor waits for it.
+template <int count>
+SingleLanes loadSingles(const float* from) {
+  static_assert(count >= 0 && count <= laneCount);
+  SingleLanes lanes{};
+  if constexpr (count == laneCount) {
+    std::memcpy(&lanes, from, sizeof lanes);
+  } else {
+    if constexpr (count >= 2) {
+      double pair = 0.0;
+      std::memcpy(&pair, from, sizeof pair);
+      using Pairs [[gnu::vector_size(sizeof(SingleLanes))]] = double;
+      Pairs pairs{};
+      pairs[0] = pair;
+      lanes = reinterpret_cast<SingleLanes>(pairs);
+    }
+    if constexpr (count % 2 != 0) lanes[count - 1] = from[count - 1];
+  }
+  return lanes;
+}
+
+template <int count>
+void storeSingles(float* to, SingleLanes lanes) {
+  static_assert(count >= 0 && count <= laneCount);
+  if constexpr (count == laneCount) {
+    std::memcpy(to, &lanes, sizeof lanes);
+  } else {
+    if constexpr (count >= 2) {
+      using Pairs [[gnu::vector_size(sizeof(SingleLanes))]] = double;
+      const double pair = reinterpret_cast<Pairs>(lanes)[0];
+      std::memcpy(to, &pair, sizeof pair);
+    }
+    if constexpr (count % 2 != 0) to[count - 1] = lanes[count - 1];
+  }
+}
+
 // Rounded to single precision and back.
 inline Lanes narrowed(Lanes value) {
   return toDouble(toSingle(value));

@@ -19,6 +19,14 @@ class HslAdjustment {
         lightness_(lightness),
         fullBoost_(saturation > 0.0 ? power(saturation, 1e8) : 0.0) {}
 
+  bool isNeutral() const { return hue_ == 0.0 && saturation_ == 0.0 && lightness_ == 0.0; }
+
+  // What three amounts of 0 do to finite colours in the scale 0 to 1. A zero loses its sign.
+  static Rgb neutral(Rgb color) {
+    const Rgb rgb = hslToRgb(rgbToHsl(color));
+    return {rgb.r + 0.0, rgb.g + 0.0, rgb.b + 0.0};
+  }
+
   // Colours in the scale 0 to 1.
   Rgb operator()(Rgb color) const {
     Hsl hsl = rgbToHsl(color);

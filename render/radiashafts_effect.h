@@ -41,7 +41,7 @@ class RadiashaftsEffect final : public RowFilter {
   // The arguments are not used: the passes have fixed positions in the progress of the render. A
   // status other than NoErrorCode skips the remaining passes.
   std::int32_t run(std::int32_t, std::int32_t) override {
-    const HostBuffer rays(*host, output.width, output.height, Pixel::bytes);
+    const HostBuffer rays(*host, output.width, output.height, Pixel::bytes, sizeof(float));
     const HostBuffer gamma(*host, GammaTable<Pixel>::entries, 1, sizeof(float));
     std::int32_t slots = 1;
     host->ThreadCount(&slots, ThreadPool::maximumSlots);

@@ -2,6 +2,7 @@
 // colour adjustment.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <type_traits>
 
@@ -26,7 +27,6 @@ class GammaTable {
 
   // entriesOut holds the given number of floats.
   static void fill(float* entriesOut, double inverseGamma) {
-    constexpr float step = 0x1.0002p-15F;  // about 1/32767
     const auto exponent = static_cast<float>(inverseGamma);
     for (int i = 0; i < entries; ++i) {
       entriesOut[i] =
@@ -40,6 +40,14 @@ class GammaTable {
         Pixel::rangeNumber == 255 ? 128.49803921568628 : 0.999969482421875;  // 32767 / range
     return toWhole(value * factor);
   }
+
+  // The entries of a table for a gamma of 1, which is cheaper to compute than to read.
+  static SingleLanes straightEntries(WholeLanes indices) {
+    return __builtin_convertvector(indices, SingleLanes) * step * static_cast<float>(Pixel::range);
+  }
+
+ private:
+  static constexpr float step = 0x1.0002p-15F;  // about 1/32767
 };
 
 template <class Pixel>
@@ -54,14 +62,21 @@ class RayShading {
         colorLow_(values.colorLow),
         colorHigh_(values.colorHigh),
         adjustment_(values.hue, values.saturation, values.lightness),
-        gammaTable_(gammaTable) {}
+        gammaTable_(gammaTable) {
+    // Neutral values change nothing, but with samples that are not finite, as float pictures may
+    // hold.
+    const auto isWhite = [](const std::array<double, 3>& color) {
+      return std::all_of(color.begin(), color.end(), [](double c) { return c == 1.0; });
+    };
+    tints_ = isFloat || !isWhite(colorLow_) || !isWhite(colorHigh_);
+  }
 
   // The three steps of the shading, in place and called in this order. Pixels are premultiplied
   // before light and unpremultiplied after tone.
   void light(PixelValues<Pixel>& ray, Lanes falloff) const {
     const Lanes strength = intensity_ * falloff;
     for (Lanes& channel : ray) channel *= strength;
-    tint(ray, balancedBrightness(ray));
+    if (tints_) tint(ray, balancedBrightness(ray));
     if constexpr (hasAlpha) ray[colors] = clampToRange<Pixel>(ray[colors]);
   }
 
@@ -76,7 +91,9 @@ class RayShading {
   void adjustColor(PixelValues<Pixel>& ray) const {
     std::array<Lanes, 3> unit{};
     for (int k = 0; k < colors; ++k) unit[k] = ray[k] / Pixel::range;
-    const Rgb adjusted = adjustment_({unit[0], unit[1], unit[2]});
+    const Rgb color{unit[0], unit[1], unit[2]};
+    const Rgb adjusted =
+        isFloat || !adjustment_.isNeutral() ? adjustment_(color) : HslAdjustment::neutral(color);
     const std::array<Lanes, 3> channels{adjusted.r, adjusted.g, adjusted.b};
     for (int k = 0; k < colors; ++k) ray[k] = channels[k] * Pixel::range;
   }
@@ -114,6 +131,9 @@ class RayShading {
       return eachLane([&](int lane) { return power(lifted[lane], inverseGamma_); });
     } else {
       const WholeLanes index = GammaTable<Pixel>::indexOf(clampToRange<Pixel>(lifted));
+      if (static_cast<float>(inverseGamma_) == 1.0F) {
+        return toDouble(GammaTable<Pixel>::straightEntries(index));
+      }
       SingleLanes entries;
       for (int lane = 0; lane < laneCount; ++lane) entries[lane] = gammaTable_[index[lane]];
       return toDouble(entries);
@@ -137,6 +157,7 @@ class RayShading {
   double inverseGamma_;
   std::array<double, 3> colorLow_;
   std::array<double, 3> colorHigh_;
+  bool tints_;
   HslAdjustment adjustment_;
   const float* gammaTable_;
 };

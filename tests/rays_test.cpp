@@ -18,7 +18,7 @@ namespace {
 // Whichever thread meets the abort, and whenever, every thread comes back and the status goes up.
 TEST(StraightRays, AnAbortOnAnyThreadEndsTheWalk) {
   using Image = Configuration<18>::WorkingImage;
-  std::vector<float> samples(std::size_t{200} * 180 * 3, 90.0F);
+  std::vector<float> samples(std::size_t{200} * 180 * 3 + 1, 90.0F);
   for (const int threads : {1, 2, 3, 7}) {
     for (const int abortOn : {-1, 0, threads - 1}) {
       for (const int abortAt : {181, 250, 400, 700}) {  // behind the clear's 180 rows

@@ -15,7 +15,7 @@
 #include "image/lanes.h"
 #include "image/pixel.h"
 #include "image/pixel_array.h"
-#include "image/power.h"
+#include "image/power_lanes.h"
 
 namespace radiashafts {
 inline namespace RADIASHAFTS_INSTRUCTION_SET {
@@ -48,22 +48,14 @@ class AxisCurve {
     v = choose(below, v + 1.0, v);
     passed &= (v < hi_) | (~below & (v <= hi_));
     if (!(exponent_ > 0.0)) return allLanes(1.0);
-    return eachLane([&](int lane) { return passed[lane] ? height(v[lane]) : 0.0; });
+    const Lanes p = (v - lo_) * scale_;
+    const Lanes falling = peak_ != 1.0 ? 1.0 - (p - peak_) / (1.0 - peak_) : allLanes(1.0);
+    const Lanes y = choose(p < peak_, p / peak_, falling);
+    return choose(passed, powers(choose(passed, y, Lanes{}), allLanes(exponent_)), Lanes{});
   }
 
  private:
   static constexpr double fullTurn = 1.00001;
-
-  double height(double v) const {
-    const double p = (v - lo_) * scale_;
-    double y = 1.0;
-    if (p < peak_) {
-      y = p / peak_;
-    } else if (peak_ != 1.0) {
-      y = 1.0 - (p - peak_) / (1.0 - peak_);
-    }
-    return power(y, exponent_);
-  }
 
   double lo_, hi_, scale_, peak_, exponent_;
 };

@@ -56,6 +56,14 @@ inline Lanes abs(Lanes value) {
   return reinterpret_cast<Lanes>(reinterpret_cast<LaneMask>(value) & allButSign);
 }
 
+inline bool all(LaneMask mask) {
+#ifdef __AVX2__
+  return _mm256_movemask_pd(reinterpret_cast<__m256d>(mask)) == 15;
+#else
+  return (mask[0] & mask[1]) != 0;
+#endif
+}
+
 inline Lanes sqrt(Lanes value) {
   return eachLane([=](int lane) { return std::sqrt(value[lane]); });
 }

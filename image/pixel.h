@@ -90,12 +90,18 @@ Lanes clampToRange(Lanes value) {
   return choose(value > 0.0, min(value, allLanes(Pixel::range)), Lanes{});
 }
 
+// Every NaN becomes the one of the language: processors take the sign and payload of a result from
+// one of its operands, and compilers choose the order of operands.
+inline Lanes withOneNaN(Lanes value) {
+  return choose(value == value, value, allLanes(std::numeric_limits<double>::quiet_NaN()));
+}
+
 // Clamps colours to what a picture can store: integers to 0 to Pixel::range, floats to 0 and above,
 // where a NaN stays. The result can be cast to the sample type.
 template <class Pixel>
 Lanes clampToStored(Lanes value) {
   if constexpr (std::is_floating_point_v<typename Pixel::Sample>) {
-    return choose(value < 0.0, Lanes{}, value);
+    return withOneNaN(choose(value < 0.0, Lanes{}, value));
   } else {
     return clampToRange<Pixel>(value);
   }

@@ -4,7 +4,7 @@
 #include "image/color.h"
 #include "image/instruction_set.h"
 #include "image/lanes.h"
-#include "image/power.h"
+#include "image/power_lanes.h"
 
 namespace radiashafts {
 inline namespace RADIASHAFTS_INSTRUCTION_SET {
@@ -45,7 +45,7 @@ class HslAdjustment {
   Lanes saturated(Lanes saturation, Rgb c) const {
     if (!(saturation_ > 0.0)) return saturation * (saturation_ + 1.0);
     const Lanes chroma = max(max(abs(c.r - c.g), abs(c.r - c.b)), abs(c.g - c.b));
-    const Lanes weakness = eachLane([&](int lane) { return power(1e-8, chroma[lane]); });
+    const Lanes weakness = powers(allLanes(1e-8), chroma);
     const Lanes boost =
         (1.0 - weakness) * saturation_ * (1.0 - fullBoost_) + fullBoost_ * saturation_;
     return choose(boost > 0.0, saturation + (1.0 - saturation) * boost, saturation * (boost + 1.0));

@@ -232,7 +232,7 @@ class RadiashaftsEffect final : public RowFilter {
         }
       }
       if constexpr (HostPixel::hasAlpha) {
-        const Lanes alpha = pixels[i][channels - 1];
+        const Lanes alpha = withOneNaN(pixels[i][channels - 1]);
         for (int lane = 0; lane < lanes; ++lane) {
           sampleAt(lane)[channels - 1] = toSample<Sample>(alpha[lane]);
         }

@@ -10,7 +10,7 @@
 #include "image/instruction_set.h"
 #include "image/lanes.h"
 #include "image/pixel.h"
-#include "image/power.h"
+#include "image/power_lanes.h"
 #include "render/adjust_hsl.h"
 #include "render/blend_pixel.h"
 #include "render/render_values.h"
@@ -128,7 +128,7 @@ class RayShading {
     constexpr double middle = Pixel::range * 0.5;
     const Lanes lifted = contrast_ * (value + middle) + value;
     if constexpr (isFloat) {
-      return eachLane([&](int lane) { return power(lifted[lane], inverseGamma_); });
+      return inverseGamma_ == 1.0 ? lifted : powers(lifted, allLanes(inverseGamma_));
     } else {
       const WholeLanes index = GammaTable<Pixel>::indexOf(clampToRange<Pixel>(lifted));
       if (static_cast<float>(inverseGamma_) == 1.0F) {

@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include "image/power.h"
+#include "image/power_lanes.h"
 
 namespace radiashafts::test {
 namespace {
@@ -18,20 +18,28 @@ TEST(Power, HasTheSameBitsEverywhere) {
     state = state * 6364136223846793005 + 1442695040888963407;
     const double base = std::ldexp(static_cast<double>(state >> 11), i % 61 - 83);
     const double exponent = static_cast<double>(i % 97) * 0.07 - 2.0;
-    hash = (hash ^ std::bit_cast<std::uint64_t>(power(base, exponent))) * 0x100000001b3;
+    const double result =
+        i % 2 == 0 ? power(base, exponent) : powers(allLanes(base), allLanes(exponent))[0];
+    hash = (hash ^ std::bit_cast<std::uint64_t>(result)) * 0x100000001b3;
   }
   EXPECT_EQ(hash, 1815991755961083372ULL);
 }
 
 TEST(Power, FollowsTheLibraryAtTheEdges) {
+  const auto same = [](double a, double b) {
+    return std::bit_cast<std::uint64_t>(a) == std::bit_cast<std::uint64_t>(b) ||
+           (std::isnan(a) && std::isnan(b));
+  };
+  const Lanes ordinary = eachLane([](int lane) { return 0.3 + lane; });
   for (const double base : {0.0, -0.0, 1.0, -1.0, -8.0, 5e-324, 1e308, double{INFINITY}}) {
     for (const double exponent : {0.0, 1.0, 2.0, -3.0, 0.5, 1e8, -1e8, 1e-320, double{INFINITY}}) {
-      const double expected = std::pow(base, exponent);
       const double result = power(base, exponent);
-      const bool sameBits =
-          std::bit_cast<std::uint64_t>(expected) == std::bit_cast<std::uint64_t>(result);
-      EXPECT_TRUE(sameBits || (std::isnan(expected) && std::isnan(result)))
-          << base << " ^ " << exponent << " = " << result << ", not " << expected;
+      EXPECT_TRUE(same(result, std::pow(base, exponent))) << base << " ^ " << exponent;
+      Lanes bases = ordinary;
+      bases[1] = base;
+      const Lanes results = powers(bases, allLanes(exponent));
+      EXPECT_TRUE(same(results[1], result)) << base << " ^ " << exponent;
+      EXPECT_TRUE(same(results[0], power(bases[0], exponent))) << base << " ^ " << exponent;
     }
   }
 }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 #include "image/power.h"
 
@@ -181,9 +182,9 @@ struct Render {
       blend(base, ray);
       for (int k = 0; k < colors; ++k) {  // float values may exceed full scale
         const bool fits = isFloat && !(base.c[k] < 0.0);
-        store(output, sampleIndex(i) + k, stored(fits ? base.c[k] : clampTo(base.c[k], range)));
+        store(output, sampleIndex(i) + k, blended(fits ? base.c[k] : clampTo(base.c[k], range)));
       }
-      if (alpha) store(output, sampleIndex(i) + colors, stored(base.a));
+      if (alpha) store(output, sampleIndex(i) + colors, blended(base.a));
     }
     return output;
   }
@@ -197,6 +198,11 @@ struct Render {
     for (int k = 0; k < colors; ++k) p.c[k] = sampleAt(input, sampleIndex(i) + k);
     if (alpha) p.a = sampleAt(input, sampleIndex(i) + colors);
     return p;
+  }
+
+  // Every NaN of a blended picture is the same.
+  double blended(double value) const {
+    return stored(isFloat && std::isnan(value) ? std::numeric_limits<double>::quiet_NaN() : value);
   }
 
   // As the picture's samples hold the value.

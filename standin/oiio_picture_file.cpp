@@ -1,6 +1,7 @@
 // Picture files through OpenImageIO.
 
 #include <algorithm>
+#include <array>
 #include <cctype>
 #include <cmath>
 #include <cstring>
@@ -166,6 +167,22 @@ std::unique_ptr<ImageInput> tryOpen(const fs::path& path) {
   return nullptr;
 }
 
+// The codecs of HEIF and AVIF would wait for their threads forever.
+void requireThreads(const fs::path& path, bool isHeif) {
+  if (isHeif && threadsAreScarce()) {
+    fail(path, "the system lets this process have too few threads for this format");
+  }
+}
+
+// By its first bytes, which only a plain file gives twice.
+bool isHeif(const fs::path& path) {
+  std::error_code error;
+  if (!fs::is_regular_file(path, error)) return false;
+  std::array<char, 8> start{};
+  std::ifstream(path, std::ios::binary).read(start.data(), start.size());
+  return std::string_view(start.data() + 4, 4) == "ftyp";
+}
+
 std::unique_ptr<ImageOutput> outputFor(const fs::path& path) {
   const std::string extension = path.extension().string();
   const bool truncated = extension != extensionOf(path);
@@ -174,6 +191,7 @@ std::unique_ptr<ImageOutput> outputFor(const fs::path& path) {
     static_cast<void>(OIIO::geterror());
     fail(path, "no picture format that can be written has the extension '" + extension + "'");
   }
+  requireThreads(path, std::string_view(output->format_name()) == "heif");
   return output;
 }
 
@@ -181,6 +199,7 @@ std::unique_ptr<ImageInput> openInput(const fs::path& path, ImageSpec& spec) {
   std::error_code error;
   if (!fs::exists(path, error)) fail(path, "no such file");
   if (fs::is_directory(path, error)) fail(path, "is a directory");
+  requireThreads(path, isHeif(path));
   auto input = tryOpen(path);
   if (input == nullptr) {
     const std::string reason = OIIO::geterror();
@@ -424,10 +443,6 @@ WriteResult writePictureFile(const fs::path& path, PictureFile&& file,
   MemoryFile memory;
   PartialFile partial(path);
   const auto output = outputFor(path);
-  // The HEIF encoder would wait for its threads forever.
-  if (std::string_view(output->format_name()) == "heif" && threadsAreScarce()) {
-    fail(path, "the system lets this process have too few threads for this format");
-  }
   WriteResult result;
   Picture& picture = file.picture;
   ImageSpec spec = outputSpec(file, *output);

@@ -1,6 +1,6 @@
-// Replaces the picture library's default_thread_pool at link time. The library's own pool and those
-// of its dependencies end the program if they cannot start a thread; this pool has no threads when
-// threads are scarce.
+// Replaces two functions of the picture library and of a library below it at link time. The
+// library's own pool and those of its dependencies end the program if they cannot start a thread;
+// the pool here has no threads when threads are scarce.
 
 #include "standin/oiio_threads.h"
 
@@ -50,3 +50,9 @@ thread_pool* default_thread_pool() {
 }
 
 OIIO_NAMESPACE_END
+
+// Called before main by a logger that only a format of volumes uses. It would start four threads,
+// and end the program without a word where there are none.
+namespace log4cplus {
+[[gnu::visibility("default")]] void initializeLog4cplus() {}
+}  // namespace log4cplus

@@ -2,25 +2,13 @@
 
 #include <random>
 
-#include "platform/file_rights.h"
+#include "platform/replaceable_file.h"
 
 namespace radiashafts::standin {
 
 namespace fs = std::filesystem;
 
-namespace {
-
-// Follows symbolic links, so that the file is replaced and not the link.
-fs::path followLinks(const fs::path& target) {
-  std::error_code error;
-  if (!fs::is_symlink(target, error)) return target;
-  const fs::path resolvedPath = fs::weakly_canonical(target, error);
-  return error ? target : resolvedPath;
-}
-
-}  // namespace
-
-PartialFile::PartialFile(const fs::path& target) : target_(followLinks(target)) {
+PartialFile::PartialFile(const fs::path& target) : target_(platform::fileBehindLinks(target)) {
   fs::path name = ".partial-" + std::to_string(std::random_device()());
   name += target_.extension();
   path_ = target_.parent_path() / name;

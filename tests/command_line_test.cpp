@@ -98,9 +98,10 @@ TEST_F(CommandLine, UntouchedSamplesComeBackAtEveryDepthAndChannelCount) {
 TEST_F(CommandLine, RendersWhatTheModuleRenders) {
   writePicture("in.png", 4, TypeDesc::UINT8);
   writePicture("mask.png", 1, TypeDesc::UINT8);
-  rendered(
+  const std::string options =
       "--mask mask.png --origin 0.2,1.1 --mode smooth --ray-length 0.8 --blend-mode \"max weight\" "
-      "--color-low 1,0.5,0.2 --use-image-color off --selection-low 20");
+      "--color-low 1,0.5,0.2 --use-image-color off --selection-low 20";
+  rendered(options);
   judge::Values values;
   values.originX = 0.2;
   values.originY = 1.1;
@@ -111,6 +112,13 @@ TEST_F(CommandLine, RendersWhatTheModuleRenders) {
   values.colorLow[2] = 0.2;
   values.useImageColor = false;
   values.selectionLow = 20.0;
+  const std::string plain = read("out.png");
+  // On one thread, too; the superuser has no limit.
+  chmod(folder().c_str(), 0777);
+  const std::string user =
+      geteuid() == 0 ? "setpriv --reuid=65534 --regid=65534 --clear-groups " : "";
+  EXPECT_EQ(run("in.png alone.png " + options, user + "prlimit --nproc=1").exitCode, 0);
+  EXPECT_EQ(read("alone.png"), plain);
   const standin::Picture input = standin::readPictureFile(path("in.png")).picture;
   const standin::Mask mask = standin::readMaskFile(path("mask.png"));
   const standin::Picture expected = judge::render(input, mask.bytes.data(), values);

@@ -10,7 +10,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "platform/file_rights.h"
+#include "platform/replaceable_file.h"
 #include "platform/temporary_file.h"
 
 namespace radiashafts::platform {
@@ -18,13 +18,6 @@ namespace {
 
 int fileOf(std::intptr_t handle) {
   return static_cast<int>(handle);
-}
-
-// Follows symbolic links, so that the file is replaced and not the link.
-std::string followLinks(const std::string& path) {
-  std::error_code error;
-  const std::filesystem::path target = std::filesystem::canonical(path, error);
-  return error ? path : target.string();
 }
 
 // The target's name plus "tmp". A name that would exceed the file system's limit is cut to 200
@@ -79,7 +72,7 @@ WholeFile readWholeFile(const std::string& path) {
 }
 
 TemporaryFile::TemporaryFile(const std::string& target)
-    : target_(followLinks(target)), path_(temporaryPathFor(target_)) {}
+    : target_(fileBehindLinks(target).string()), path_(temporaryPathFor(target_)) {}
 
 TemporaryFile::~TemporaryFile() {
   if (exists_) unlink(path_.c_str());

@@ -1,4 +1,4 @@
-#include "platform/file_rights.h"
+#include "platform/replaceable_file.h"
 #include <windows.h>
 
 namespace radiashafts::platform {

@@ -1,7 +1,8 @@
 // Prints times of one process, in milliseconds: module_times MODULE [NAME=NUMBER...]. Names are
 // width, height, depth, colors, alpha, renders, copies, and the four letters of a script's keys.
 // "render" lines are whole renders, the first of the process first; "copy" lines copy as many bytes
-// as the render works on, and "touch" is the first write to fresh ones, all on two threads.
+// as the render works on, and "touch" is the first write to fresh ones, all on two threads; without
+// copies neither is there.
 // Needs no benchmark library, so it also builds on Windows.
 
 #include <chrono>
@@ -66,8 +67,9 @@ void printRenders(standin::EntryPoint entry, const Numbers& numbers) {
   const std::size_t pixels = input.sampleCount() / static_cast<std::size_t>(input.planes);
   const int sums = input.planes == 1 ? 2 : 4;
   const int working = input.planes == 2 ? 2 : input.planes;
-  printReferences(2 * input.bytes.size() + pixels * 4 * static_cast<std::size_t>(sums + working),
-                  number("copies"));
+  if (number("copies") > 0)
+    printReferences(2 * input.bytes.size() + pixels * 4 * static_cast<std::size_t>(sums + working),
+                    number("copies"));
 
   standin::Script script;
   for (const auto& [name, value] : numbers) {

@@ -1,6 +1,6 @@
-// Runs in which one thing fails, or everything from one thing on: memory on any thread, a service
-// of the host, the user's patience. A loop counts up until a run passes untouched, so that no list
-// of places is kept by hand.
+// Runs in which one thing fails, or everything from one thing on: memory on any thread, or a
+// service of the host; and runs that the user aborts. A loop counts up until a run passes
+// untouched, so that no list of places is kept by hand.
 
 #include <functional>
 
@@ -21,8 +21,8 @@ extern "C" void ENTRYPOINT(std::int16_t, void*, std::intptr_t*, std::int16_t*);
 namespace radiashafts {
 namespace {
 
-int looks = 0;        // for messages, in previews
-int closingLook = 0;  // the one that finds the interface closed, 0 for none
+int looks = 0;        // for messages, while a preview renders
+int closingLook = 0;  // the look that finds the interface closed; 0: none does
 bool closed = false;
 
 }  // namespace
@@ -68,9 +68,9 @@ void failingEntry(std::int16_t selector, void* block, std::intptr_t* data, std::
   memoryFailed = memory.hasFailed();
 }
 
-class Rehearsal {
+class FaultyRun {
  public:
-  explicit Rehearsal(const Scenario& scenario)
+  explicit FaultyRun(const Scenario& scenario)
       : input_(randomPicture(random_, scenario.configuration, 48, 40)),
         mask_(randomMask(random_, 48, 40)),
         preview_(scenario.preview) {
@@ -129,17 +129,17 @@ class Faults : public testing::TestWithParam<Scenario> {
               const std::function<bool()>& touched) {
     for (int at = 1;; ++at) {
       SCOPED_TRACE(at);
-      const int status = rehearsal_.run(failureAt(at));
+      const int status = run_.run(failureAt(at));
       if (!touched()) {
         EXPECT_EQ(status, 0);
         return at - 1;
       }
       EXPECT_TRUE(status == expectedStatus || status == 0) << status;
-      if (HasFailure() || (status != 0 && rehearsal_.run({}) != 0)) return ADD_FAILURE(), at;
+      if (HasFailure() || (status != 0 && run_.run({}) != 0)) return ADD_FAILURE(), at;
     }
   }
 
-  Rehearsal rehearsal_{GetParam()};
+  FaultyRun run_{GetParam()};
 };
 
 TEST_P(Faults, OfMemoryEndTheRunAndNothingElse) {
@@ -181,13 +181,13 @@ TEST_P(Faults, OfTheHostsServicesEndTheRunOrNothing) {
 }
 
 // How many reports come from the calling thread depends on how the rows are shared out.
-TEST_P(Faults, OfTheUsersPatienceEndTheRunAtOnce) {
+TEST_P(Faults, AnAbortEndsTheRunAtOnce) {
   int at = 1;
-  while (rehearsal_.run({.abortAtProgress = at}) == hostapi::userCanceledError) {
-    ASSERT_LE(rehearsal_.progressCalls(), at + 1);
+  while (run_.run({.abortAtProgress = at}) == hostapi::userCanceledError) {
+    ASSERT_LE(run_.progressCalls(), at + 1);
     ++at;
   }
-  EXPECT_GE(at, rehearsal_.progressCalls());
+  EXPECT_GE(at, run_.progressCalls());
   EXPECT_GT(at, 40);
   if (GetParam().preview) {
     const auto closingAt = [](int look) { return Failure{.closingLook = look}; };

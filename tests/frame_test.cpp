@@ -180,10 +180,10 @@ void setFloatingPoint(const FloatingPoint& state) {
   asm volatile("fldcw %0" ::"m"(state.x87));
 }
 
-// The thread's own state, back at the end of the test.
-struct CalmEnd {
-  const FloatingPoint calm = floatingPoint();
-  ~CalmEnd() { setFloatingPoint(calm); }
+// Restores the thread's state at the end of the test.
+struct FloatingPointRestorer {
+  const FloatingPoint before = floatingPoint();
+  ~FloatingPointRestorer() { setFloatingPoint(before); }
 };
 
 TEST(HostileHost, FindsItsFloatingPointStateAgainAndTheSamePicture) {
@@ -194,7 +194,7 @@ TEST(HostileHost, FindsItsFloatingPointStateAgainAndTheSamePicture) {
       {0x1F80 | 0x6000, 0xF7F},
       {0x1F80 | 0x8040, 0x27F},  // to zero; flush, short x87
       {0x60C0 | (0x1F80 & ~0x0680), 0x07F & ~0x0D}};
-  const CalmEnd end;
+  const FloatingPointRestorer restorer;
   for (int configuration = 1; configuration <= 18; ++configuration) {
     Random random(static_cast<unsigned>(configuration));
     const standin::Picture input = randomPicture(random, configuration, 21, 18);
@@ -210,7 +210,7 @@ TEST(HostileHost, FindsItsFloatingPointStateAgainAndTheSamePicture) {
       standin::Picture output;
       const int status = host.run(moduleEntry(), script, output).status;
       const FloatingPoint after = floatingPoint();
-      setFloatingPoint(end.calm);
+      setFloatingPoint(restorer.before);
       EXPECT_EQ(status, 0);
       EXPECT_EQ(after, hostState);
       EXPECT_EQ(output.bytes, expected.bytes);

@@ -92,7 +92,7 @@ TEST_F(PresetsOnThisSystem, LinksRightsAndLongNamesStay) {
 int other = -1;
 int tries = 0;
 
-TEST_F(PresetsOnThisSystem, WhoFindsAnotherAtTheFileWaitsAndThenLeavesBothAlone) {
+TEST_F(PresetsOnThisSystem, AWriterWaitsForAnotherAndThenGivesUp) {
   write("p.cfgtmp", "half");
   other = open((file + "tmp").c_str(), O_RDONLY | O_CLOEXEC);
   ASSERT_EQ(flock(other, LOCK_EX), 0);

@@ -147,7 +147,7 @@ class Host {
     return *suite == nullptr ? -1 : 0;
   }
 
-  // A host makes up any number, and no procs and addresses.
+  // Edits set any number; procs and addresses stay those that a host would give.
   void edit(const Edits& edits) {
     FilterRecord& record = *record_;
     for (const auto& [word, value] : edits) {

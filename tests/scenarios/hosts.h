@@ -1,4 +1,4 @@
-// Hosts under the dialogs: the filter in a thread of this program, and the host program.
+// Hosts of the dialogs: the filter in a thread of this program, or the host program.
 #pragma once
 
 #include <atomic>
@@ -50,13 +50,14 @@ inline standin::Picture placesPicture(int width, int height) {
   return picture;
 }
 
-// What a host does in its procs; empty for nothing out of the ordinary.
+// How the host's procs behave; empty: as usual.
 inline std::string hostManner;
 inline hostapi::FilterRecord standIns;
 inline std::atomic<int> drawings{0};
 inline std::atomic<bool> foundAnothersStyle{false};
 
-// Takes all messages itself while the user presses OK, in a floating-point state of its own.
+// Presses OK and takes all posted messages out of the queue itself, with floating-point exceptions
+// on.
 inline hostapi::OSErr advanceState() {
   const HWND panel = findDialog("Radiashafts  V");
   if (hostManner == "drops messages" && panel != nullptr) {
@@ -107,7 +108,7 @@ inline LRESULT CALLBACK ownerProcedure(HWND window, UINT message, WPARAM w, LPAR
   return DefWindowProcA(window, message, w, l);
 }
 
-// A window of the calling thread's, which ends the thread's program when it is closed.
+// A window of the calling thread; closing it posts a quit message.
 inline HWND openOwner() {
   WNDCLASSA windowClass{};
   windowClass.lpfnWndProc = ownerProcedure;

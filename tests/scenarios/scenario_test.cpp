@@ -39,7 +39,7 @@ std::string yesOrNo(BOOL holds) {
   return holds != FALSE ? "yes" : "no";
 }
 
-// Of the controls that have no text of their own.
+// Numbers of the controls that have no text of their own.
 std::map<std::string, int> controlIds() {
   std::map<std::string, int> ids{
       {"presets", ID_PRESETS}, {"zoom", ID_PERCENTAGE}, {"name", ID_SETTING_NAME}};
@@ -91,7 +91,7 @@ std::string trace() {
   return text;
 }
 
-// Wanted is a text, a number, or a one of a range "low to high". Empty where it was found.
+// Wanted is a text, a number, or a range "low to high". The result is empty where found matches it.
 std::string difference(Text found, Text wanted) {
   double number = 0.0, low = 0.0, high = 0.0;
   const int limits = std::sscanf(wanted.c_str(), "%lf to %lf", &low, &high);
@@ -180,7 +180,7 @@ class Player {
       {"close", {1, [this](const Words& w) { PostMessageA(window(w[0]), WM_CLOSE, 0, 0); }}},
       {"expect", {2, [this](const Words& w) { expect(w[0], w[1]); }}}};
 
-  // What there is to be seen, by its first word; anything else is a control.
+  // What can be expected, by its first word; any other word names a control.
   const std::map<std::string, std::function<std::string(Text)>> sights_{
       {"status", [this](Text) { return std::to_string(host_->status()); }},
       {"quit-code", [this](Text) { return std::to_string(host_->quitCode()); }},
@@ -256,7 +256,7 @@ class Player {
     host_ = std::make_unique<Host>(arguments);
   }
 
-  // Names of controls mean those of this dialog from here on.
+  // From here on, names of controls mean those of this dialog.
   void enter(Text caption) {
     const bool isOurs = caption == "dialog" || caption == "preview";
     require(
@@ -339,7 +339,7 @@ class Player {
     require(eventually([&] { return textOf(edit) == text; }), "it became " + textOf(edit));
   }
 
-  // By a key, again and again: a running render lets some of them pass.
+  // Presses the key until the run has ended: keys that come during a render may be lost.
   void leave(Text key, Text status) const {
     eventually([&] {
       pressKey(key);
@@ -355,7 +355,7 @@ class Player {
     SetWindowPos(window(name), nullptr, x, y, width, height, SWP_NOZORDER | SWP_NOACTIVATE);
   }
 
-  // Of a control; of a swatch, which is an invisible one, the color that is painted over it.
+  // The value of a control. A swatch is an invisible control: its value is the color painted there.
   std::string shown(Text name) const {
     if (name.find('@') != std::string::npos || IsWindowVisible(window(name)) == FALSE) {
       const POINT at = placeOf(name);

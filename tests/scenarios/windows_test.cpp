@@ -1,4 +1,4 @@
-// What many openings, a process's end and hosts' memory ask of the Windows module.
+// The Windows module over many loads and openings, and at the end of its process.
 
 #include <algorithm>
 #include <iostream>
@@ -60,20 +60,20 @@ int loadAndRun(standin::Module& module) {
   return host.run(entry, {}, output).status;
 }
 
-TEST(WindowsModule, ComesAndGoesAHundredTimesAndLeavesNothing) {
+TEST(WindowsModule, LoadedAndUnloadedAHundredTimesLeavesNothing) {
   // Hosts have these; where they come and go with the module, Wine's keep a handle each time.
   for (const char* library : {"comctl32.dll", "comdlg32.dll"}) LoadLibraryA(library);
-  const auto comeAndGo = [](int times) {
+  const auto loadAndUnload = [](int times) {
     for (int i = 0; i < times; ++i) {
       standin::Module module;
       ASSERT_EQ(loadAndRun(module), 0);
     }
     EXPECT_EQ(GetModuleHandleA("radiashafts.dll"), nullptr) << "still loaded";
   };
-  comeAndGo(10);
+  loadAndUnload(10);
   eventually([] { return processUsage().threads == 1; });
   const ProcessUsage before = processUsage();
-  comeAndGo(100);
+  loadAndUnload(100);
   expectNoMore(before, 1U << 18);
 }
 

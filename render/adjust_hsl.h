@@ -21,10 +21,20 @@ class HslAdjustment {
 
   bool isNeutral() const { return hue_ == 0.0 && saturation_ == 0.0 && lightness_ == 0.0; }
 
-  // What three amounts of 0 do to finite colours in the scale 0 to 1. A zero loses its sign.
+  // What three amounts of 0 do to finite colours from 0 to 1 of so many channels: they go to HSL
+  // and back, with an error of about 50 rounding errors of 1, and are rounded to single precision.
+  // Where the error cannot decide that rounding, as nearly everywhere, the colour itself is
+  // rounded. A zero loses its sign.
+  template <int channels>
   static Rgb neutral(Rgb color) {
-    const Rgb rgb = hslToRgb(rgbToHsl(color));
-    return {rgb.r + 0.0, rgb.g + 0.0, rgb.b + 0.0};
+    constexpr double error = 2e-14;
+    const auto isSure = [](Lanes c) { return toSingle(c - error) == toSingle(c + error); };
+    auto sure = isSure(color.r);
+    if constexpr (channels > 1) sure &= isSure(color.g);
+    if constexpr (channels > 2) sure &= isSure(color.b);
+    const LaneMask grey = (color.r == color.g) & (color.g == color.b);  // has no error
+    if (!all(grey | __builtin_convertvector(sure, LaneMask))) color = hslToRgb(rgbToHsl(color));
+    return {narrowed(color.r) + 0.0, narrowed(color.g) + 0.0, narrowed(color.b) + 0.0};
   }
 
   // Colours in the scale 0 to 1.

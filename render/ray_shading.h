@@ -92,8 +92,9 @@ class RayShading {
     std::array<Lanes, 3> unit{};
     for (int k = 0; k < colors; ++k) unit[k] = ray[k] / Pixel::range;
     const Rgb color{unit[0], unit[1], unit[2]};
-    const Rgb adjusted =
-        isFloat || !adjustment_.isNeutral() ? adjustment_(color) : HslAdjustment::neutral(color);
+    const Rgb adjusted = isFloat || !adjustment_.isNeutral()
+                             ? adjustment_(color)
+                             : HslAdjustment::neutral<colors>(color);
     const std::array<Lanes, 3> channels{adjusted.r, adjusted.g, adjusted.b};
     for (int k = 0; k < colors; ++k) ray[k] = channels[k] * Pixel::range;
   }

@@ -1,7 +1,8 @@
-// Whole renders at several thread counts, and ends of the straight smear.
+// Whole renders at several thread counts, and ends of the smears.
 
 #include <gtest/gtest.h>
 
+#include "filters/smooth_rays.h"
 #include "filters/straight_rays.h"
 #include "parameters/effect_parameters.h"
 #include "parameters/parameters.h"
@@ -15,28 +16,38 @@
 namespace radiashafts::test {
 namespace {
 
+using WorkingImage = Configuration<18>::WorkingImage;
+
 // Whichever thread meets the abort, and whenever, every thread comes back and the status goes up.
-TEST(StraightRays, AnAbortOnAnyThreadEndsTheWalk) {
-  using Image = Configuration<18>::WorkingImage;
+template <class Filter>
+void expectAbortsToEndTheWalk(std::initializer_list<int> calls) {
   std::vector<float> samples(std::size_t{200} * 180 * 3 + 1, 90.0F);
   for (const int threads : {1, 2, 3, 7}) {
     for (const int abortOn : {-1, 0, threads - 1}) {
-      for (const int abortAt : {181, 250, 400, 700}) {  // behind the clear's 180 rows
+      for (const int abortAt : calls) {
         ThreadedHost host(threads);
         host.abortAt = abortAt;
         host.abortOn = abortOn;
-        RadiashaftsStraightFilter<Image> filter(host);
-        filter.image = tightView<Image>(200, 180, samples.data());
+        Filter filter(host);
+        filter.image = tightView<decltype(filter.image)>(200, 180, samples.data());
         filter.originX = 90;
         filter.originY = 70;
         filter.length = 1.0;
         const std::int32_t status = filter.run(2, 5);
-        if (abortOn < 0) {  // one thread alone may have no row or ray left to report
+        if (abortOn < 0) {  // one thread alone may have nothing left to report
           EXPECT_EQ(status, ThreadedHost::abortStatus) << threads << " threads at " << abortAt;
         }
       }
     }
   }
+}
+
+TEST(StraightRays, AnAbortOnAnyThreadEndsTheWalk) {  // behind the clear's 180 rows
+  expectAbortsToEndTheWalk<RadiashaftsStraightFilter<WorkingImage>>({181, 250, 400, 700});
+}
+
+TEST(SmoothRays, AnAbortOnAnyThreadEndsTheWalk) {  // in the first of 109 rings and behind it
+  expectAbortsToEndTheWalk<RadiashaftsSmoothFilter<WorkingImage>>({1, 2, 50, 109});
 }
 
 // Whole renders of every configuration, as drafts of a view too: bands, rows, strips and chunks are

@@ -7,9 +7,11 @@ constexpr std::int32_t stopped = -1;
 
 }  // namespace
 
-Pipeline::Pipeline(std::int32_t stages, std::int32_t chunks, Work work)
+Pipeline::Pipeline(std::int32_t stages, std::int32_t chunks, Work work,
+                   const Predecessors* predecessors)
     : chunks_(chunks),
       work_(work),
+      predecessors_(predecessors),
       passed_(std::make_unique<Counter[]>(static_cast<std::size_t>(stages))) {}
 
 // Here and not in the header, which code for AVX2 includes too.
@@ -44,10 +46,16 @@ std::int32_t Pipeline::workOn(std::int32_t stage, std::int32_t chunk, std::int32
   }
 }
 
-// Waits until the chunk has passed the stage before. False when the work was stopped.
+// Waits until the chunk has passed the stages before. False when the work was stopped.
 bool Pipeline::awaitChunk(std::int32_t stage, std::int32_t chunk) {
-  monitor_.waitUntil([&] { return stage == 0 || passed_[stage - 1] > chunk || status_ != 0; });
+  monitor_.waitUntil([&] { return isReady(stage, chunk) || status_ != 0; });
   return status_ == 0;
+}
+
+bool Pipeline::isReady(std::int32_t stage, std::int32_t chunk) const {
+  const auto hasPassed = [&](std::int32_t before) { return before < 0 || passed_[before] > chunk; };
+  if (predecessors_ == nullptr) return hasPassed(stage - 1);
+  return hasPassed(predecessors_[stage][0]) && hasPassed(predecessors_[stage][1]);
 }
 
 // Wakes all threads that wait: one that met a status takes no more stages, so there are stages that

@@ -2,6 +2,7 @@
 // after chunk through all the stages.
 #pragma once
 
+#include <array>
 #include <atomic>
 #include <cstdint>
 #include <memory>
@@ -16,7 +17,7 @@ namespace radiashafts {
 // written in the order of the chunks, while the stages run at the same time.
 //
 // One run: give stageCallback to as many iterations as there are stages. The pool hands iterations
-// out in rising order, so the stage that another one waits for is always running or done.
+// out in rising order, so a stage that another one waits for is always running or done.
 class Pipeline {
  public:
   // Work on one chunk in one stage. The status 0 is success.
@@ -27,8 +28,13 @@ class Pipeline {
     Function function = nullptr;
   };
 
-  // Throws std::bad_alloc.
-  Pipeline(std::int32_t stages, std::int32_t chunks, Work work);
+  // The earlier stages that a chunk has to have passed before a stage takes it; -1 for none.
+  using Predecessors = std::array<std::int32_t, 2>;
+
+  // Throws std::bad_alloc. Without predecessors each stage waits for the one before it; otherwise
+  // there are as many as stages, and they outlive the pipeline.
+  Pipeline(std::int32_t stages, std::int32_t chunks, Work work,
+           const Predecessors* predecessors = nullptr);
   ~Pipeline();
   Pipeline(const Pipeline&) = delete;
   Pipeline& operator=(const Pipeline&) = delete;
@@ -46,10 +52,12 @@ class Pipeline {
   std::int32_t runStage(std::int32_t stage, std::int32_t threadIndex);
   std::int32_t workOn(std::int32_t stage, std::int32_t chunk, std::int32_t threadIndex);
   bool awaitChunk(std::int32_t stage, std::int32_t chunk);
+  bool isReady(std::int32_t stage, std::int32_t chunk) const;
   void stop(std::int32_t status);
 
   std::int32_t chunks_;
   Work work_;
+  const Predecessors* predecessors_;
   Monitor monitor_;
   std::unique_ptr<Counter[]> passed_;  // chunks that have passed each stage
   Counter status_ = 0;

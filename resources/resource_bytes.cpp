@@ -1,5 +1,7 @@
 #include "resources/resource_bytes.h"
 
+#include <algorithm>
+#include <iterator>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -92,6 +94,10 @@ constexpr std::array<std::string_view, 20> terminologyOrder{
     "GammaCorrection", "Contrast",     "Hue",           "Saturation",
     "Lightness",       "SelectionLow", "SelectionHigh", "SelectionSoften",
     "SelectionClimax", "Mode",         "BlendMode",     "SelectionShow"};
+static_assert(std::ssize(terminologyOrder) ==
+                  std::count_if(effectTable.begin(), effectTable.end(),
+                                [](const auto& facts) { return facts.keys[0].code != nullptr; }),
+              "scripts can name every parameter that they hold");
 
 const ParameterFacts& factsOf(std::string_view name) {
   for (const ParameterFacts& facts : effectTable) {

@@ -28,12 +28,12 @@ TEST(EffectTable, BlendModesHaveTheirNamesByTheirNumbers) {
       "maximum",   "minimum",    "hue",        "saturation",    "color",         "luminosity",
       "alpha add", "alpha sub",  "alpha mult", "alpha replace", "(none) replace"};
   EffectParameters effect;
-  for (int number = 1; number <= 23; ++number) {
+  for (std::size_t number = 1; number <= std::size(names); ++number) {
     EXPECT_EQ(effect.BlendMode.GetEntry(number - 1), names[number - 1]) << number;
   }
   EXPECT_EQ(static_cast<int>(BlendMode::addition), 5);
   EXPECT_EQ(static_cast<int>(BlendMode::subtraction), 6);
-  EXPECT_FALSE(effect.BlendMode.SetValue(24));
+  EXPECT_FALSE(effect.BlendMode.SetValue(static_cast<int>(std::size(names)) + 1));
   effect.BlendMode.SetValue(0);
   effect.BlendMode.Validate();
   EXPECT_EQ(effect.BlendMode.value(), 1);

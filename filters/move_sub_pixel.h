@@ -18,32 +18,36 @@ inline namespace RADIASHAFTS_INSTRUCTION_SET {
 // are read before they are overwritten. At the near edge of a negative offset the fraction is
 // negative: the value is extrapolated from the pixel and its neighbour, which is already
 // overwritten. This is intended. With a positive offset the far edge is clamped instead.
-struct SubPixelOffset {
-  double x = 0.0;
-  double y = 0.0;
+template <class Image>
+struct MoveSubPixelImageFilter {
+  double offsetX = 0.0;
+  double offsetY = 0.0;
 
   // Whether rows are moved from the bottom up.
-  bool movesUpward() const { return y < 0.0; }
-};
+  bool movesUpward() const { return offsetY < 0.0; }
 
-// Moves one row, which is one of the two that are read.
-template <int channels>
-void moveRow(const SampleRows& rows, double offsetX, float* row) {
-  constexpr std::int32_t runLength = 128;  // pixels read before any of them is written
-  const auto moveRun = [&](std::int32_t first, std::int32_t count) {
+  // Moves one row, which is one of the two that are read. Runs of pixels follow each other in the
+  // direction of the walk; the last pixel is a run of its own.
+  void moveRow(const SampleRows& rows, float* row) const {
+    const std::int32_t others = rows.width - 1;
+    for (std::int32_t moved = 0; moved < others; moved += runLength) {
+      const std::int32_t count = std::min(runLength, others - moved);
+      moveRun(rows, offsetX < 0.0 ? rows.width - moved - count : moved, count, row);
+    }
+    moveRun(rows, offsetX < 0.0 ? 0 : others, 1, row);
+  }
+
+ private:
+  static constexpr int channels = Image::Pixel::channels;
+  static constexpr std::int32_t runLength = 128;  // pixels read before any of them is written
+
+  void moveRun(const SampleRows& rows, std::int32_t first, std::int32_t count, float* row) const {
     std::array<double, static_cast<std::size_t>(runLength) * channels> moved;
     sampleBilinear<channels>(rows, offsetX, first, count, moved.data());
     float* const samples = row + static_cast<std::ptrdiff_t>(first) * channels;
     for (int i = 0; i < count * channels; ++i) samples[i] = static_cast<float>(moved[i]);
-  };
-  // Runs follow each other in the direction of the walk; the last pixel is a run of its own.
-  const std::int32_t others = rows.width - 1;
-  for (std::int32_t moved = 0; moved < others; moved += runLength) {
-    const std::int32_t count = std::min(runLength, others - moved);
-    moveRun(offsetX < 0.0 ? rows.width - moved - count : moved, count);
   }
-  moveRun(offsetX < 0.0 ? 0 : others, 1);
-}
+};
 
 }  // namespace RADIASHAFTS_INSTRUCTION_SET
 }  // namespace radiashafts

@@ -110,9 +110,9 @@ class RadiashaftsEffect final : public RowFilter {
     filter.selection = values.selection;
     filter.rowsOfSlots = rowsOfSlots_;
     if (moves) {
-      filter.offset = SubPixelOffset{offsetFor(values.originX), offsetFor(values.originY)};
-      shiftX_ = -filter.offset->x;
-      shiftY_ = -filter.offset->y;
+      filter.move.emplace(offsetFor(values.originX), offsetFor(values.originY));
+      shiftX_ = -filter.move->offsetX;
+      shiftY_ = -filter.move->offsetY;
     }
     return filter.run(0, passCount);
   }

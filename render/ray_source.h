@@ -26,8 +26,8 @@ class RaySourceFilter final : public RowFilter {
   Mask mask;          // its data may be null
   Working target;
   SelectionParameters selection;
-  std::optional<SubPixelOffset> offset;  // none: nothing is moved
-  float* rowsOfSlots = nullptr;          // memory for two rows of the target for each thread
+  std::optional<MoveSubPixelImageFilter<Working>> move;  // none: nothing is moved
+  float* rowsOfSlots = nullptr;  // memory for two rows of the target for each thread
 
   std::int32_t run(std::int32_t stagePosition, std::int32_t stageCount) override {
     stage = stagePosition;
@@ -45,7 +45,7 @@ class RaySourceFilter final : public RowFilter {
   std::int32_t processRow(std::int32_t index, std::int32_t bands,
                           std::int32_t threadIndex) override {
     const RowBand band(index, bands, target.height);
-    const bool upward = offset && offset->movesUpward();
+    const bool upward = move && move->movesUpward();
     const std::int32_t step = upward ? -1 : 1;
     float* const besideBand =
         rowsOfSlots + 2 * static_cast<std::ptrdiff_t>(threadIndex) * target.width * channels;
@@ -57,12 +57,12 @@ class RaySourceFilter final : public RowFilter {
     selectRow(y, rowAt(y));
     for (std::int32_t moved = band.first; moved < band.end; ++moved, y += step) {
       const std::int32_t next = y + step;
-      const bool isRead = offset ? target.contains(0, next) : band.contains(next);
+      const bool isRead = move ? target.contains(0, next) : band.contains(next);
       if (isRead) selectRow(next, rowAt(next));
-      if (offset) {
-        const RowTaps taps = rowTapsAt(y, offset->y, target.height);
-        moveRow<channels>({rowAt(taps.upper), rowAt(taps.lower), taps.fraction, target.width},
-                          offset->x, target.at(0, y));
+      if (move) {
+        const RowTaps taps = rowTapsAt(y, move->offsetY, target.height);
+        move->moveRow({rowAt(taps.upper), rowAt(taps.lower), taps.fraction, target.width},
+                      target.at(0, y));
       }
       const std::int32_t status = reportRow(moved, target.height, threadIndex);
       if (status != host->NoErrorCode()) return status;

@@ -500,17 +500,6 @@ class RadiashaftsSmoothFilter final : public HalvorsundFilter {
     }
   }
 
-  static SingleLanes shifted(SingleLanes lanes, float first) {
-    SingleLanes result;
-    if constexpr (laneCount == 4) {
-      result = __builtin_shufflevector(lanes, lanes, 0, 0, 1, 2);
-    } else {
-      result = __builtin_shufflevector(lanes, lanes, 0, 0);
-    }
-    result[0] = first;
-    return result;
-  }
-
   // Shares of the pixel straight across the side and of the one before it, toward the axis.
   struct Shares {
     Lanes straight, before;

@@ -7,7 +7,6 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
-#include <optional>
 #include <span>
 #include <type_traits>
 #include <utility>
@@ -50,9 +49,9 @@ class RadiashaftsStraightFilter final : public HalvorsundFilter {
     ox_ = originX - image.frameX;
     oy_ = originY - image.frameY;
 
-    buffer_.emplace(*host, image.width, image.height, AccumulationPixel::bytes);
-    if (!*buffer_) return host->OutOfMemoryCode();
-    accumulationImage_ = tightView<AccumulationImage>(image.width, image.height, buffer_->data());
+    buffer_.allocate(image.width, image.height, AccumulationPixel::bytes);
+    if (!buffer_) return host->OutOfMemoryCode();
+    accumulationImage_ = tightView<AccumulationImage>(image.width, image.height, buffer_.data());
     progressCounter_ = 0;
     progressTotal_ = 2 * image.height + 2 * image.width;
 
@@ -309,15 +308,16 @@ class RadiashaftsStraightFilter final : public HalvorsundFilter {
   template <int group>
   static SingleLanes samplesOf(const float* sample) {
     constexpr int remaining = channels - group * laneCount;
-    return loadSingles<(remaining >= laneCount - 1 ? laneCount : remaining)>(sample +
-                                                                             group * laneCount);
+    constexpr int count = remaining >= laneCount - 1 ? laneCount : remaining;
+    constexpr std::ptrdiff_t first = std::ptrdiff_t{group} * laneCount;
+    return loadSingles<count>(sample + first);
   }
 
   // Channels are added in double precision, the weight in single.
   static void addShare(float* sum, Lanes share, const PixelLanes& sums) {
     eachGroup([&](auto group) {
       constexpr int samples = std::min(laneCount, AccumulationPixel::samples - group * laneCount);
-      float* const sumOfGroup = sum + group * laneCount;
+      float* const sumOfGroup = sum + std::ptrdiff_t{group} * laneCount;
       const Lanes product = share * sums[group];
       const SingleLanes total = loadSingles<samples>(sumOfGroup);
       storeSingles<samples>(sumOfGroup, weightIn<WholeLanes>(group)
@@ -349,7 +349,7 @@ class RadiashaftsStraightFilter final : public HalvorsundFilter {
                           threadIndex);
   }
 
-  std::optional<HostBuffer> buffer_;
+  HostBuffer buffer_{*host};
   AccumulationImage accumulationImage_;
   std::int32_t ox_ = 0;  // the origin in the image's own pixel grid; may lie outside
   std::int32_t oy_ = 0;

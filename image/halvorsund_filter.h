@@ -78,20 +78,26 @@ inline std::int32_t bandCount(std::int32_t height) {
 // A working buffer from the host, freed by the destructor.
 class HostBuffer {
  public:
-  // Holds no buffer when width x height x elementBytes, and what comes behind them, exceeds the 32
-  // bits of Allocate, or when the host has no memory.
+  explicit HostBuffer(HalvorsundHost& host) : host_(host) {}
   HostBuffer(HalvorsundHost& host, std::int32_t width, std::int32_t height,
              std::int32_t elementBytes, std::int32_t moreBytes = 0)
       : host_(host) {
+    allocate(width, height, elementBytes, moreBytes);
+  }
+  ~HostBuffer() {
+    if (data_ != nullptr) host_.Free(data_);
+  }
+
+  // Once. There is no buffer when width x height x elementBytes, and what comes behind them,
+  // exceeds the 32 bits of Allocate, or when the host has no memory.
+  void allocate(std::int32_t width, std::int32_t height, std::int32_t elementBytes,
+                std::int32_t moreBytes = 0) {
     const auto bytes = static_cast<std::uint64_t>(width) * static_cast<std::uint64_t>(height) *
                            static_cast<std::uint64_t>(elementBytes) +
                        static_cast<std::uint64_t>(moreBytes);
     if (bytes <= std::numeric_limits<std::uint32_t>::max()) {
       data_ = host_.Allocate(static_cast<std::uint32_t>(bytes));
     }
-  }
-  ~HostBuffer() {
-    if (data_ != nullptr) host_.Free(data_);
   }
   HostBuffer(const HostBuffer&) = delete;
   HostBuffer& operator=(const HostBuffer&) = delete;

@@ -105,6 +105,16 @@ inline Lanes toDouble(WholeLanes value) {
 }
 #endif
 
+// Every lane moves up by one, and the first becomes the given value.
+inline SingleLanes shifted(SingleLanes lanes, float first) {
+#ifdef __AVX2__
+  const __m128i up = _mm_slli_si128(reinterpret_cast<__m128i>(lanes), sizeof(float));
+  return _mm_move_ss(reinterpret_cast<__m128>(up), _mm_set_ss(first));
+#else
+  return SingleLanes{first, lanes[0]};
+#endif
+}
+
 // Lanes that hold samples of a picture; integer samples of any width fit 32 bits.
 template <class Sample>
 using LanesOf = std::conditional_t<std::is_floating_point_v<Sample>, SingleLanes, WholeLanes>;

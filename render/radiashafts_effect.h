@@ -110,7 +110,8 @@ class RadiashaftsEffect final : public RowFilter {
     filter.selection = values.selection;
     filter.rowsOfSlots = rowsOfSlots_;
     if (moves) {
-      filter.move.emplace(offsetFor(values.originX), offsetFor(values.originY));
+      filter.move =
+          MoveSubPixelImageFilter<Working>{offsetFor(values.originX), offsetFor(values.originY)};
       shiftX_ = -filter.move->offsetX;
       shiftY_ = -filter.move->offsetY;
     }

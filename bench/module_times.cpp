@@ -1,5 +1,6 @@
 // Prints times of one process, in milliseconds: module_times MODULE [NAME=NUMBER...]. Names are
-// width, height, depth, colors, alpha, renders, copies, and the four letters of a script's keys.
+// width, height, depth, colors, alpha, renders, copies, rest (milliseconds before each render), and
+// the four letters of a script's keys.
 // "render" lines are whole renders, the first of the process first; "copy" lines copy as many bytes
 // as the render works on, and "touch" is the first write to fresh ones, all on two threads; without
 // copies neither is there.
@@ -84,6 +85,7 @@ void printRenders(standin::EntryPoint entry, const Numbers& numbers) {
   for (int i = 0; i < number("renders"); ++i) {
     standin::StandInHost host(input, nullptr);
     std::int16_t status = 0;
+    std::this_thread::sleep_for(std::chrono::milliseconds(number("rest")));
     printTime("render", [&] { status = host.run(entry, script, output).status; });
     if (status != 0) throw std::runtime_error("the filter answered " + std::to_string(status));
   }
@@ -95,8 +97,8 @@ void printRenders(standin::EntryPoint entry, const Numbers& numbers) {
 int main(int argc, char** argv) {
   using namespace radiashafts;
   const std::vector<std::string> arguments = standin::programArguments(argc, argv);
-  bench::Numbers numbers{{"width", 6000}, {"height", 4000}, {"depth", 8}, {"colors", 3},
-                         {"alpha", 0},    {"renders", 3},   {"copies", 3}};
+  bench::Numbers numbers{{"width", 6000}, {"height", 4000}, {"depth", 8},  {"colors", 3},
+                         {"alpha", 0},    {"renders", 3},   {"copies", 3}, {"rest", 0}};
   try {
     if (arguments.empty()) throw std::runtime_error("the path of a module is missing");
     for (std::size_t i = 1; i < arguments.size(); ++i) {

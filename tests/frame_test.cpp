@@ -235,6 +235,7 @@ TEST(HostileHost, ThatComesBackWhileTheFilterRunsIsRefused) {
 }
 
 TEST(HostileHost, TwoThreadsThatEnterAtOnceGetAnAnswerEach) {
+  moduleEntry();  // loads it, which only one thread may do
   std::atomic<int> ready{0}, accepted{0}, odd{0};
   const auto enter = [&] {
     HandHost host;

@@ -65,12 +65,11 @@ void printRenders(standin::EntryPoint entry, const Numbers& numbers) {
   const standin::Picture input =
       makePicture(number("width"), number("height"), number("depth"), number("colors"), alpha);
   // Input and output, the working image, and the sums of the straight rays with their weights.
-  const std::size_t pixels = input.sampleCount() / static_cast<std::size_t>(input.planes);
-  const int sums = input.planes == 1 ? 2 : 4;
-  const int working = input.planes == 2 ? 2 : input.planes;
-  if (number("copies") > 0)
-    printReferences(2 * input.bytes.size() + pixels * 4 * static_cast<std::size_t>(sums + working),
-                    number("copies"));
+  const auto planes = static_cast<std::size_t>(input.planes);
+  const std::size_t floats = input.sampleCount() / planes * (planes + planes + 1);
+  if (number("copies") > 0) {
+    printReferences(2 * input.bytes.size() + floats * sizeof(float), number("copies"));
+  }
 
   standin::Script script;
   for (const auto& [name, value] : numbers) {

@@ -1,6 +1,5 @@
 // The meeting of the parameters with the host's recorded scripts.
 
-#include <cmath>
 #include <functional>
 #include <sstream>
 

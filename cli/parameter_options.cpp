@@ -194,7 +194,7 @@ standin::Script ParameterOptions::script() const {
 
 void ParameterOptions::applyTo(EffectParameters& effect) const {
   for (std::size_t i = 0; i < effectTable.size(); ++i) {
-    if (values_[i].given) SetNumbers(*effect.all[i], effectTable[i], values_[i].numbers);
+    if (values_[i].given) SetNumbers(*effect.all[i], values_[i].numbers);
   }
 }
 
@@ -234,7 +234,7 @@ void printScript(std::ostream& out, const standin::Script& script) {
 standin::Script scriptOf(const EffectParameters& effect) {
   standin::Script script;
   for (std::size_t i = 0; i < effectTable.size(); ++i) {
-    addTo(script, effectTable[i], NumbersOf(*effect.all[i], effectTable[i]));
+    addTo(script, effectTable[i], NumbersOf(*effect.all[i]));
   }
   return script;
 }

@@ -58,8 +58,7 @@ class EffectParameters {
 // A parameter's values as numbers, valueCount of them: a flag is 0 or 1, a list's entry counts from
 // 1.
 using ParameterNumbers = std::array<double, 3>;
-ParameterNumbers NumbersOf(const pfParameter& parameter, const ParameterFacts& facts);
-void SetNumbers(pfParameter& parameter, const ParameterFacts& facts,
-                const ParameterNumbers& numbers);
+ParameterNumbers NumbersOf(const pfParameter& parameter);
+void SetNumbers(pfParameter& parameter, const ParameterNumbers& numbers);
 
 }  // namespace radiashafts

@@ -85,7 +85,7 @@ struct Editor {
     std::vector<double> values;
     const auto& all = filter.parameters.all();
     for (std::size_t i = 0; i < all.size(); ++i) {
-      const ParameterNumbers held = NumbersOf(*all[i], effectTable[i]);
+      const ParameterNumbers held = NumbersOf(*all[i]);
       values.insert(values.end(), held.begin(), held.begin() + valueCount(effectTable[i].kind));
     }
     return values;

@@ -82,6 +82,8 @@ void ThreadPool::serveCalls(WorkerSlot& slot) {
     });
     if (now.dismissed != 0) return;
     // The system may wake a worker on the caller's processor, where the two would take turns.
+    // Without this, medians of preview renders on two processors are 7 % longer after a rest on
+    // Linux and 9 % longer back to back under Wine.
     if (currentProcessor() == callersProcessor_) {
       leaveProcessor(callersProcessor_);
     }

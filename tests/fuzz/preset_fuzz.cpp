@@ -32,7 +32,7 @@ void tryPresets(const std::string& name, const std::string& content) {
     parameters.LoadSettings(names[i], path, nullptr);
     require(names[i].size() <= maximumPresetToken, "names are bounded");
     for (std::size_t p = 0; p < effect.all.size(); ++p) {
-      for (const double number : NumbersOf(*effect.all[p], effectTable[p])) {
+      for (const double number : NumbersOf(*effect.all[p])) {
         require(std::isfinite(number), "loaded values are finite");
       }
     }

@@ -98,7 +98,6 @@ inline void enterWithProcs(std::int16_t selector, void* block, std::intptr_t* da
     standIns = *record;
     record->advanceState = advanceState;
     if (record->displayPixels != nullptr) record->displayPixels = displayPixels;
-    if (hostManner == "shows no progress") record->progressProc = nullptr;
   }
   moduleEntry()(selector, block, data, result);
 }
@@ -190,6 +189,7 @@ class Host {
     }
     traits.ownerWindow = window;
     standin::StandInHost host(settings.picture, nullptr, traits);
+    host.faults.noProgressProc = settings.manner == "shows no progress";
     host.chooseColor = [this](std::array<std::int16_t, 3>& color) {
       return std::sscanf(settings.pickedColor.c_str(), "%hd,%hd,%hd", &color[0], &color[1],
                          &color[2]) == 3;

@@ -96,6 +96,9 @@ TEST_F(PresetRowTest, ASavedNameIsSelectedAndAnotherOnlyReplacedWhenTheUserAgree
   EXPECT_EQ(controls.asked, 0);
   controls.confirms = false;
   EXPECT_EQ(row.confirmName("BB"), std::nullopt);
+  row.setPath(path("no folder/p.cfg"));
+  row.OnSaveSetting();
+  EXPECT_NE(controls.complaint.find("could not be saved"), std::string::npos);
 }
 
 TEST_F(PresetRowTest, AFileThatIsNotOursIsToldAndTheOldOneStays) {

@@ -63,7 +63,12 @@ void PresetRow::OnSelectSetting() {
 void PresetRow::OnSaveSetting() {
   const std::string name = controls_.askPresetName(controls_.shownPreset());
   if (name.empty()) return;
-  filter_->parameters.SaveSettings(name, strPresetPath, filter_->GetFilterName());
+  std::string failure;
+  filter_->parameters.SaveSettings(name, strPresetPath, filter_->GetFilterName(), &failure);
+  if (!failure.empty()) {
+    controls_.showError("The preset could not be saved in " + strPresetPath + ": " + failure,
+                        "Error");
+  }
   UpdateSettingsList();
   if (const int index = controls_.findPreset(name); index >= 0) controls_.selectPreset(index);
 }

@@ -23,8 +23,9 @@ void* Module::symbol(const char* name) const {
 }
 
 std::filesystem::path executablePath() {
-  wchar_t path[MAX_PATH];
-  GetModuleFileNameW(nullptr, path, MAX_PATH);
+  constexpr DWORD longestPath = 32768;  // characters, including the terminating zero
+  std::wstring path(longestPath, L'\0');
+  path.resize(GetModuleFileNameW(nullptr, path.data(), longestPath));
   return path;
 }
 

@@ -1,0 +1,44 @@
+// Picture files through the shared library of picture_library.h.
+
+#include "standin/picture_library.h"
+#include "standin/system/module.h"
+
+namespace radiashafts::standin {
+namespace {
+
+// Stays loaded: the metadata of pictures and the libraries' threads need it.
+const PictureLibrary& pictureLibrary() {
+  static Module& module = *new Module;
+  static const PictureLibrary* library = nullptr;
+  if (library == nullptr) {
+    if (!module.load(executablePath().parent_path() / RADIASHAFTS_PICTURE_LIBRARY)) {
+      throw PictureFileError("picture files cannot be read or written: " + module.error());
+    }
+    library = static_cast<const PictureLibrary*>(module.symbol(pictureLibrarySymbol));
+    if (library == nullptr) {
+      throw PictureFileError(std::string(RADIASHAFTS_PICTURE_LIBRARY) + " is not this program's");
+    }
+  }
+  return *library;
+}
+
+}  // namespace
+
+PictureFile readPictureFile(const std::filesystem::path& path) {
+  return pictureLibrary().read(path);
+}
+
+Mask readMaskFile(const std::filesystem::path& path) {
+  return pictureLibrary().readMask(path);
+}
+
+void checkWritable(const std::filesystem::path& path, const Picture& picture) {
+  pictureLibrary().check(path, picture);
+}
+
+WriteResult writePictureFile(const std::filesystem::path& path, PictureFile&& file,
+                             const std::function<bool()>& aborted) {
+  return pictureLibrary().write(path, std::move(file), aborted);
+}
+
+}  // namespace radiashafts::standin

@@ -110,7 +110,7 @@ std::filesystem::path pathOf(const std::string& text) {
 
 void printNotes(const CommandLine& commandLine) {
   if (commandLine.quiet) return;
-  for (const std::string& note : commandLine.notes) printLine(std::cerr, "note: " + note);
+  for (const std::string& note : commandLine.notes) printMessage("note: " + note);
 }
 
 ParsedCommandLine parseCommandLine(int argc, char** argv) {

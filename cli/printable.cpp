@@ -3,6 +3,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "standin/system/standard_error.h"
+
 namespace radiashafts::cli {
 namespace {
 
@@ -57,6 +59,10 @@ std::string printable(std::string_view text) {
 
 void printLine(std::ostream& out, std::string_view text) {
   out << printable(text) << '\n';
+}
+
+void printMessage(std::string_view text) {
+  standin::writeError(printable(text) + '\n');
 }
 
 }  // namespace radiashafts::cli

@@ -12,5 +12,7 @@ std::string printable(std::string_view text);
 
 // Prints the escaped text and a line feed.
 void printLine(std::ostream& out, std::string_view text);
+// Writes the escaped text and a line feed to standard error.
+void printMessage(std::string_view text);
 
 }  // namespace radiashafts::cli

@@ -1,10 +1,9 @@
 #include "cli/progress_bar.h"
 
 #include <algorithm>
-#include <cstdio>
 
 #include "cli/printable.h"
-#include "standin/system/terminal.h"
+#include "standin/system/standard_error.h"
 
 namespace radiashafts::cli {
 
@@ -12,7 +11,7 @@ ProgressBar::ProgressBar(const std::string& label, bool enabled)
     : label_(printable(label)), visible_(enabled && standin::errorIsTerminal()) {}
 
 ProgressBar::~ProgressBar() {
-  if (visible_ && shownPercent_ >= 0) std::fputs("\r\033[K", stderr);
+  if (visible_ && shownPercent_ >= 0) standin::writeError("\r\033[K");
 }
 
 void ProgressBar::show(std::int32_t done, std::int32_t total) {
@@ -24,7 +23,7 @@ void ProgressBar::show(std::int32_t done, std::int32_t total) {
   constexpr int cells = 40;
   std::string bar(static_cast<std::size_t>(percent * cells / 100), '#');
   bar.resize(cells, '.');
-  std::fprintf(stderr, "\r%s [%s] %3d%%\033[K", label_.c_str(), bar.c_str(), percent);
+  standin::writeError("\r" + label_ + " [" + bar + "] " + std::to_string(percent) + "%\033[K");
 }
 
 }  // namespace radiashafts::cli

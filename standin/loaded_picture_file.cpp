@@ -1,7 +1,9 @@
-// Picture files through the shared library of picture_library.h.
+// Picture files through the shared library of picture_library.h, whose codecs would print messages
+// of their own.
 
 #include "standin/picture_library.h"
 #include "standin/system/module.h"
+#include "standin/system/standard_error.h"
 
 namespace radiashafts::standin {
 namespace {
@@ -25,19 +27,23 @@ const PictureLibrary& pictureLibrary() {
 }  // namespace
 
 PictureFile readPictureFile(const std::filesystem::path& path) {
+  const SilencedStandardError silenced;
   return pictureLibrary().read(path);
 }
 
 Mask readMaskFile(const std::filesystem::path& path) {
+  const SilencedStandardError silenced;
   return pictureLibrary().readMask(path);
 }
 
 void checkWritable(const std::filesystem::path& path, const Picture& picture) {
+  const SilencedStandardError silenced;
   pictureLibrary().check(path, picture);
 }
 
 WriteResult writePictureFile(const std::filesystem::path& path, PictureFile&& file,
                              const std::function<bool()>& aborted) {
+  const SilencedStandardError silenced;
   return pictureLibrary().write(path, std::move(file), aborted);
 }
 

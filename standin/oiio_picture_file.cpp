@@ -17,7 +17,6 @@
 #include "standin/oiio_threads.h"
 #include "standin/partial_file.h"
 #include "standin/picture_file.h"
-#include "standin/system/silence.h"
 #include "standin/word_scale.h"
 
 namespace radiashafts::standin {
@@ -394,7 +393,6 @@ class MemoryFile {
 
 PictureFile readPictureFile(const fs::path& path) {
   limitLibraryThreads();
-  const standin::SilencedStandardError silenced;
   auto metadata = std::make_shared<OiioMetadata>();
   const auto input = openInput(path, metadata->spec);
   const ImageSpec& spec = metadata->spec;
@@ -416,7 +414,6 @@ PictureFile readPictureFile(const fs::path& path) {
 
 Mask readMaskFile(const fs::path& path) {
   limitLibraryThreads();
-  const standin::SilencedStandardError silenced;
   ImageSpec spec;
   const auto input = openInput(path, spec);
   if (spec.nchannels != 1 || spec.format != TypeDesc::UINT8) {
@@ -431,14 +428,12 @@ Mask readMaskFile(const fs::path& path) {
 }
 
 void checkWritable(const fs::path& path, const Picture&) {
-  const standin::SilencedStandardError silenced;
   if (const std::string reason = PartialFile::obstacle(path); !reason.empty()) fail(path, reason);
   outputFor(path);
 }
 
 WriteResult writePictureFile(const fs::path& path, PictureFile&& file,
                              const std::function<bool()>& aborted) {
-  const standin::SilencedStandardError silenced;
   limitLibraryThreads();
   MemoryFile memory;
   PartialFile partial(path);

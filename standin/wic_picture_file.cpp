@@ -52,7 +52,8 @@ Com<Interface> make(const fs::path& path, const char* step, const Make& method) 
 
 IWICImagingFactory& factory() {
   static const Com<IWICImagingFactory> instance = [] {
-    CoInitializeEx(nullptr, COINIT_MULTITHREADED);
+    CO_MTA_USAGE_COOKIE cookie = nullptr;  // kept: threads come and go
+    CoIncrementMTAUsage(&cookie);
     return make<IWICImagingFactory>("imaging component", "starting", [](IWICImagingFactory** out) {
       return CoCreateInstance(CLSID_WICImagingFactory, nullptr, CLSCTX_INPROC_SERVER,
                               IID_IWICImagingFactory, reinterpret_cast<void**>(out));

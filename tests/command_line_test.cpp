@@ -189,6 +189,12 @@ TEST_F(CommandLine, BadInputGetsOneLineAndTouchesNoOutput) {
     EXPECT_EQ(read("out.png") + read("kept.png"), "preciousprecious") << c.arguments;
   }
   EXPECT_TRUE(fs::is_symlink(path("device.png")));
+  // What comes before a bad one is complete, and what comes after is not begun.
+  write("later.png", read("in.png"));
+  fs::create_directory(path("results"));
+  EXPECT_EQ(run("in.png short.png later.png --output-dir results").exitCode, 3);
+  EXPECT_EQ(read("out.txt").rfind("results/in.png: 37 x 23 pixels", 0), 0U);
+  EXPECT_EQ(std::distance(fs::directory_iterator(path("results")), {}), 1);
 }
 
 // The last byte, or a quarter of the file, finds no room.

@@ -22,8 +22,9 @@ TEST(ZoomFilter, ResultsStayTheSameUnderEveryExtensionAndScale) {
     zoom.target = tightView<Gray>(9, 6, result.data());
     zoom.extensionX = round % 5;
     zoom.extensionY = round / 5 % 5;
-    zoom.scaleX = 0.75 * (1 + round / 25);
-    zoom.scaleY = 1.25 * (1 + round / 25);
+    const int scale = 1 + round / 25;
+    zoom.scaleX = 0.75 * scale;
+    zoom.scaleY = 1.25 * scale;
     ASSERT_EQ(zoom.run(0, 1), 0);
     for (const std::uint8_t byte : result) hash = (hash ^ byte) * 0x100000001b3;
   }

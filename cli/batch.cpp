@@ -1,0 +1,195 @@
+#include "cli/batch.h"
+
+#include <chrono>
+#include <cstdio>
+#include <future>
+#include <iostream>
+#include <type_traits>
+#include <utility>
+
+#include "cli/host_window.h"
+#include "cli/parameter_options.h"
+#include "cli/printable.h"
+#include "cli/progress_bar.h"
+#include "standin/picture_file.h"
+#include "standin/system/interrupt.h"
+
+namespace radiashafts::cli {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr char interrupted[] = "interrupted";
+
+bool wasInterrupted() {
+  return standin::interruptCode() != 0;
+}
+
+// On a thread of its own or, if there is none to be had, when the result is asked for. The work
+// owns nothing: the library drops what it owned when the thread does not start.
+template <class Work>
+auto start(const Work& work) {
+  static_assert(std::is_trivially_destructible_v<Work>);
+  return std::async(std::launch::async | std::launch::deferred, work);
+}
+
+template <class Result>
+bool isUnfinished(const std::future<Result>& result) {
+  return result.valid() && result.wait_for(0s) != std::future_status::ready;
+}
+
+class Batch {
+ public:
+  Batch(const CommandLine& commandLine, standin::EntryPoint entry, const standin::Mask* mask)
+      : commandLine_(commandLine), entry_(entry), mask_(mask) {}
+
+  void run();
+
+ private:
+  struct Rendered {
+    const Job* job;
+    standin::PictureFile file;
+    double seconds;  // in the filter
+  };
+
+  void startReading(std::size_t index);  // nothing after the last job
+  void awaitReader();
+  // Returns the filter's run time in seconds.
+  double render(const Job& job, standin::Picture& picture);
+  double filter(const Job& job, standin::Picture& picture);
+  void checkMask(const standin::Picture& picture) const;
+  void startWriting();
+  void finishWriting();
+
+  const CommandLine& commandLine_;
+  standin::EntryPoint entry_;
+  const standin::Mask* mask_;
+  std::future<standin::PictureFile> reading_;
+  std::future<standin::WriteResult> writing_;
+  Rendered rendered_{};  // what is written
+};
+
+void Batch::run() {
+  try {
+    startReading(0);
+    for (std::size_t i = 0; i < commandLine_.jobs.size(); ++i) {
+      awaitReader();
+      standin::PictureFile file = reading_.get();
+      startReading(i + 1);
+      const double seconds = render(commandLine_.jobs[i], file.picture);
+      finishWriting();
+      rendered_ = {&commandLine_.jobs[i], std::move(file), seconds};
+      startWriting();
+    }
+    finishWriting();
+  } catch (...) {
+    finishWriting();
+    awaitReader();
+    throw;
+  }
+}
+
+void Batch::startReading(std::size_t index) {
+  if (index == commandLine_.jobs.size()) return;
+  reading_ =
+      start([&job = commandLine_.jobs[index]] { return standin::readPictureFile(job.input); });
+}
+
+// An interrupt ends the program here at once, since reading may take forever; but not before the
+// encoder, which stops by itself, has removed its file.
+void Batch::awaitReader() {
+  while (isUnfinished(reading_) && isUnfinished(writing_)) writing_.wait_for(10ms);
+  if (!isUnfinished(reading_)) return;
+  const standin::ExitOnInterrupt exitOnInterrupt(interruptedLine);
+  reading_.wait();
+}
+
+double Batch::render(const Job& job, standin::Picture& picture) {
+  if (mask_ != nullptr) checkMask(picture);
+  try {
+    standin::checkWritable(job.output, picture);
+  } catch (const standin::PictureFileError& error) {
+    throw Failure{exitOutput, error.what()};
+  }
+  return filter(job, picture);
+}
+
+void Batch::checkMask(const standin::Picture& picture) const {
+  if (mask_->width == picture.width && mask_->height == picture.height) return;
+  throw Failure{exitInput,
+                commandLine_.mask->string() + ": the mask is " + std::to_string(mask_->width) +
+                    " x " + std::to_string(mask_->height) + " and the picture " +
+                    std::to_string(picture.width) + " x " + std::to_string(picture.height)};
+}
+
+std::string causeOf(std::int16_t status) {
+  if (status == hostapi::memoryFullError) return "not enough memory";
+  return "the filter answered " + std::to_string(status);
+}
+
+// Replaces the picture with the filtered one and returns the filter's run time in seconds.
+double Batch::filter(const Job& job, standin::Picture& picture) {
+  ProgressBar bar(job.input.filename().string(), !commandLine_.quiet);
+  standin::HostTraits traits = commandLine_.traits;
+  std::optional<standin::PictureWindow> window;
+  if (traits.playInfo == hostapi::playDisplay && commandLine_.ownWindow) {
+    window.emplace(job.input.filename().string(),
+                   shownPicture(picture, standin::PictureWindow::maximumSize()));
+    traits.ownerWindow = window->handle();
+  }
+  standin::StandInHost host(picture, mask_, traits);
+  host.chooseColor = [this](std::array<std::int16_t, 3>& color) {
+    if (commandLine_.pickedColor) color = *commandLine_.pickedColor;
+    return commandLine_.pickedColor.has_value();
+  };
+  host.onProgress = [&bar](std::int32_t done, std::int32_t total) { bar.show(done, total); };
+  host.abortWanted = wasInterrupted;
+  standin::Picture output;
+  const auto begin = std::chrono::steady_clock::now();
+  const standin::RunResult result = host.run(entry_, commandLine_.script, output);
+  const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - begin;
+  if (commandLine_.printScript) printScript(std::cout, result.script);
+  if (wasInterrupted()) throw Failure{standin::interruptCode(), interrupted};
+  if (result.status == hostapi::userCanceledError) {
+    throw Failure{exitRender, job.input.string() + ": the filter was cancelled, status -128"};
+  }
+  if (result.status != 0) {
+    throw Failure{exitRender, job.input.string() + ": " + causeOf(result.status)};
+  }
+  picture = std::move(output);
+  return seconds.count();
+}
+
+void Batch::startWriting() {
+  writing_ = start([this] {
+    return standin::writePictureFile(rendered_.job->output, std::move(rendered_.file),
+                                     wasInterrupted);
+  });
+}
+
+// Prints what is to be said of the written picture.
+void Batch::finishWriting() {
+  if (!writing_.valid()) return;
+  standin::WriteResult result;
+  try {
+    result = writing_.get();
+  } catch (const standin::PictureFileError& error) {
+    throw Failure{exitOutput, error.what()};
+  }
+  if (!result.written) throw Failure{standin::interruptCode(), interrupted};
+  if (commandLine_.quiet) return;
+  for (const std::string& note : result.notes) printMessage("note: " + note);
+  const standin::Picture& picture = rendered_.file.picture;
+  std::printf("%s: %d x %d pixels, %d bits a channel, rays in %.2f s\n",
+              printable(rendered_.job->output.string()).c_str(), picture.width, picture.height,
+              picture.depth, rendered_.seconds);
+}
+
+}  // namespace
+
+void runBatch(const CommandLine& commandLine, standin::EntryPoint entry,
+              const standin::Mask* mask) {
+  Batch(commandLine, entry, mask).run();
+}
+
+}  // namespace radiashafts::cli

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstdint>
 #include <limits>
 #include <type_traits>
@@ -39,7 +40,7 @@ class AxisCurve {
   }
 
   // Every value from 0 to 1 is selected with 1, so the value need not be computed.
-  bool isOpen() const { return lo_ == 0.0 && hi_ == fullTurn && !(exponent_ > 0.0); }
+  bool isOpen() const { return lo_ <= 0.0 && hi_ >= 1.0 && !(exponent_ > 0.0); }
 
   // The curve at v, 0 to 1. Clears the lanes of passed whose value is outside the range.
   Lanes operator()(Lanes v, LaneMask& passed) const {
@@ -73,11 +74,8 @@ class SelectionCurve {
         lightness_(selection.lightness, selection.lightnessOffset, !isFloat),
         lightnessAlone_(hue_.isOpen() && saturation_.isOpen()) {}
 
-  // Whether every pixel is selected with 1. Where samples can exceed full scale it depends on them.
-  bool isOpen() const {
-    constexpr bool canExceed = isFloat || std::numeric_limits<Sample>::max() > Pixel::rangeNumber;
-    return !canExceed && lightnessAlone_ && lightness_.isOpen();
-  }
+  // Whether every pixel is selected with 1 whose samples are from 0 to full scale.
+  bool isOpen() const { return lightnessAlone_ && lightness_.isOpen(); }
 
   // The product of the three curves for pixels given by their colour channels in the picture's
   // range; 0 for a pixel that is not selected.
@@ -143,10 +141,11 @@ class HslRangeSelectionFilter final : public RowFilter {
   // A row of the target, wherever its samples stand.
   void writeRow(std::int32_t row, typename Target::Stored* samples) const {
     const SelectionCurve<typename Colour::Pixel> curve(selection);
-    if (selection.selectionActive && (selection.selectionOnly || !curve.isOpen())) {
-      selectRow(curve, row, samples);
-    } else {
+    const bool selectsAll = !selection.selectionActive || (curve.isOpen() && isWithinRange(row));
+    if (selectsAll && !selection.selectionOnly) {
       copyRow(row, samples);
+    } else {
+      selectRow(curve, row, samples);
     }
   }
 
@@ -157,6 +156,26 @@ class HslRangeSelectionFilter final : public RowFilter {
 
   static constexpr int selectionColors = Colour::Pixel::colorChannels;
   static constexpr std::int32_t blockPixels = 64;  // whole lanes
+
+  // Whether all samples that decide a row are from 0 to full scale. False if the row has gaps.
+  bool isWithinRange(std::int32_t row) const {
+    using Pixel = typename Colour::Pixel;
+    using Sample = typename Pixel::Sample;
+    if constexpr (!std::is_floating_point_v<Sample>) {
+      if (std::numeric_limits<Sample>::max() == Pixel::rangeNumber) return true;
+    }
+    const std::int32_t y = selectionRow(row);
+    if (selectionSource.stride() != Pixel::bytes || !selectionSource.contains(0, y)) return false;
+    const typename Colour::Stored* const from = selectionSource.at(0, y);
+    const std::ptrdiff_t count = std::ptrdiff_t{selectionSource.width} * Pixel::samples;
+    // Floats from 0 to 1 are ordered as their bits are; those of all others are larger.
+    using Bits = std::conditional_t<std::is_floating_point_v<Sample>, std::uint32_t, Sample>;
+    Bits largest = 0;
+    for (std::ptrdiff_t i = 0; i < count; ++i) {
+      largest = std::max(largest, std::bit_cast<Bits>(static_cast<Sample>(from[i])));
+    }
+    return largest <= std::bit_cast<Bits>(static_cast<Sample>(Pixel::range));
+  }
 
   void copyRow(std::int32_t row, typename Target::Stored* samples) const {
     if constexpr (!SourcePixel::hasAlpha && std::is_same_v<typename Target::Stored, float>) {
@@ -184,7 +203,7 @@ class HslRangeSelectionFilter final : public RowFilter {
   void selectRow(const SelectionCurve<typename Colour::Pixel>& curve, std::int32_t row,
                  typename Target::Stored* samples) const {
     const std::int32_t sourceShiftX = target.frameX - selectionSource.frameX;
-    const std::int32_t sourceRow = row - selectionSource.frameY + target.frameY;
+    const std::int32_t sourceRow = selectionRow(row);
     const std::uint32_t columns = columnsInRow(firstImage, row);
     const std::uint32_t selectionColumns = columnsInRow(selectionSource, sourceRow);
     Working pixel{};
@@ -219,6 +238,11 @@ class HslRangeSelectionFilter final : public RowFilter {
         write(target.pixelOf(samples, x), pixel);
       }
     }
+  }
+
+  // The row of the selection's source beside a row of the target.
+  std::int32_t selectionRow(std::int32_t row) const {
+    return row - selectionSource.frameY + target.frameY;
   }
 
   template <class Image>

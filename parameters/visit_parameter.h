@@ -10,18 +10,19 @@ namespace radiashafts {
 // Calls the visitor with the parameter cast to its dynamic type, constant if the parameter is.
 template <class Parameter, class Visitor>
 void visitParameter(Parameter& parameter, const Visitor& visitor) {
-  const auto visitAs = [&]<class Typed>(std::type_identity<Typed>) {
+  const auto visitAs = [&](auto* typeTag) {
+    using Typed = std::remove_pointer_t<decltype(typeTag)>;
     using Pointer = std::conditional_t<std::is_const_v<Parameter>, const Typed*, Typed*>;
     const auto typed = dynamic_cast<Pointer>(&parameter);
     if (typed != nullptr) visitor(*typed);
     return typed != nullptr;
   };
-  visitAs(std::type_identity<pfParameterPosition>{}) ||
-      visitAs(std::type_identity<pfParameterBool>{}) ||
-      visitAs(std::type_identity<pfParameterInt>{}) ||
-      visitAs(std::type_identity<pfParameterFloat>{}) ||
-      visitAs(std::type_identity<pfParameterRGB>{}) ||
-      visitAs(std::type_identity<pfParameterList>{});
+  visitAs(static_cast<pfParameterPosition*>(nullptr)) ||
+      visitAs(static_cast<pfParameterBool*>(nullptr)) ||
+      visitAs(static_cast<pfParameterInt*>(nullptr)) ||
+      visitAs(static_cast<pfParameterFloat*>(nullptr)) ||
+      visitAs(static_cast<pfParameterRGB*>(nullptr)) ||
+      visitAs(static_cast<pfParameterList*>(nullptr));
 }
 
 // Combines functions for single parameter classes into one visitor.

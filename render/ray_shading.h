@@ -63,12 +63,10 @@ class RayShading {
         colorHigh_(values.colorHigh),
         adjustment_(values.hue, values.saturation, values.lightness),
         gammaTable_(gammaTable) {
-    // Neutral values change nothing, but with samples that are not finite, as float pictures may
-    // hold.
     const auto isWhite = [](const std::array<double, 3>& color) {
       return std::all_of(color.begin(), color.end(), [](double c) { return c == 1.0; });
     };
-    tints_ = isFloat || !isWhite(colorLow_) || !isWhite(colorHigh_);
+    tints_ = !isWhite(colorLow_) || !isWhite(colorHigh_);
   }
 
   // The three steps of the shading, in place and called in this order. Pixels are premultiplied
@@ -76,7 +74,7 @@ class RayShading {
   void light(PixelValues<Pixel>& ray, Lanes falloff) const {
     const Lanes strength = intensity_ * falloff;
     for (Lanes& channel : ray) channel *= strength;
-    if (tints_) tint(ray, balancedBrightness(ray));
+    if (tints_ || isFloat) tint(ray, balancedBrightness(ray));
     if constexpr (hasAlpha) ray[colors] = clampToRange<Pixel>(ray[colors]);
   }
 
@@ -92,9 +90,9 @@ class RayShading {
     std::array<Lanes, 3> unit{};
     for (int k = 0; k < colors; ++k) unit[k] = ray[k] / Pixel::range;
     const Rgb color{unit[0], unit[1], unit[2]};
-    const Rgb adjusted = isFloat || !adjustment_.isNeutral()
-                             ? adjustment_(color)
-                             : HslAdjustment::neutral<colors>(color);
+    const Rgb adjusted = adjustment_.isNeutral() && (!isFloat || isInUnit(color))
+                             ? HslAdjustment::neutral<colors>(color)
+                             : adjustment_(color);
     const std::array<Lanes, 3> channels{adjusted.r, adjusted.g, adjusted.b};
     for (int k = 0; k < colors; ++k) ray[k] = channels[k] * Pixel::range;
   }
@@ -114,14 +112,21 @@ class RayShading {
                                 : (colorBalance_ + 1.0) * t;
   }
 
-  // Dark rays get the low color, rays at full scale the high one.
+  // Dark rays get the low color, rays at full scale the high one. White changes nothing, unless the
+  // brightness is a NaN, which float pictures can have.
   void tint(PixelValues<Pixel>& ray, Lanes t) const {
+    if (!tints_ && all(t == t)) return;
     const Lanes part = max((t - 0.5) * 2.0, Lanes{});
     for (int k = 0; k < colors; ++k) {
       const double low = colorLow_[k];
       const double high = colorHigh_[k];
       ray[k] *= choose(t > 1.0, allLanes(high), (high - low) * part + low);
     }
+  }
+
+  static bool isInUnit(Rgb c) {
+    return all((c.r >= 0.0) & (c.r <= 1.0) & (c.g >= 0.0) & (c.g <= 1.0) & (c.b >= 0.0) &
+               (c.b <= 1.0));
   }
 
   // Contrast is a gain without a pivot: black becomes contrast times the middle.

@@ -9,6 +9,7 @@ namespace radiashafts {
 
 class Dialog {
  public:
+  virtual ~Dialog() = default;
   Dialog(const Dialog&) = delete;
   Dialog& operator=(const Dialog&) = delete;
 
@@ -22,7 +23,6 @@ class Dialog {
 
  protected:
   Dialog() = default;
-  ~Dialog() = default;
 
   // Returns FALSE when the message was not handled; else TRUE or the message's own return value.
   virtual INT_PTR onMessage(UINT message, WPARAM w, LPARAM l) = 0;

@@ -298,8 +298,12 @@ class RadiashaftsStraightFilter final : public HalvorsundFilter {
   // The weight of a sample is 1; its share is rounded to single precision.
   static void addSample(const float* sample, Lanes share, Lanes weight, PixelLanes& sums) {
     eachGroup([&](auto group) {
-      const Lanes samples = toDouble(samplesOf<group>(sample));
-      sums[group] += choose(weightIn<LaneMask>(group), weight, samples * share);
+      if constexpr (holdsWeightAlone<group>) {
+        sums[group] += weight;
+      } else {
+        const Lanes samples = toDouble(samplesOf<group>(sample));
+        sums[group] += choose(weightIn<LaneMask>(group), weight, samples * share);
+      }
     });
   }
 
@@ -320,9 +324,13 @@ class RadiashaftsStraightFilter final : public HalvorsundFilter {
       float* const sumOfGroup = sum + std::ptrdiff_t{group} * laneCount;
       const Lanes product = share * sums[group];
       const SingleLanes total = loadSingles<samples>(sumOfGroup);
-      storeSingles<samples>(sumOfGroup, weightIn<WholeLanes>(group)
-                                            ? total + toSingle(product)
-                                            : toSingle(toDouble(total) + product));
+      if constexpr (holdsWeightAlone<group>) {
+        storeSingles<samples>(sumOfGroup, total + toSingle(product));
+      } else {
+        storeSingles<samples>(sumOfGroup, weightIn<WholeLanes>(group)
+                                              ? total + toSingle(product)
+                                              : toSingle(toDouble(total) + product));
+      }
     });
   }
 
@@ -334,6 +342,10 @@ class RadiashaftsStraightFilter final : public HalvorsundFilter {
     }
     (std::make_integer_sequence<int, groups>());
   }
+
+  // The weight of pixels whose channels fill whole groups needs no product with the samples.
+  template <int group>
+  static constexpr bool holdsWeightAlone = group * laneCount == channels;
 
   // All bits set in the lane that holds the weight.
   template <class Mask>

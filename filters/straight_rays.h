@@ -345,7 +345,7 @@ class RadiashaftsStraightFilter final : public HalvorsundFilter {
 
   // The weight of pixels whose channels fill whole groups needs no product with the samples.
   template <int group>
-  static constexpr bool holdsWeightAlone = group * laneCount == channels;
+  static constexpr bool holdsWeightAlone = group* laneCount == channels;
 
   // All bits set in the lane that holds the weight.
   template <class Mask>

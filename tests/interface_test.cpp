@@ -61,7 +61,7 @@ TEST(PreviewGeometry, ShowsAPartOfThePictureInTheMiddleAndPointerHandleAndPixelA
   for (int i = 0; i < 20000; ++i) {
     SCOPED_TRACE(i);
     const PreviewGeometry view = anyView(dice);
-    const Box from = view.source(), to = view.destination();
+    const Box from = view.source(view.image), to = view.destination();
     ASSERT_TRUE(from.left >= 0 && from.right <= view.image.width);
     ASSERT_TRUE(from.top >= 0 && from.bottom <= view.image.height);
     ASSERT_LE(std::abs(to.left - (view.frame.width - to.right)), 1);
@@ -219,12 +219,38 @@ TEST(PreviewRenders, AChangeThatCutsOneShortIsFollowedByADraftAndThenByFullQuali
     SCOPED_TRACE(renders);
     Session s(renders);
     EXPECT_EQ(s.play(), log);
-    EXPECT_EQ(s.view.hasBitmap(), std::strpbrk(renders, "em") == nullptr);
+    EXPECT_EQ(s.view.shownBitmap() != nullptr, std::strpbrk(renders, "em") == nullptr);
     EXPECT_FALSE(s.view.needsRender());
     s.view.RequestRender();
     EXPECT_EQ(s.play(), "R0 ");
-    EXPECT_TRUE(s.view.hasBitmap());
+    EXPECT_NE(s.view.shownBitmap(), nullptr);
   }
+}
+
+TEST(PreviewRenders, ThePictureStaysUntilTheNextOneIsDrawn) {
+  Session s("", {120, 90});
+  s.play();
+  int paintings = 0;
+  s.windows.paint = [&] {
+    const PreviewBitmap* const shown = s.view.shownBitmap();
+    ASSERT_NE(shown, nullptr);
+    const Box part = s.view.geometry().source(shown->image);
+    EXPECT_GT(part.width() * part.height(), 0);
+    // Drafts show the same part of the picture.
+    if (s.view.requestedFactor() > 1) EXPECT_NEAR(part.width(), shown->image.width, 4) << paintings;
+    EXPECT_LE(part.right, shown->image.width + 1);
+    ++paintings;
+  };
+  s.filter.script = "xxxF";
+  s.view.RequestRender();
+  s.play();
+  s.filter.script = "x";
+  s.view.ZoomBy(-3);
+  s.play();
+  s.filter.script = "F";
+  s.view.ZoomBy(3);
+  s.play();
+  EXPECT_GT(paintings, 8);
 }
 
 TEST(PreviewRenders, ZoomAndDraftsKeepTheMiddleOfTheView) {

@@ -147,6 +147,13 @@ TEST(Editing, EveryActionIsOneStepOfTheHistoryThatUndoesAndRedoes) {
     bool rendered;
     std::function<void(Editor&)> act;
   } const cases[] = {{"slider", 1, true, [&](Editor& e) { slide(e, 200, 150, 120, 333); }},
+                     {"another slider before the first one rests", 2, true,
+                      [&](Editor& e) {
+                        e.panel.focus = 1011;
+                        e.panel.numbers[1011] = 150;
+                        e.editing.OnScroll(1011, false);
+                        e.slide(1064, {50, 60});
+                      }},
                      {"slider at rest", 0, false, [&](Editor& e) { slide(e, 200, 200); }},
                      {"keys", 2, true,
                       [](Editor& e) {

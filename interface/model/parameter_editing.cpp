@@ -12,7 +12,7 @@ namespace radiashafts {
 
 void ParameterEditing::open(WidgetList* widgets, ControlPanel* panel) {
   widgets_ = widgets;
-  scrolling_ = false;
+  scrolledSlider_ = 0;
   for (const auto& widget : *widgets_) widget->Open(panel);
 }
 
@@ -39,9 +39,9 @@ bool ParameterEditing::OnControlChange(int id, bool withUndo) {
 }
 
 void ParameterEditing::OnScroll(int id, bool atRest) {
-  const bool first = !scrolling_;
-  scrolling_ = !atRest;
-  if (!OnControlChange(id, first)) scrolling_ = scrolling_ && !first;
+  const bool first = scrolledSlider_ != id;
+  const bool changed = OnControlChange(id, first);
+  scrolledSlider_ = atRest || (first && !changed) ? 0 : id;
 }
 
 void ParameterEditing::OnEditKillFocus(int id) {

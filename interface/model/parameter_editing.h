@@ -23,7 +23,7 @@ class ParameterEditing {
   // Called when a control has changed. Applies the change, requests a render if it needs one, and
   // then records an undo step if withUndo is set. Returns whether a render is needed.
   bool OnControlChange(int id, bool withUndo);
-  // A slider moved, or was released (atRest). One drag makes one undo step.
+  // A slider moved, or was released (atRest). A drag makes one undo step.
   void OnScroll(int id, bool atRest);
   void OnEditKillFocus(int id);
   void Undo();
@@ -58,7 +58,7 @@ class ParameterEditing {
   PreviewView& view_;
   WidgetList* widgets_ = nullptr;
   pfParameterRGB* pipetteTarget_ = nullptr;
-  bool scrolling_ = false;
+  int scrolledSlider_ = 0;  // the slider that is dragged; 0 for none
 };
 
 }  // namespace radiashafts

@@ -49,10 +49,18 @@ Box PreviewGeometry::destination() const {
   return box;
 }
 
-Box PreviewGeometry::source() const {
+Box PreviewGeometry::source(Extent rendering) const {
   const Box to = destination();
-  return {pan.x, pan.y, pan.x + wholePixels(to.width() * viewScale),
-          pan.y + wholePixels(to.height() * viewScale)};
+  const Box box{pan.x, pan.y, pan.x + wholePixels(to.width() * viewScale),
+                pan.y + wholePixels(to.height() * viewScale)};
+  if (rendering == image) return box;
+  const auto scaled = [](int position, int newSide, int oldSide) {
+    return oldSide > 0 ? wholePixels(static_cast<double>(position) * newSide / oldSide) : 0;
+  };
+  const int left = scaled(box.left, rendering.width, image.width);
+  const int top = scaled(box.top, rendering.height, image.height);
+  return {left, top, std::max(scaled(box.right, rendering.width, image.width), left + 1),
+          std::max(scaled(box.bottom, rendering.height, image.height), top + 1)};
 }
 
 std::array<Box, 4> PreviewGeometry::margins() const {

@@ -41,7 +41,9 @@ struct PreviewGeometry {
   void panTo(Point centre);
 
   Box destination() const;  // the part of the frame that the image covers
-  Box source() const;       // the image pixels shown there; y counts from the bottom
+  // The pixels shown there of a rendering of the image in another size, or in its own; y counts
+  // from the bottom.
+  Box source(Extent rendering) const;
   // The rest of the frame: above, below, left and right. Their lower ends extend below the frame,
   // to cover what a resize has just uncovered.
   std::array<Box, 4> margins() const;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <new>
+#include <utility>
 
 #include "diagnostics/debug_log.h"
 #include "hostapi/constants.h"
@@ -24,7 +25,8 @@ void PreviewView::open(EditedFilter* filter, hostapi::FilterRecord* record) {
 void PreviewView::close() {
   workers_.reset();
   nRenderStartTick = 0;
-  releaseBitmap();
+  retireBitmap();
+  freeBitmap(former_);
   filter_ = nullptr;
   record_ = nullptr;
 }
@@ -116,7 +118,7 @@ void PreviewView::AssignScaleFactor(std::int32_t factor) {
 // When the host fails, the record describes an image that is not there; nothing is rendered until a
 // later attempt succeeds.
 bool PreviewView::fetch(std::int32_t renderFactor) {
-  releaseBitmap();
+  retireBitmap();
   nAppliedFactor = -1;
   if (filter_->SetupFilterRecord(record_, static_cast<std::uint32_t>(renderFactor)) != 0) {
     windows_.invalidateFrame();
@@ -128,35 +130,54 @@ bool PreviewView::fetch(std::int32_t renderFactor) {
 }
 
 void PreviewView::renewBitmap() {
-  nBitmapHeight = geometry_.image.height;
-  nBitmapWidth = bitmapWidthFor(geometry_.image.width);
-  const auto size =
-      static_cast<std::uint32_t>(nBitmapHeight) * static_cast<std::uint32_t>(nBitmapWidth) * 3;
-  try {
-    bitmap_ = static_cast<std::uint8_t*>(filter_->Allocate(size));
-  } catch (const std::bad_alloc&) {
-    bitmap_ = nullptr;
+  bitmap_.image = geometry_.image;
+  bitmap_.size = {bitmapWidthFor(bitmap_.image.width), bitmap_.image.height};
+  const std::uint32_t size = static_cast<std::uint32_t>(bitmap_.size.height) *
+                             static_cast<std::uint32_t>(bitmap_.size.width) * 3;
+  bitmap_.pixels = allocatePixels(size);
+  if (bitmap_.pixels == nullptr && former_.pixels != nullptr) {
+    freeBitmap(former_);
+    bitmap_.pixels = allocatePixels(size);
   }
-  if (bitmap_ == nullptr) {
+  if (bitmap_.pixels == nullptr) {
     logLine(severityError, errorMarker, "Out of memory");
     return;
   }
   RequestRender();
 }
 
-void PreviewView::releaseBitmap() {
-  bBitmapValid = false;
-  if (bitmap_ == nullptr) return;
-  windows_.bitmapChanged();
-  filter_->Free(bitmap_);
-  bitmap_ = nullptr;
+// Null when there is no memory.
+std::uint8_t* PreviewView::allocatePixels(std::uint32_t size) {
+  try {
+    return static_cast<std::uint8_t*>(filter_->Allocate(size));
+  } catch (const std::bad_alloc&) {
+    return nullptr;
+  }
+}
+
+// A picture stays on the screen until the next one is drawn.
+void PreviewView::retireBitmap() {
+  if (std::exchange(bBitmapValid, false)) {
+    freeBitmap(former_);
+    former_ = std::exchange(bitmap_, {});
+  }
+  freeBitmap(bitmap_);
+}
+
+void PreviewView::freeBitmap(PreviewBitmap& bitmap) {
+  if (bitmap.pixels != nullptr) filter_->Free(bitmap.pixels);
+  bitmap = {};
+}
+
+const PreviewBitmap* PreviewView::shownBitmap() const {
+  if (bBitmapValid) return &bitmap_;
+  return former_.pixels != nullptr ? &former_ : nullptr;
 }
 
 void PreviewView::disableHostDrawing() {
   hostDraws_ = false;
-  if (!bBitmapValid) return;
-  bBitmapValid = false;
-  RequestRender();
+  freeBitmap(former_);
+  if (std::exchange(bBitmapValid, false)) RequestRender();
 }
 
 bool PreviewView::needsRender() const {
@@ -207,9 +228,11 @@ std::int16_t PreviewView::render() {
 }
 
 void PreviewView::DrawToPreview() {
-  if (bitmap_ == nullptr) return;
+  if (bitmap_.pixels == nullptr) return;
   const BitmapOrder order = hostDraws() ? BitmapOrder::forHost : BitmapOrder::forSystem;
-  if (drawToPreview(*record_, order, nBitmapWidth, bitmap_)) bBitmapValid = true;
+  if (!drawToPreview(*record_, order, bitmap_.size.width, bitmap_.pixels)) return;
+  bBitmapValid = true;
+  freeBitmap(former_);
   windows_.bitmapChanged();
 }
 

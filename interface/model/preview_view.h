@@ -13,6 +13,13 @@
 
 namespace radiashafts {
 
+// A rendered picture as it is drawn: rows of 3-byte pixels, see BitmapOrder.
+struct PreviewBitmap {
+  std::uint8_t* pixels = nullptr;  // allocated by the filter; null for none
+  Extent size;                     // with the padding at the ends of the rows
+  Extent image;                    // the pixels that hold the picture
+};
+
 class PreviewView {
  public:
   explicit PreviewView(DialogWindows& windows) : windows_(windows) {}
@@ -50,18 +57,20 @@ class PreviewView {
   void panTo(Point pan);
   void limitPan();
 
-  bool hasBitmap() const { return bBitmapValid; }
-  const std::uint8_t* bitmap() const { return bitmap_; }
-  Extent bitmapSize() const { return {nBitmapWidth, nBitmapHeight}; }
+  // The last picture that was rendered, which may be that of another scale; null before the first.
+  const PreviewBitmap* shownBitmap() const;
   // Whether the host draws the bitmap, which determines the bitmap's pixel layout.
   bool hostDraws() const { return hostDraws_; }
-  // Switches to the system's layout for a host that cannot draw; renders a valid bitmap again.
+  // Switches to the system's layout for a host that cannot draw; frees the shown bitmap and renders
+  // it again.
   void disableHostDrawing();
 
  private:
   bool fetch(std::int32_t renderFactor);
   void renewBitmap();
-  void releaseBitmap();
+  std::uint8_t* allocatePixels(std::uint32_t size);
+  void retireBitmap();
+  void freeBitmap(PreviewBitmap& bitmap);
   std::int16_t render();
   void DrawToPreview();
 
@@ -82,10 +91,9 @@ class PreviewView {
   };
   std::optional<FullQualityView> fullQualityView_;
   std::optional<ThreadPool::KeepRunning> workers_;  // set after the first render, since more follow
-  std::uint8_t* bitmap_ = nullptr;                  // allocated by the filter
-  std::int32_t nBitmapWidth = 0;
-  std::int32_t nBitmapHeight = 0;
-  bool bBitmapValid = false;
+  PreviewBitmap bitmap_;                            // of the fetched image
+  bool bBitmapValid = false;                        // it holds a picture
+  PreviewBitmap former_;                            // shown until it does
   bool hostDraws_ = false;
 };
 

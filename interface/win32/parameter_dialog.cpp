@@ -1,5 +1,8 @@
 #include "interface/win32/parameter_dialog.h"
 
+#include <algorithm>
+#include <iterator>
+
 #include <windowsx.h>
 
 #include "diagnostics/debug_log.h"
@@ -8,6 +11,17 @@
 #include "interface/win32/dialog_ids.h"
 
 namespace radiashafts {
+namespace {
+
+// By the mouse or a key. The wheel moves a slider without holding it, and no end is told.
+bool isHeld(HWND slider) {
+  if (GetCapture() == slider) return true;
+  constexpr int keys[] = {VK_LEFT, VK_RIGHT, VK_UP, VK_DOWN, VK_PRIOR, VK_NEXT, VK_HOME, VK_END};
+  return std::any_of(std::begin(keys), std::end(keys),
+                     [](int key) { return GetKeyState(key) < 0; });
+}
+
+}  // namespace
 
 INT_PTR ParameterDialog::onMessage(UINT message, WPARAM w, LPARAM l) {
   const Point point{GET_X_LPARAM(l), GET_Y_LPARAM(l)};
@@ -42,9 +56,11 @@ INT_PTR ParameterDialog::onMessage(UINT message, WPARAM w, LPARAM l) {
       editing_.OnSwatchRightUp(point);
       return TRUE;
     case WM_HSCROLL:
-    case WM_VSCROLL:
-      editing_.OnScroll(GetDlgCtrlID(reinterpret_cast<HWND>(l)), LOWORD(w) == SB_ENDSCROLL);
+    case WM_VSCROLL: {
+      const HWND slider = reinterpret_cast<HWND>(l);
+      editing_.OnScroll(GetDlgCtrlID(slider), LOWORD(w) == SB_ENDSCROLL || !isHeld(slider));
       return TRUE;
+    }
     case WM_COMMAND:
       onCommand(LOWORD(w), HIWORD(w));
       return TRUE;

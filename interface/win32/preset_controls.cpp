@@ -31,6 +31,28 @@ class WorkingDirectoryRestorer {
   std::array<char, 1024> path_{};
 };
 
+// RAII: surrounds a prompt over the parameter dialog. The preview, its owner, takes no input
+// meanwhile; afterwards the keyboard is where it was.
+class Prompt {
+ public:
+  explicit Prompt(HWND dialog)
+      : preview_(GetWindow(dialog, GW_OWNER)),
+        previewRested_(EnableWindow(preview_, FALSE) != FALSE),
+        focus_(GetFocus()) {}
+  ~Prompt() {
+    if (!previewRested_) EnableWindow(preview_, TRUE);
+    if (IsWindowEnabled(focus_) != FALSE) SetFocus(focus_);
+  }
+  Prompt(const Prompt&) = delete;
+  Prompt& operator=(const Prompt&) = delete;
+
+ private:
+  const SystemDialog loop_;
+  HWND preview_;
+  bool previewRested_;  // in another prompt
+  HWND focus_;
+};
+
 struct SaveAsRequest {
   PresetRow* row;
   std::string proposed;
@@ -140,7 +162,7 @@ std::optional<std::string> PresetControlsWin32::choosePresetFile(const std::stri
   request.lpstrDefExt = "cfg";
   request.Flags = OFN_HIDEREADONLY | OFN_EXPLORER | OFN_LONGNAMES | OFN_ENABLESIZING;
   const WorkingDirectoryRestorer restoreAtEnd;
-  const SystemDialog dialog;
+  const Prompt prompt(dialog_.window());
   bool chosen = GetOpenFileNameA(&request) != FALSE;
   if (!chosen && CommDlgExtendedError() == FNERR_INVALIDFILENAME) {
     text.fill('\0');  // retries without an initial path
@@ -152,7 +174,7 @@ std::optional<std::string> PresetControlsWin32::choosePresetFile(const std::stri
 std::string PresetControlsWin32::askPresetName(const std::string& proposed) {
   if (dialog_.window() == nullptr) return {};
   SaveAsRequest request{&row_, proposed, {}};
-  const SystemDialog dialog;
+  const Prompt prompt(dialog_.window());
   const INT_PTR result =
       DialogBoxParamA(moduleInstance(), MAKEINTRESOURCEA(ID_SAVE_AS_DIALOG), dialog_.window(),
                       windowProcedure<SaveAsProcedure>, reinterpret_cast<LPARAM>(&request));
@@ -160,12 +182,12 @@ std::string PresetControlsWin32::askPresetName(const std::string& proposed) {
 }
 
 bool PresetControlsWin32::confirm(const char* text, const char* caption) {
-  const SystemDialog dialog;
+  const Prompt prompt(dialog_.window());
   return MessageBoxA(dialog_.window(), text, caption, MB_YESNO | MB_ICONQUESTION) == IDYES;
 }
 
 void PresetControlsWin32::showError(const std::string& text, const char* caption) {
-  const SystemDialog dialog;
+  const Prompt prompt(dialog_.window());
   MessageBoxA(dialog_.window(), text.c_str(), caption, MB_OK | MB_ICONEXCLAMATION);
 }
 

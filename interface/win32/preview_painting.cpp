@@ -39,12 +39,10 @@ BITMAPINFO describeBuffer(Extent frame) {
   return describe(frame.width, -frame.height, 32);
 }
 
-BITMAPINFO describeBitmap(const PreviewView& view) {
-  const Extent size = view.bitmapSize();
-  const Extent image = view.renderedSize();
-  BITMAPINFO info = describe(size.width, size.height, 24);
+BITMAPINFO describeBitmap(const PreviewBitmap& bitmap) {
+  BITMAPINFO info = describe(bitmap.size.width, bitmap.size.height, 24);
   info.bmiHeader.biSizeImage =
-      static_cast<DWORD>(image.width) * static_cast<DWORD>(image.height) * 3;
+      static_cast<DWORD>(bitmap.image.width) * static_cast<DWORD>(bitmap.image.height) * 3;
   return info;
 }
 
@@ -161,25 +159,11 @@ void PreviewPainting::paint(HDC screen, PreviewView& view,
   const HDC context = buffer.isUsable() ? buffer.context() : screen;
 
   const Box to = geometry.destination();
-  const Box from = geometry.source();
   SetBrushOrgEx(context, to.left - geometry.pan.x, to.top - geometry.pan.y, nullptr);
-  const BITMAPINFO info = describeBitmap(view);
-  const void* bits = view.hasBitmap() ? bitmapBits(view, info) : nullptr;
-  if (bits == nullptr) {
+  const PreviewBitmap* const bitmap = view.shownBitmap();
+  if (bitmap == nullptr || !paintBitmap(context, buffer, view, *bitmap)) {
     const RECT rect = rectOf(to);
     FillRect(context, &rect, static_cast<HBRUSH>(GetStockObject(BLACK_BRUSH)));
-  } else if (buffer.isUsable() && isWithin(from, view.bitmapSize()) && from.width() == to.width() &&
-             from.height() == to.height()) {
-    copyPixels(buffer, to, from, bits, view.bitmapSize().width);
-  } else {
-    SetStretchBltMode(context, COLORONCOLOR);
-    const int lines =
-        StretchDIBits(context, to.left, to.top, to.width(), to.height(), from.left, from.top,
-                      from.width(), from.height(), bits, &info, DIB_RGB_COLORS, SRCCOPY);
-    if (lines == -1) {
-      logLine(severityWarning, warningMarker, "StretchDIBBits failed. GetLastError(",
-              GetLastError(), ")");
-    }
   }
 
   const HBRUSH brush = CreateSolidBrush(marginColor);
@@ -192,17 +176,39 @@ void PreviewPainting::paint(HDC screen, PreviewView& view,
   if (buffer.isUsable()) copyToScreen(buffer, screen);
 }
 
-const void* PreviewPainting::bitmapBits(PreviewView& view, const BITMAPINFO& info) {
-  return view.hostDraws() ? drawnByHost(view, info) : view.bitmap();
+// Returns false if the host does not draw.
+bool PreviewPainting::paintBitmap(HDC context, const Surface& buffer, PreviewView& view,
+                                  const PreviewBitmap& bitmap) {
+  const Extent size = bitmap.size;
+  const BITMAPINFO info = describeBitmap(bitmap);
+  const Box to = view.geometry().destination();
+  const Box from = view.geometry().source(bitmap.image);
+  const void* bits = view.hostDraws() ? drawnByHost(view, bitmap, info) : bitmap.pixels;
+  if (bits == nullptr) return false;
+  if (buffer.isUsable() && isWithin(from, size) && from.width() == to.width() &&
+      from.height() == to.height()) {
+    copyPixels(buffer, to, from, bits, size.width);
+    return true;
+  }
+  SetStretchBltMode(context, COLORONCOLOR);
+  const int lines =
+      StretchDIBits(context, to.left, to.top, to.width(), to.height(), from.left, from.top,
+                    from.width(), from.height(), bits, &info, DIB_RGB_COLORS, SRCCOPY);
+  if (lines == -1) {
+    logLine(severityWarning, warningMarker, "StretchDIBBits failed. GetLastError(", GetLastError(),
+            ")");
+  }
+  return true;
 }
 
-const void* PreviewPainting::drawnByHost(PreviewView& view, const BITMAPINFO& info) {
-  const Extent size = view.bitmapSize();
+// Null if the host does not draw; the bitmap is freed then.
+const void* PreviewPainting::drawnByHost(PreviewView& view, const PreviewBitmap& bitmap,
+                                         const BITMAPINFO& info) {
   if (hostSurfaceValid_ && hostSurface_) return hostSurface_->bits();
-  if (!hostSurface_ || hostSurface_->size() != size) hostSurface_.emplace(info);
+  if (!hostSurface_ || hostSurface_->size() != bitmap.size) hostSurface_.emplace(info);
   if (!hostSurface_->isUsable()) return nullptr;
 
-  if (const auto error = drawByHost(view.record(), view.bitmap(), *hostSurface_); error != 0) {
+  if (const auto error = drawByHost(view.record(), bitmap.pixels, *hostSurface_); error != 0) {
     logLine(severityWarning, warningMarker, "displayPixels failed. Code(", error, ")");
     view.disableHostDrawing();
     return nullptr;

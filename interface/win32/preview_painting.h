@@ -45,15 +45,16 @@ class PreviewPainting {
   // Paints the picture, the margins and, unless light is empty, the handle at that normalised
   // position.
   void paint(HDC screen, PreviewView& view, const std::optional<std::array<double, 2>>& light);
-  // Called when the view's bitmap has changed: the host has to draw it again.
+  // Called when the view shows another bitmap: the host has to draw it again.
   void invalidateBitmap() { hostSurfaceValid_ = false; }
   // Frees the surfaces.
   void release();
 
  private:
   const Surface& bufferFor(Extent frame);
-  const void* bitmapBits(PreviewView& view, const BITMAPINFO& info);
-  const void* drawnByHost(PreviewView& view, const BITMAPINFO& info);
+  bool paintBitmap(HDC context, const Surface& buffer, PreviewView& view,
+                   const PreviewBitmap& bitmap);
+  const void* drawnByHost(PreviewView& view, const PreviewBitmap& bitmap, const BITMAPINFO& info);
 
   // Both are reused while the size stays the same.
   std::optional<Surface> buffer_;  // of the frame; double buffering avoids flicker

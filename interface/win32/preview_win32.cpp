@@ -12,6 +12,7 @@
 #include "interface/win32/dialog_ids.h"
 #include "interface/win32/interface_end.h"
 #include "interface/win32/visual_style.h"
+#include "platform/win32/pumped_dialog.h"
 
 namespace radiashafts {
 
@@ -68,6 +69,7 @@ bool pfPreviewWin32::openDialogs(WidgetList* widgets) {
     return false;
   }
   preview_.forwardKeysTo(parameters_.window());
+  platform::setPumpedDialog(parameters_.window());
   pipette_.load();
   platform::setDefaultFloatingPoint();
   view_.FitScaleToFrame();
@@ -81,8 +83,8 @@ void pfPreviewWin32::showDialogs() {
   trace("Updated Settings List");
   view_.UpdateUndoButtons();
   trace("Updated Undo Buttons");
+  ShowWindow(preview_.window(), SW_SHOWNA);
   ShowWindow(parameters_.window(), SW_SHOW);
-  ShowWindow(preview_.window(), SW_SHOW);
   SetForegroundWindow(parameters_.window());  // its OK button has the focus
   trace("windows up");
   view_.AssignScaleFactor(view_.requestedFactor());
@@ -120,6 +122,7 @@ bool pfPreviewWin32::runMessageLoop() {
 }
 
 void pfPreviewWin32::closeDialogs() {
+  platform::setPumpedDialog(nullptr);
   pointer_.cancelDrag();
   editing_.close();
   hostWindow_.enable();  // before its dialogs close, or another program comes to the foreground

@@ -1,7 +1,18 @@
 #include "platform/pump.h"
 #include <windows.h>
 
+#include "platform/win32/pumped_dialog.h"
+
 namespace radiashafts::platform {
+namespace {
+
+HWND pumpedDialog = nullptr;
+
+}  // namespace
+
+void setPumpedDialog(HWND dialog) {
+  pumpedDialog = dialog;
+}
 
 // The time limit keeps a window that posts messages to itself endlessly from blocking the render.
 bool pumpPendingMessages() {
@@ -13,8 +24,10 @@ bool pumpPendingMessages() {
       PostQuitMessage(static_cast<int>(message.wParam));
       return false;
     }
-    TranslateMessage(&message);
-    DispatchMessageA(&message);
+    if (pumpedDialog == nullptr || IsDialogMessageA(pumpedDialog, &message) == FALSE) {
+      TranslateMessage(&message);
+      DispatchMessageA(&message);
+    }
     if (GetTickCount() - start > timeLimit) break;
   }
   return true;

@@ -90,11 +90,14 @@ Lanes clampToRange(Lanes value) {
   return choose(value > 0.0, min(value, allLanes(Pixel::range)), Lanes{});
 }
 
+inline LaneMask isNumber(Lanes value) {
+  return (value <= 0.0) | (value > 0.0);
+}
+
 // Every NaN becomes the one of the language: processors take the sign and payload of a result from
 // one of its operands, and compilers choose the order of operands.
 inline Lanes withOneNaN(Lanes value) {
-  const LaneMask isNumber = (value <= 0.0) | (value > 0.0);
-  return choose(isNumber, value, allLanes(std::numeric_limits<double>::quiet_NaN()));
+  return choose(isNumber(value), value, allLanes(std::numeric_limits<double>::quiet_NaN()));
 }
 
 // Clamps colours to what a picture can store: integers to 0 to Pixel::range, floats to 0 and above,

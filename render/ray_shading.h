@@ -115,7 +115,7 @@ class RayShading {
   // Dark rays get the low color, rays at full scale the high one. White changes nothing, unless the
   // brightness is a NaN, which float pictures can have.
   void tint(PixelValues<Pixel>& ray, Lanes t) const {
-    if (!tints_ && all(t == t)) return;
+    if (!tints_ && all(isNumber(t))) return;
     const Lanes part = max((t - 0.5) * 2.0, Lanes{});
     for (int k = 0; k < colors; ++k) {
       const double low = colorLow_[k];

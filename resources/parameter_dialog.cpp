@@ -91,7 +91,7 @@ class Layout {
 };
 
 void presetRow(Layout& layout) {
-  constexpr int width = 30;
+  constexpr int width = 26;
   layout.y = margin;
   layout.combo(ID_PRESETS, margin, dialogWidth - 2 * margin - 3 * (width + 2), " | CBS_SORT");
   int x = dialogWidth - margin - 3 * width - 4;
@@ -109,17 +109,19 @@ void mainOptions(Layout& layout) {
   layout.numberRows({"Intensity", "RayLength", "Radius", "GammaCorrection", "Contrast"});
 
   const ParameterFacts& origin = factsOf("Origin");
-  constexpr int half = (dialogWidth + gap) / 2;
   layout.label(origin.labels[0], left, controlLeft - left);
   layout.edit(origin.controls[0], controlLeft, editWidth);
   layout.label(origin.labels[1], right - editWidth - gap - 40, 40, "SS_RIGHT");
   layout.edit(origin.controls[1], right - editWidth, editWidth);
   layout.y += rowPitch + 1;
 
+  constexpr int modeLeft = left + 20;
+  constexpr int modeWidth = 46;
+  constexpr int blendLeft = modeLeft + modeWidth + gap + 20;
   layout.label("mode", left, 20);
-  layout.combo(factsOf("Mode").controls[0], left + 22, half - left - 26);
-  layout.label("blend", half, 20);
-  layout.combo(factsOf("BlendMode").controls[0], half + 22, right - half - 22);
+  layout.combo(factsOf("Mode").controls[0], modeLeft, modeWidth);
+  layout.label("blend", blendLeft - 20, 20);
+  layout.combo(factsOf("BlendMode").controls[0], blendLeft, right - blendLeft);
 }
 
 void alterColor(Layout& layout) {

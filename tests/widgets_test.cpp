@@ -129,7 +129,14 @@ TEST(NumberWidget, LimitsWhatIsTypedAndRewritesItOnlyWhenTheEditLosesTheFocus) {
     EXPECT_EQ(number.value(), 0.1234567);
     e.slide(slider, {50});
     EXPECT_EQ(e.panel.texts[edit], "0.5");
+    e.panel.focus = edit;  // the wheel over the slider
+    e.panel.numbers[slider] = 60;
+    e.editing.OnScroll(slider, true);
+    EXPECT_EQ(e.panel.texts[edit], "0.6");
   }
+  e.type(1031, "here");
+  e.editing.OnEditKillFocus(1031);
+  EXPECT_EQ(e.panel.texts[1031], "200");
 }
 
 TEST(Editing, EveryActionIsOneStepOfTheHistoryThatUndoesAndRedoes) {

@@ -29,7 +29,7 @@ bool ParameterEditing::OnControlChange(int id, bool withUndo) {
   if (widget == nullptr) return false;
   std::unique_ptr<pfUndo> before;
   if (withUndo && widget->parameter->updatesPreview) before = widget->parameter->CreateUndo();
-  if (!widget->OnChange()) return false;
+  if (!widget->OnChange(id)) return false;
   view_.RequestRender();
   if (before != nullptr) {
     view_.filter().undoHistory.PushStep(std::move(before));

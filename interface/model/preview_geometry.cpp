@@ -11,6 +11,14 @@ int wholePixels(double value) {
   return static_cast<int>(std::clamp(value, -farthest, farthest));
 }
 
+Box movedInto(const Box& area, const Box& box) {
+  const int width = std::min(box.width(), area.width());
+  const int height = std::min(box.height(), area.height());
+  const int left = std::clamp(box.left, area.left, area.right - width);
+  const int top = std::clamp(box.top, area.top, area.bottom - height);
+  return {left, top, left + width, top + height};
+}
+
 Extent PreviewGeometry::display() const {
   return {wholePixels(image.width / viewScale), wholePixels(image.height / viewScale)};
 }

@@ -24,6 +24,7 @@ struct Box {
 
   int width() const { return right - left; }
   int height() const { return bottom - top; }
+  bool operator==(const Box&) const = default;
 };
 
 // The frame's origin is (0, 0) of the preview's client area.
@@ -54,6 +55,9 @@ struct PreviewGeometry {
   // axis on which the image has no size gets the value of fallback.
   std::array<double, 2> clientToImage(Point point, std::array<double, 2> fallback) const;
 };
+
+// The box moved into the area and, where it is larger, made as small as the area.
+Box movedInto(const Box& area, const Box& box);
 
 // The truncated value, clamped so that arithmetic on screen coordinates cannot overflow; 0 for NaN.
 int wholePixels(double value);

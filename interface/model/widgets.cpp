@@ -44,21 +44,22 @@ void pfParameterUIFloat::Init() {
 void pfParameterUIFloat::Update() {
   if (panel == nullptr) return;
   const double value = bound().value();
-  if (!panel->hasFocus(secondId())) {
+  if (shows(secondId())) {
     panel->setSliderPosition(secondId(), sliderPosition(value + 1.0), false);
     panel->setSliderPosition(secondId(), sliderPosition(value), true);
     panel->setSliderPosition(secondId(), sliderPosition(value - 1.0), false);
     panel->setSliderPosition(secondId(), sliderPosition(value), true);
   }
-  if (!panel->hasFocus(firstId())) ShowText(firstId(), numberText(value));
+  if (shows(firstId())) ShowText(firstId(), numberText(value));
   UpdateState();
 }
 
-bool pfParameterUIFloat::OnChange() {
+bool pfParameterUIFloat::OnChange(int id) {
   if (panel == nullptr || settingText) return false;
-  if (panel->hasFocus(firstId())) return TakeEdit();
-  if (panel->hasFocus(secondId())) return TakeSlider();
-  return false;
+  source_ = id;
+  const bool renderNeeded = id == firstId() ? TakeEdit() : TakeSlider();
+  source_ = 0;
+  return renderNeeded;
 }
 
 bool pfParameterUIFloat::TakeEdit() {
@@ -98,16 +99,21 @@ void pfParameterUIPosition::Update() {
   UpdateState();
 }
 
-bool pfParameterUIPosition::OnChange() {
+bool pfParameterUIPosition::OnChange(int changedId) {
   if (panel == nullptr || settingText) return false;
   const Extent image = panel->imageSize();
-  const auto editedValue = [this](int id, int side, double value) {
+  const auto editedValue = [&](int id, int side, double value) {
     const std::optional<double> pixels =
-        panel->hasFocus(id) ? parseNumber(panel->text(id)) : std::nullopt;
+        id == changedId ? parseNumber(panel->text(id)) : std::nullopt;
     return pixels && side > 0 ? *pixels / side : value;
   };
   return bound().SetValue(editedValue(firstId(), image.width, bound().x()),
                           editedValue(secondId(), image.height, bound().y()));
+}
+
+// A text that is no number gives way to the value.
+void pfParameterUIPosition::OnKillFocus(int id) {
+  if (panel != nullptr && !parseNumber(panel->text(id))) Update();
 }
 
 void pfParameterUIBool::Update() {
@@ -116,10 +122,8 @@ void pfParameterUIBool::Update() {
   UpdateState();
 }
 
-bool pfParameterUIBool::OnChange() {
-  if (panel == nullptr || !panel->hasFocus(firstId()) || panel->isIndeterminate(firstId())) {
-    return false;
-  }
+bool pfParameterUIBool::OnChange(int) {
+  if (panel == nullptr || panel->isIndeterminate(firstId())) return false;
   return bound().SetValue(panel->isChecked(firstId()));
 }
 
@@ -132,7 +136,7 @@ void pfParameterUIList::Update() {
   UpdateState();
 }
 
-bool pfParameterUIList::OnChange() {
+bool pfParameterUIList::OnChange(int) {
   if (panel == nullptr) return false;
   const int entry = panel->selectedEntry(firstId()) + 1;
   return entry >= 1 && entry <= bound().EntryCount() && bound().SetValue(entry);

@@ -21,8 +21,8 @@ class pfParameterUIControls : public pfParameterUI {
     panel = controls;
     if (panel != nullptr) Init();
   }
-  // Sets the parameter from the focused control. Returns whether the preview needs a new render.
-  virtual bool OnChange() { return false; }
+  // Sets the parameter from one of its controls. Returns whether the preview needs a new render.
+  virtual bool OnChange(int) { return false; }
   // An edit has lost the focus.
   virtual void OnKillFocus(int) {}
 
@@ -51,7 +51,7 @@ class pfParameterUIFloat final : public pfParameterUIControls {
  public:
   using pfParameterUIControls::pfParameterUIControls;
   void Update() override;
-  bool OnChange() override;
+  bool OnChange(int id) override;
   void OnKillFocus(int id) override;
 
  private:
@@ -59,6 +59,11 @@ class pfParameterUIFloat final : public pfParameterUIControls {
   void Init() override;
   bool TakeEdit();
   bool TakeSlider();
+  // Whether a control is to show the value. One that the user works with is left alone, unless
+  // another one is the source of the change.
+  bool shows(int id) const { return !panel->hasFocus(id) || (source_ != 0 && source_ != id); }
+
+  int source_ = 0;  // the control whose change is being applied; 0 for none
 };
 
 // Two edits that show pixels of the whole image.
@@ -66,7 +71,8 @@ class pfParameterUIPosition final : public pfParameterUIControls {
  public:
   using pfParameterUIControls::pfParameterUIControls;
   void Update() override;
-  bool OnChange() override;
+  bool OnChange(int id) override;
+  void OnKillFocus(int id) override;
 
  private:
   pfParameterPosition& bound() const { return static_cast<pfParameterPosition&>(*parameter); }
@@ -77,7 +83,7 @@ class pfParameterUIBool final : public pfParameterUIControls {
  public:
   using pfParameterUIControls::pfParameterUIControls;
   void Update() override;
-  bool OnChange() override;
+  bool OnChange(int id) override;
 
  private:
   pfParameterBool& bound() const { return static_cast<pfParameterBool&>(*parameter); }
@@ -88,7 +94,7 @@ class pfParameterUIList final : public pfParameterUIControls {
  public:
   using pfParameterUIControls::pfParameterUIControls;
   void Update() override;
-  bool OnChange() override;
+  bool OnChange(int id) override;
 
  private:
   pfParameterList& bound() const { return static_cast<pfParameterList&>(*parameter); }

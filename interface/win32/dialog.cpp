@@ -1,6 +1,7 @@
 #include "interface/win32/dialog.h"
 
 #include "diagnostics/debug_log.h"
+#include "interface/model/preview_geometry.h"
 #include "interface/win32/dialog_ids.h"
 #include "interface/win32/visual_style.h"
 
@@ -38,6 +39,23 @@ void Dialog::destroy() {
   destroying_ = true;
   if (window_ != nullptr) DestroyWindow(window_);
   window_ = nullptr;
+}
+
+bool Dialog::moveIntoWorkArea() {
+  MONITORINFO monitor{};
+  monitor.cbSize = sizeof monitor;
+  RECT rect{};
+  if (GetMonitorInfoA(MonitorFromWindow(window_, MONITOR_DEFAULTTONEAREST), &monitor) == FALSE ||
+      GetWindowRect(window_, &rect) == FALSE) {
+    return false;
+  }
+  const RECT& area = monitor.rcWork;
+  const Box old{rect.left, rect.top, rect.right, rect.bottom};
+  const Box box = movedInto({area.left, area.top, area.right, area.bottom}, old);
+  if (box == old) return false;
+  SetWindowPos(window_, nullptr, box.left, box.top, box.width(), box.height(),
+               SWP_NOZORDER | SWP_NOACTIVATE);
+  return box.height() < old.height();
 }
 
 INT_PTR Dialog::procedure(HWND dialog, UINT message, WPARAM w, LPARAM l) {

@@ -19,6 +19,9 @@ class Dialog {
   void destroy();
 
   HWND window() const { return window_; }  // null when not created
+  // Moves the window into the work area of its monitor, and shrinks one that is larger. Returns
+  // whether it was shrunk in height.
+  bool moveIntoWorkArea();
   void enable(bool enabled) { EnableWindow(window_, enabled ? TRUE : FALSE); }
 
  protected:

@@ -21,8 +21,12 @@ bool DialogControls::hasFocus(int id) const {
   return control != nullptr && GetFocus() == control;
 }
 
+// The label of a control, which has no number, stands before it and looks as it does.
 void DialogControls::enable(int id, bool enabled) {
-  EnableWindow(GetDlgItem(dialog_, id), enabled ? TRUE : FALSE);
+  const HWND control = GetDlgItem(dialog_, id);
+  EnableWindow(control, enabled ? TRUE : FALSE);
+  const HWND label = control != nullptr ? GetWindow(control, GW_HWNDPREV) : nullptr;
+  if (label != nullptr && GetDlgCtrlID(label) == -1) EnableWindow(label, enabled ? TRUE : FALSE);
 }
 
 void DialogControls::show(int id, bool visible) {

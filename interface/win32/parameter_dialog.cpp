@@ -57,10 +57,20 @@ INT_PTR ParameterDialog::onMessage(UINT message, WPARAM w, LPARAM l) {
       return TRUE;
     case WM_HSCROLL:
     case WM_VSCROLL: {
+      if (l == 0) {
+        scroll_.onBar(LOWORD(w));
+        return TRUE;
+      }
       const HWND slider = reinterpret_cast<HWND>(l);
       editing_.OnScroll(GetDlgCtrlID(slider), LOWORD(w) == SB_ENDSCROLL || !isHeld(slider));
       return TRUE;
     }
+    case WM_MOUSEWHEEL:
+      scroll_.onWheel(GET_WHEEL_DELTA_WPARAM(w));
+      return TRUE;
+    case WM_SIZE:
+      scroll_.update();
+      return TRUE;
     case WM_COMMAND:
       onCommand(LOWORD(w), HIWORD(w));
       return TRUE;
@@ -87,6 +97,9 @@ void ParameterDialog::onOpen() {
   CheckDlgButton(window(), ID_HIDE_HANDLE, preview_.showsHandle() ? BST_UNCHECKED : BST_CHECKED);
   CheckDlgButton(window(), ID_FIXED_PREVIEW, bLivePreview ? BST_UNCHECKED : BST_CHECKED);
   SetWindowPos(window(), nullptr, placement.x, placement.y, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
+  scroll_.attach(window());
+  if (moveIntoWorkArea()) scroll_.makeRoomForBar();
+  moveIntoWorkArea();
   ReadLastUsedSettings(view_.filter().parameters);
 }
 

@@ -9,6 +9,7 @@
 #include "interface/model/preview_view.h"
 #include "interface/win32/dialog.h"
 #include "interface/win32/dialog_controls.h"
+#include "interface/win32/dialog_scroll.h"
 #include "interface/win32/pipette_cursor.h"
 #include "interface/win32/preset_controls.h"
 #include "interface/win32/preview_dialog.h"
@@ -24,6 +25,8 @@ class ParameterDialog final : public Dialog {
   PresetRow& presets() { return presets_.row(); }
   ControlPanel& controls() { return controls_; }
 
+  // Scrolls to the control that has the keyboard.
+  void showFocus() { scroll_.show(GetFocus()); }
   void setPercentage(const std::string& text);
   void enableHistory(bool undo, bool redo);
   // The rectangle of a control in the client area.
@@ -43,6 +46,7 @@ class ParameterDialog final : public Dialog {
   const PipetteCursor& pipette_;
   DialogControls controls_;
   PresetControlsWin32 presets_{*this};
+  DialogScroll scroll_;
 };
 
 }  // namespace radiashafts

@@ -77,6 +77,7 @@ void PreviewDialog::onOpen() {
   SetWindowPos(window(), nullptr, placement.x, placement.y, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
   SetWindowPos(window(), nullptr, 0, 0, placement.width, placement.height,
                SWP_NOMOVE | SWP_NOZORDER);
+  moveIntoWorkArea();
   onSize();  // the system sends no WM_SIZE when the size stays the same
   if (placement.startsMaximized()) ShowWindow(window(), SW_MAXIMIZE);
 }

@@ -107,6 +107,8 @@ bool pfPreviewWin32::runMessageLoop() {
       if (IsDialogMessageA(parameters_.window(), &message) == FALSE) {
         TranslateMessage(&message);
         DispatchMessageA(&message);
+      } else {
+        parameters_.showFocus();
       }
       if (end.isEnding()) break;
       if (PeekMessageA(&next, nullptr, 0, 0, PM_NOREMOVE | allButPaint) == FALSE) break;

@@ -260,6 +260,44 @@ TEST(PreviewRenders, ThePictureStaysUntilTheNextOneIsDrawn) {
   EXPECT_GT(paintings, 8);
 }
 
+TEST(PreviewRenders, TheUntouchedPictureIsShownUntilItIsLetGoOrTheScaleChanges) {
+  Session s;
+  std::vector<std::uint8_t> input(3 * 400, 77);
+  s.filter.record.inData = input.data();
+  s.view.showUntouched(true);  // nothing is rendered yet
+  s.play();
+  EXPECT_EQ(s.view.shownBitmap()->pixels[0], 0);
+  s.view.showUntouched(true);
+  EXPECT_EQ(s.view.shownBitmap()->pixels[0], 77);
+  s.view.RequestRender();
+  s.play();
+  EXPECT_EQ(s.view.shownBitmap()->pixels[0], 77);
+  s.view.showUntouched(false);
+  EXPECT_EQ(s.view.shownBitmap()->pixels[0], 0);
+  s.view.showUntouched(true);
+  s.view.ZoomBy(1);
+  s.play();
+  EXPECT_EQ(s.view.shownBitmap()->pixels[0], 0);
+}
+
+TEST(PreviewRenders, TheWheelZoomsAtThePointer) {
+  Session s("", {200, 150});
+  s.filter.record.imageSize = {3000, 4000};
+  s.filter.record.outData = nullptr;
+  s.view.AssignScaleFactor(4);
+  s.play();
+  s.view.panTo({400, 300});
+  for (const int steps : {-3, 2, -2, -1}) {
+    const Point pointer{30, 120};
+    const auto before = s.view.geometry().clientToImage(pointer, {});
+    s.view.ZoomBy(steps, pointer);
+    s.play();
+    const auto now = s.view.geometry().clientToImage(pointer, {});
+    EXPECT_NEAR(now[0] * 4000, before[0] * 4000, 8.0) << steps;
+    EXPECT_NEAR(now[1] * 3000, before[1] * 3000, 8.0) << steps;
+  }
+}
+
 TEST(PreviewRenders, ZoomAndDraftsKeepTheMiddleOfTheView) {
   Dice dice;
   for (int walk = 0; walk < 200; ++walk) {

@@ -176,6 +176,11 @@ TEST(Editing, EveryActionIsOneStepOfTheHistoryThatUndoesAndRedoes) {
                         e.pointer.OnMove({200, 200});
                         EXPECT_LT(e.of<pfParameterPosition>(1031).x(), 0.0);
                       }},
+                     {"arrow keys", 1, true,
+                      [](Editor& e) {
+                        for (int i = 0; i < 3; ++i) e.pointer.moveLight({0, -10}, i == 0);
+                        EXPECT_LT(e.of<pfParameterPosition>(1031).y(), 0.5);
+                      }},
                      {"pipette", 1, true,
                       [&](Editor& e) {
                         e.editing.OnSwatchRightUp({10, 40});
@@ -217,6 +222,17 @@ TEST(Editing, EveryActionIsOneStepOfTheHistoryThatUndoesAndRedoes) {
     EXPECT_EQ(bRenderPending, c.steps > 0);
     EXPECT_EQ(e.values(), after);
   }
+}
+
+TEST(Editing, EscapeTakesADragOfTheLightBack) {
+  Editor e;
+  const auto before = e.values();
+  e.pointer.OnLeftDown({70, 33});
+  e.pointer.OnMove({90, 33});
+  EXPECT_TRUE(e.pointer.takeBackDrag());
+  e.pointer.OnMove({20, 20});
+  EXPECT_EQ(e.values(), before);
+  EXPECT_FALSE(e.windows.captured || e.pointer.takeBackDrag());
 }
 
 // The rest is the user's own. The millisecond is the seed, so most presses repeat the one before.

@@ -51,12 +51,19 @@ void ParameterEditing::OnEditKillFocus(int id) {
 }
 
 void ParameterEditing::Undo() {
-  if (view_.filter().undoHistory.Undo()) view_.RequestRender();
+  if (view_.filter().undoHistory.Undo()) showRestored();
   view_.UpdateUndoButtons();
 }
 
+void ParameterEditing::showRestored() {
+  if (widgets_ != nullptr) {
+    for (const auto& widget : *widgets_) widget->Refresh();
+  }
+  view_.RequestRender();
+}
+
 void ParameterEditing::Redo() {
-  if (view_.filter().undoHistory.Redo()) view_.RequestRender();
+  if (view_.filter().undoHistory.Redo()) showRestored();
   view_.UpdateUndoButtons();
 }
 

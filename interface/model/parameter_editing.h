@@ -51,6 +51,7 @@ class ParameterEditing {
   std::vector<Swatch> swatches();
 
  private:
+  void showRestored();
   pfParameterRGB* FindSwatchParameter(Point point) const;
   void record(pfParameter& parameter);
 

@@ -33,6 +33,25 @@ void PreviewPointer::dragOriginTo(Point point) {
   view_.RequestRender();
 }
 
+bool PreviewPointer::takeBackDrag() {
+  if (draggedOrigin_ == nullptr) return false;
+  cancelDrag();
+  windows_.releaseMouse();
+  editing_.Undo();
+  return true;
+}
+
+void PreviewPointer::moveLight(Point by, bool isNewStep) {
+  pfParameterPosition* const origin = view_.isOpen() ? editing_.FindOriginParameter() : nullptr;
+  const Extent shown = view_.isOpen() ? view_.geometry().display() : Extent{};
+  if (origin == nullptr || shown.width == 0 || shown.height == 0) return;
+  if (isNewStep) view_.filter().undoHistory.PushStep(origin->CreateUndo());
+  origin->SetValue(origin->x() + static_cast<double>(by.x) / shown.width,
+                   origin->y() + static_cast<double>(by.y) / shown.height);
+  origin->NotifyWidget();
+  view_.RequestRender();
+}
+
 void PreviewPointer::OnLeftUp() {
   draggedOrigin_ = nullptr;
   leftDrag_ = false;

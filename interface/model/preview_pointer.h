@@ -1,5 +1,5 @@
-// Handles the mouse in the preview: the left button drags the light, the right button pans the
-// picture, and the active pipette reads colours.
+// Handles the mouse and the arrow keys in the preview: the left button drags the light, the right
+// button pans the picture, and the active pipette reads colours.
 #pragma once
 
 #include "interface/model/parameter_editing.h"
@@ -22,6 +22,10 @@ class PreviewPointer {
   void OnRightDown(Point point);
   void OnRightUp();
   void OnMove(Point point);
+  // Ends a drag of the light and undoes it. False when there is none.
+  bool takeBackDrag();
+  // Moves the light by screen pixels, as a step of the history or as a part of the last one.
+  void moveLight(Point by, bool isNewStep);
 
  private:
   bool isInFrame(Point point) const;

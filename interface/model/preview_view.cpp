@@ -27,6 +27,7 @@ void PreviewView::close() {
   nRenderStartTick = 0;
   retireBitmap();
   freeBitmap(former_);
+  anchor_.reset();
   filter_ = nullptr;
   record_ = nullptr;
 }
@@ -72,9 +73,18 @@ void PreviewView::FitScaleToFrame() {
   AssignScaleFactor(nRequestedFactor);
 }
 
-void PreviewView::ZoomBy(std::int32_t steps) {
-  nRequestedFactor = nFactor + steps;
+void PreviewView::ZoomToFit() {
+  ZoomTo(fittingFactor(imageSize(), windows_.frameSize()));
+}
+
+void PreviewView::ZoomBy(std::int32_t steps, std::optional<Point> anchor) {
+  ZoomTo(nFactor + steps, anchor);
+}
+
+void PreviewView::ZoomTo(std::int32_t factor, std::optional<Point> anchor) {
+  nRequestedFactor = factor;
   if (nRequestedFactor == nFactor) return;
+  anchor_ = anchor;
   zoomOnlyPending_ = !bRenderPending || zoomOnlyPending_;
   bRenderPending = true;
 }
@@ -99,6 +109,7 @@ void PreviewView::AssignScaleFactor(std::int32_t factor) {
   };
   geometry_.panTo({scaled(centre.x, geometry_.image.width, before.image.width),
                    scaled(centre.y, geometry_.image.height, before.image.height)});
+  keepAnchor(before);
   if (nDraftLevel == 0) {
     if (sameView) geometry_.pan = before.pan;
     fullQualityView_ = {nFactor, geometry_};
@@ -113,6 +124,16 @@ void PreviewView::AssignScaleFactor(std::int32_t factor) {
     bRenderPending = false;
   }
   trace("pfPreviewWin32::AssignScaleFactor( return(", 0, ") )");
+}
+
+// Moves the picture so that what was at the anchor is there again.
+void PreviewView::keepAnchor(const PreviewGeometry& before) {
+  if (!anchor_) return;
+  const Point anchor = *std::exchange(anchor_, std::nullopt);
+  const auto was = before.clientToImage(anchor, {});
+  const auto is = geometry_.clientToImage(anchor, {});
+  geometry_.pan.x += wholePixels((was[0] - is[0]) * geometry_.image.width);
+  geometry_.pan.y -= wholePixels((was[1] - is[1]) * geometry_.image.height);
 }
 
 // When the host fails, the record describes an image that is not there; nothing is rendered until a
@@ -157,6 +178,7 @@ std::uint8_t* PreviewView::allocatePixels(std::uint32_t size) {
 
 // A picture stays on the screen until the next one is drawn.
 void PreviewView::retireBitmap() {
+  freeBitmap(untouched_);
   if (std::exchange(bBitmapValid, false)) {
     freeBitmap(former_);
     former_ = std::exchange(bitmap_, {});
@@ -170,14 +192,43 @@ void PreviewView::freeBitmap(PreviewBitmap& bitmap) {
 }
 
 const PreviewBitmap* PreviewView::shownBitmap() const {
+  if (untouched_.pixels != nullptr) return &untouched_;
   if (bBitmapValid) return &bitmap_;
   return former_.pixels != nullptr ? &former_ : nullptr;
 }
 
 void PreviewView::disableHostDrawing() {
   hostDraws_ = false;
+  freeBitmap(untouched_);
   freeBitmap(former_);
   if (std::exchange(bBitmapValid, false)) RequestRender();
+}
+
+// The host's reduced input stays where it is until the next fetch.
+void PreviewView::showUntouched(bool show) {
+  if (show == (untouched_.pixels != nullptr) || !bBitmapValid) return;
+  if (show) {
+    hostapi::FilterRecord input = *record_;
+    input.outData = input.inData;
+    input.outRowBytes = input.inRowBytes;
+    PreviewBitmap bitmap{nullptr, bitmap_.size, bitmap_.image};
+    bitmap.pixels = allocatePixels(static_cast<std::uint32_t>(bitmap.size.height) *
+                                   static_cast<std::uint32_t>(bitmap.size.width) * 3);
+    if (bitmap.pixels == nullptr) return;
+    if (drawToPreview(input, bitmapOrder(), bitmap.size.width, bitmap.pixels)) {
+      untouched_ = bitmap;
+    } else {
+      freeBitmap(bitmap);
+    }
+  } else {
+    freeBitmap(untouched_);
+  }
+  windows_.bitmapChanged();
+  windows_.invalidateFrame();
+}
+
+BitmapOrder PreviewView::bitmapOrder() const {
+  return hostDraws() ? BitmapOrder::forHost : BitmapOrder::forSystem;
 }
 
 bool PreviewView::needsRender() const {
@@ -229,8 +280,7 @@ std::int16_t PreviewView::render() {
 
 void PreviewView::DrawToPreview() {
   if (bitmap_.pixels == nullptr) return;
-  const BitmapOrder order = hostDraws() ? BitmapOrder::forHost : BitmapOrder::forSystem;
-  if (!drawToPreview(*record_, order, bitmap_.size.width, bitmap_.pixels)) return;
+  if (!drawToPreview(*record_, bitmapOrder(), bitmap_.size.width, bitmap_.pixels)) return;
   bBitmapValid = true;
   freeBitmap(former_);
   windows_.bitmapChanged();

@@ -8,6 +8,7 @@
 #include "interface/model/dialog_windows.h"
 #include "interface/model/edited_filter.h"
 #include "interface/model/preview_geometry.h"
+#include "interface/model/preview_pixels.h"
 #include "interface/model/view_scale.h"
 #include "threads/thread_pool.h"
 
@@ -37,7 +38,11 @@ class PreviewView {
   // Selects the scale at which the whole image is smaller than the frame.
   void FitScaleToFrame();
   void AssignScaleFactor(std::int32_t factor);
-  void ZoomBy(std::int32_t steps);  // 1 is coarser; takes effect in the next RenderUntilFinal
+  // These take effect in the next RenderUntilFinal. The picture at the anchor, a point of the
+  // frame, stays where it is; without one that in the middle does.
+  void ZoomBy(std::int32_t steps, std::optional<Point> anchor = {});  // 1 is coarser
+  void ZoomTo(std::int32_t factor, std::optional<Point> anchor = {});
+  void ZoomToFit();
 
   bool needsRender() const;
   // Renders until the picture has full quality or a render fails. A render that a change has
@@ -57,7 +62,10 @@ class PreviewView {
   void panTo(Point pan);
   void limitPan();
 
-  // The last picture that was rendered, which may be that of another scale; null before the first.
+  // Shows the picture as it came until the scale changes or show is false.
+  void showUntouched(bool show);
+  // The last picture that was rendered, which may be that of another scale, or the untouched one;
+  // null before the first.
   const PreviewBitmap* shownBitmap() const;
   // Whether the host draws the bitmap, which determines the bitmap's pixel layout.
   bool hostDraws() const { return hostDraws_; }
@@ -67,12 +75,14 @@ class PreviewView {
 
  private:
   bool fetch(std::int32_t renderFactor);
+  void keepAnchor(const PreviewGeometry& before);
   void renewBitmap();
   std::uint8_t* allocatePixels(std::uint32_t size);
   void retireBitmap();
   void freeBitmap(PreviewBitmap& bitmap);
   std::int16_t render();
   void DrawToPreview();
+  BitmapOrder bitmapOrder() const;
 
   DialogWindows& windows_;
   EditedFilter* filter_ = nullptr;
@@ -94,6 +104,8 @@ class PreviewView {
   PreviewBitmap bitmap_;                            // of the fetched image
   bool bBitmapValid = false;                        // it holds a picture
   PreviewBitmap former_;                            // shown until it does
+  PreviewBitmap untouched_;                         // shown instead of both
+  std::optional<Point> anchor_;                     // of the requested factor
   bool hostDraws_ = false;
 };
 

@@ -21,6 +21,12 @@ class pfParameterUIControls : public pfParameterUI {
     panel = controls;
     if (panel != nullptr) Init();
   }
+  // Shows the value in all controls, also in one that the user works with.
+  void Refresh() {
+    source_ = anySource;
+    Update();
+    source_ = 0;
+  }
   // Sets the parameter from one of its controls. Returns whether the preview needs a new render.
   virtual bool OnChange(int) { return false; }
   // An edit has lost the focus.
@@ -39,10 +45,16 @@ class pfParameterUIControls : public pfParameterUI {
   // is true meanwhile, so that OnChange can ignore it.
   void ShowText(int id, const std::string& text);
 
+  // Whether a control is to show the value. One that the user works with is left alone, unless
+  // another one is the source of the change.
+  bool shows(int id) const { return !panel->hasFocus(id) || (source_ != 0 && source_ != id); }
+
   ControlPanel* panel = nullptr;
   bool settingText = false;
+  int source_ = 0;  // the control whose change is being applied; 0 for none
 
  private:
+  static constexpr int anySource = -1;
   std::array<int, 2> ids_;
 };
 
@@ -59,11 +71,6 @@ class pfParameterUIFloat final : public pfParameterUIControls {
   void Init() override;
   bool TakeEdit();
   bool TakeSlider();
-  // Whether a control is to show the value. One that the user works with is left alone, unless
-  // another one is the source of the change.
-  bool shows(int id) const { return !panel->hasFocus(id) || (source_ != 0 && source_ != id); }
-
-  int source_ = 0;  // the control whose change is being applied; 0 for none
 };
 
 // Two edits that show pixels of the whole image.

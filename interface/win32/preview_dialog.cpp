@@ -9,6 +9,11 @@
 #include "interface/win32/dialog_ids.h"
 
 namespace radiashafts {
+namespace {
+
+constexpr DWORD wasDownBefore = 1U << 30;  // in the second parameter of a pressed key
+
+}  // namespace
 
 INT_PTR PreviewDialog::onMessage(UINT message, WPARAM w, LPARAM l) {
   const Point point{GET_X_LPARAM(l), GET_Y_LPARAM(l)};
@@ -63,7 +68,17 @@ INT_PTR PreviewDialog::onMessage(UINT message, WPARAM w, LPARAM l) {
     case WM_SETFOCUS:
       return TRUE;
     case WM_KEYDOWN:
-      onKey(w);
+      onKey(w, (static_cast<DWORD>(l) & wasDownBefore) == 0);
+      return TRUE;
+    case WM_CHAR:
+      onCharacter(w);
+      return TRUE;
+    case WM_MBUTTONDOWN:
+    case WM_MBUTTONUP:
+      view_.showUntouched(message == WM_MBUTTONDOWN);
+      return TRUE;
+    case WM_MOUSEWHEEL:
+      onWheel(GET_WHEEL_DELTA_WPARAM(w), {point.x, point.y});
       return TRUE;
     default:
       return FALSE;
@@ -109,10 +124,45 @@ void PreviewDialog::onSize() {
   invalidateFrame();
 }
 
-void PreviewDialog::onKey(WPARAM key) {
-  if (key == VK_RETURN) PostMessageA(keyTarget_, WM_COMMAND, IDOK, 0);
-  if (key == VK_ESCAPE) PostMessageA(keyTarget_, WM_COMMAND, IDCANCEL, 0);
-  if (key == VK_TAB) SetActiveWindow(keyTarget_);
+void PreviewDialog::onKey(WPARAM key, bool isFirst) {
+  const int step = GetKeyState(VK_SHIFT) < 0 ? 10 : 1;  // preview pixels
+  switch (key) {
+    case VK_RETURN:
+      PostMessageA(keyTarget_, WM_COMMAND, IDOK, 0);
+      return;
+    case VK_ESCAPE:
+      if (!pointer_.takeBackDrag()) PostMessageA(keyTarget_, WM_COMMAND, IDCANCEL, 0);
+      return;
+    case VK_TAB:
+      SetActiveWindow(keyTarget_);
+      return;
+    case VK_LEFT:
+      return pointer_.moveLight({-step, 0}, isFirst);
+    case VK_RIGHT:
+      return pointer_.moveLight({step, 0}, isFirst);
+    case VK_UP:
+      return pointer_.moveLight({0, -step}, isFirst);
+    case VK_DOWN:
+      return pointer_.moveLight({0, step}, isFirst);
+    default:
+      return;
+  }
+}
+
+void PreviewDialog::onCharacter(WPARAM character) {
+  if (character == '+') view_.ZoomBy(-1);
+  if (character == '-') view_.ZoomBy(1);
+  if (character == '0') view_.ZoomToFit();
+  if (character == '1') view_.ZoomTo(1);
+}
+
+// The point is on the screen.
+void PreviewDialog::onWheel(int delta, POINT point) {
+  wheel_ += delta;
+  const int notches = wheel_ / WHEEL_DELTA;
+  wheel_ -= notches * WHEEL_DELTA;
+  ScreenToClient(window(), &point);
+  if (notches != 0) view_.ZoomBy(-notches, Point{point.x, point.y});
 }
 
 void PreviewDialog::PaintPreview() {

@@ -47,7 +47,9 @@ class PreviewDialog final : public Dialog {
   void onOpen();
   void onDestroy();
   void onSize();
-  void onKey(WPARAM key);
+  void onKey(WPARAM key, bool isFirst);
+  void onCharacter(WPARAM character);
+  void onWheel(int delta, POINT point);
   void PaintPreview();
 
   PreviewView& view_;
@@ -57,6 +59,7 @@ class PreviewDialog final : public Dialog {
   PreviewPainting painting_;
   HWND keyTarget_ = nullptr;
   bool bShowHandle = true;
+  int wheel_ = 0;                // turned by less than a notch
   bool releasingMouse_ = false;  // set during our own ReleaseCapture
 };
 

@@ -12,13 +12,21 @@
 #include "interface/win32/dialog_ids.h"
 #include "interface/win32/interface_end.h"
 #include "interface/win32/visual_style.h"
-#include "platform/win32/pumped_dialog.h"
 
 namespace radiashafts {
 
 std::unique_ptr<pfPreview> MakePreview() {
   return std::make_unique<pfPreviewWin32>();
 }
+
+namespace {
+
+bool isEdit(HWND control) {
+  char name[8] = "";
+  return GetClassNameA(control, name, sizeof name) != 0 && lstrcmpiA(name, "Edit") == 0;
+}
+
+}  // namespace
 
 // RAII: closes the dialogs and the view when Show returns or throws.
 class pfPreviewWin32::OpenInterface {
@@ -69,7 +77,7 @@ bool pfPreviewWin32::openDialogs(WidgetList* widgets) {
     return false;
   }
   preview_.forwardKeysTo(parameters_.window());
-  platform::setPumpedDialog(parameters_.window());
+  platform::setMessageFilter(this);
   pipette_.load();
   platform::setDefaultFloatingPoint();
   view_.FitScaleToFrame();
@@ -104,11 +112,9 @@ bool pfPreviewWin32::runMessageLoop() {
   BOOL got = TRUE;
   while (got > 0 && !end.isEnding() && (got = GetMessageA(&message, nullptr, 0, 0)) > 0) {
     for (MSG next; got > 0;) {
-      if (IsDialogMessageA(parameters_.window(), &message) == FALSE) {
+      if (!take(message)) {
         TranslateMessage(&message);
         DispatchMessageA(&message);
-      } else {
-        parameters_.showFocus();
       }
       if (end.isEnding()) break;
       if (PeekMessageA(&next, nullptr, 0, 0, PM_NOREMOVE | allButPaint) == FALSE) break;
@@ -123,8 +129,42 @@ bool pfPreviewWin32::runMessageLoop() {
   return end.isConfirmed();
 }
 
+// Keys of the whole interface, then those of the dialog manager.
+bool pfPreviewWin32::take(MSG& message) {
+  if (takeKey(message)) return true;
+  if (IsDialogMessageA(parameters_.window(), &message) == FALSE) return false;
+  parameters_.showFocus();
+  return true;
+}
+
+bool pfPreviewWin32::takeKey(const MSG& message) {
+  const bool pressed = message.message == WM_KEYDOWN;
+  if (!pressed && message.message != WM_KEYUP) return false;
+  const HWND root = GetAncestor(message.hwnd, GA_ROOT);
+  if (root != parameters_.window() && root != preview_.window()) return false;
+  if (message.wParam == 'B') {
+    // Letters belong to an edit, and to an open list.
+    const bool typed = pressed && (isEdit(message.hwnd) ||
+                                   SendMessageA(message.hwnd, CB_GETDROPPEDSTATE, 0, 0) != 0);
+    if (typed || GetKeyState(VK_CONTROL) < 0) return false;
+    view_.showUntouched(pressed);
+    return true;
+  }
+  if (!pressed) return false;
+  if (GetKeyState(VK_CONTROL) < 0 && message.wParam == 'Z') {
+    editing_.Undo();
+  } else if (GetKeyState(VK_CONTROL) < 0 && message.wParam == 'Y') {
+    editing_.Redo();
+  } else if (message.wParam == VK_F6 && root == parameters_.window()) {
+    SetActiveWindow(preview_.window());
+  } else {
+    return false;
+  }
+  return true;
+}
+
 void pfPreviewWin32::closeDialogs() {
-  platform::setPumpedDialog(nullptr);
+  platform::setMessageFilter(nullptr);
   pointer_.cancelDrag();
   editing_.close();
   hostWindow_.enable();  // before its dialogs close, or another program comes to the foreground

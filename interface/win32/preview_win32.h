@@ -10,10 +10,13 @@
 #include "interface/win32/parameter_dialog.h"
 #include "interface/win32/pipette_cursor.h"
 #include "interface/win32/preview_dialog.h"
+#include "platform/win32/message_filter.h"
 
 namespace radiashafts {
 
-class pfPreviewWin32 final : public pfPreview, private DialogWindows {
+class pfPreviewWin32 final : public pfPreview,
+                             private DialogWindows,
+                             private platform::MessageFilter {
  public:
   bool Show(EditedFilter* filter, hostapi::FilterRecord* record, WidgetList* widgets) override;
   void RequestRender() override { view_.RequestRender(); }
@@ -26,6 +29,8 @@ class pfPreviewWin32 final : public pfPreview, private DialogWindows {
   void closeDialogs();
   void showDialogs();
   bool runMessageLoop();
+  bool take(MSG& message) override;
+  bool takeKey(const MSG& message);
 
   Extent frameSize() const override { return preview_.frameSize(); }
   void invalidateFrame() override { preview_.invalidateFrame(); }

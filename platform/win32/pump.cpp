@@ -1,17 +1,17 @@
 #include "platform/pump.h"
 #include <windows.h>
 
-#include "platform/win32/pumped_dialog.h"
+#include "platform/win32/message_filter.h"
 
 namespace radiashafts::platform {
 namespace {
 
-HWND pumpedDialog = nullptr;
+MessageFilter* messageFilter = nullptr;
 
 }  // namespace
 
-void setPumpedDialog(HWND dialog) {
-  pumpedDialog = dialog;
+void setMessageFilter(MessageFilter* filter) {
+  messageFilter = filter;
 }
 
 // The time limit keeps a window that posts messages to itself endlessly from blocking the render.
@@ -24,7 +24,7 @@ bool pumpPendingMessages() {
       PostQuitMessage(static_cast<int>(message.wParam));
       return false;
     }
-    if (pumpedDialog == nullptr || IsDialogMessageA(pumpedDialog, &message) == FALSE) {
+    if (messageFilter == nullptr || !messageFilter->take(message)) {
       TranslateMessage(&message);
       DispatchMessageA(&message);
     }

@@ -258,15 +258,18 @@ class Player {
   // From here on, names of controls mean those of this dialog.
   void enter(Text caption) {
     const bool isOurs = caption == "dialog" || caption == "preview";
-    require(
-        eventually([&] { return findDialog(isOurs ? "Radiashafts  V1.22" : caption) != nullptr; }),
-        caption + " does not open. " + Host::output());
+    HWND found = nullptr;
+    const auto isOpen = [&] {
+      found = findDialog(isOurs ? "Radiashafts  V1.22" : caption);
+      return found != nullptr;
+    };
+    require(eventually(isOpen), caption + " does not open. " + Host::output());
     if (isOurs) {
-      panel_ = findDialog("Radiashafts  V1.22");
+      panel_ = found;
       preview_ = GetWindow(panel_, GW_OWNER);
       settledRect(preview_);
     }
-    dialog_ = caption == "dialog" ? panel_ : caption == "preview" ? preview_ : findDialog(caption);
+    dialog_ = caption == "dialog" ? panel_ : caption == "preview" ? preview_ : found;
     settledRect(dialog_);
     bringToFront(dialog_);
   }

@@ -77,12 +77,13 @@ void PreviewView::ZoomToFit() {
   ZoomTo(fittingFactor(imageSize(), windows_.frameSize()));
 }
 
-void PreviewView::ZoomBy(std::int32_t steps, std::optional<Point> anchor) {
-  ZoomTo(nFactor + steps, anchor);
+void PreviewView::ZoomBy(std::int32_t steps) {
+  ZoomTo(nFactor + steps);
 }
 
 void PreviewView::ZoomTo(std::int32_t factor, std::optional<Point> anchor) {
   nRequestedFactor = factor;
+  anchor_.reset();
   if (nRequestedFactor == nFactor) return;
   anchor_ = anchor;
   zoomOnlyPending_ = !bRenderPending || zoomOnlyPending_;

@@ -40,7 +40,7 @@ class PreviewView {
   void AssignScaleFactor(std::int32_t factor);
   // These take effect in the next RenderUntilFinal. The picture at the anchor, a point of the
   // frame, stays where it is; without one that in the middle does.
-  void ZoomBy(std::int32_t steps, std::optional<Point> anchor = {});  // 1 is coarser
+  void ZoomBy(std::int32_t steps);  // 1 is coarser
   void ZoomTo(std::int32_t factor, std::optional<Point> anchor = {});
   void ZoomToFit();
 

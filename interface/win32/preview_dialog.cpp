@@ -162,7 +162,7 @@ void PreviewDialog::onWheel(int delta, POINT point) {
   const int notches = wheel_ / WHEEL_DELTA;
   wheel_ -= notches * WHEEL_DELTA;
   ScreenToClient(window(), &point);
-  if (notches != 0) view_.ZoomBy(-notches, Point{point.x, point.y});
+  if (notches != 0) view_.ZoomTo(view_.requestedFactor() - notches, Point{point.x, point.y});
 }
 
 void PreviewDialog::PaintPreview() {

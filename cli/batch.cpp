@@ -42,6 +42,9 @@ class Batch {
  public:
   Batch(const CommandLine& commandLine, standin::EntryPoint entry, const standin::Mask* mask)
       : commandLine_(commandLine), entry_(entry), mask_(mask) {}
+  ~Batch() { awaitReader(); }  // also after any failure, and an interrupt ends even this
+  Batch(const Batch&) = delete;
+  Batch& operator=(const Batch&) = delete;
 
   void run();
 
@@ -84,7 +87,6 @@ void Batch::run() {
     finishWriting();
   } catch (...) {
     finishWriting();
-    awaitReader();
     throw;
   }
 }

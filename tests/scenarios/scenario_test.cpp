@@ -346,7 +346,7 @@ class Player {
     require(eventually(isWritten), "it became " + textOf(edit));
   }
 
-  // Presses the key until the run has ended: keys that come during a render may be lost.
+  // Presses the key until the run has ended: another window may have the keyboard meanwhile.
   void leave(Text key, Text status) const {
     eventually([&] {
       pressKey(key);

@@ -1,9 +1,10 @@
 #include "cli/batch.h"
 
 #include <chrono>
-#include <cstdio>
 #include <future>
+#include <iomanip>
 #include <iostream>
+#include <sstream>
 #include <type_traits>
 #include <utility>
 
@@ -38,6 +39,14 @@ bool isUnfinished(const std::future<Result>& result) {
   return result.valid() && result.wait_for(0s) != std::future_status::ready;
 }
 
+std::string writtenMessage(const Job& job, const standin::Picture& picture, double seconds) {
+  std::ostringstream message;
+  message << printable(job.output.string()) << ": " << picture.width << " x " << picture.height
+          << " pixels, " << picture.depth << " bits a channel, rays in " << std::fixed
+          << std::setprecision(2) << seconds << " s\n";
+  return message.str();
+}
+
 class Batch {
  public:
   Batch(const CommandLine& commandLine, standin::EntryPoint entry, const standin::Mask* mask)
@@ -52,7 +61,7 @@ class Batch {
   struct Rendered {
     const Job* job;
     standin::PictureFile file;
-    double seconds;  // in the filter
+    std::string message;  // for a picture that has been written
   };
 
   void startReading(std::size_t index);  // nothing after the last job
@@ -81,7 +90,8 @@ void Batch::run() {
       startReading(i + 1);
       const double seconds = render(commandLine_.jobs[i], file.picture);
       finishWriting();
-      rendered_ = {&commandLine_.jobs[i], std::move(file), seconds};
+      std::string message = writtenMessage(commandLine_.jobs[i], file.picture, seconds);
+      rendered_ = {&commandLine_.jobs[i], std::move(file), std::move(message)};
       startWriting();
     }
     finishWriting();
@@ -181,10 +191,7 @@ void Batch::finishWriting() {
   if (!result.written) throw Failure{standin::interruptCode(), interrupted};
   if (commandLine_.quiet) return;
   for (const std::string& note : result.notes) printMessage("note: " + note);
-  const standin::Picture& picture = rendered_.file.picture;
-  std::printf("%s: %d x %d pixels, %d bits a channel, rays in %.2f s\n",
-              printable(rendered_.job->output.string()).c_str(), picture.width, picture.height,
-              picture.depth, rendered_.seconds);
+  std::cout << rendered_.message << std::flush;
 }
 
 }  // namespace

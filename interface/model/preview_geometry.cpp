@@ -57,18 +57,23 @@ Box PreviewGeometry::destination() const {
   return box;
 }
 
+Point PreviewGeometry::pixelOf(Extent rendering, Point pixel) const {
+  const auto scaled = [](int position, int newSide, int oldSide) {
+    return oldSide > 0 ? wholePixels(static_cast<double>(position) * newSide / oldSide)
+                       : newSide / 2;
+  };
+  return {scaled(pixel.x, rendering.width, image.width),
+          scaled(pixel.y, rendering.height, image.height)};
+}
+
 Box PreviewGeometry::source(Extent rendering) const {
   const Box to = destination();
   const Box box{pan.x, pan.y, pan.x + wholePixels(to.width() * viewScale),
                 pan.y + wholePixels(to.height() * viewScale)};
   if (rendering == image) return box;
-  const auto scaled = [](int position, int newSide, int oldSide) {
-    return oldSide > 0 ? wholePixels(static_cast<double>(position) * newSide / oldSide) : 0;
-  };
-  const int left = scaled(box.left, rendering.width, image.width);
-  const int top = scaled(box.top, rendering.height, image.height);
-  return {left, top, std::max(scaled(box.right, rendering.width, image.width), left + 1),
-          std::max(scaled(box.bottom, rendering.height, image.height), top + 1)};
+  const Point start = pixelOf(rendering, {box.left, box.top});
+  const Point end = pixelOf(rendering, {box.right, box.bottom});
+  return {start.x, start.y, std::max(end.x, start.x + 1), std::max(end.y, start.y + 1)};
 }
 
 std::array<Box, 4> PreviewGeometry::margins() const {

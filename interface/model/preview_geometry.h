@@ -40,6 +40,8 @@ struct PreviewGeometry {
   // an axis on which the image is smaller than the frame, the image's middle.
   Point centre(double scale) const;
   void panTo(Point centre);
+  // The pixel in a rendering of the image in another size; in the middle when the image is empty.
+  Point pixelOf(Extent rendering, Point pixel) const;
 
   Box destination() const;  // the part of the frame that the image covers
   // The pixels shown there of a rendering of the image in another size, or in its own; y counts

@@ -104,12 +104,7 @@ void PreviewView::AssignScaleFactor(std::int32_t factor) {
   geometry_.viewScale = scale.viewScale();
   const bool sameImage = scale.renderFactor() == nAppliedFactor;
   if (!sameImage && !fetch(scale.renderFactor())) return;
-  const auto scaled = [](int position, int newSide, int oldSide) {
-    return oldSide > 0 ? wholePixels(static_cast<double>(position) * newSide / oldSide)
-                       : newSide / 2;
-  };
-  geometry_.panTo({scaled(centre.x, geometry_.image.width, before.image.width),
-                   scaled(centre.y, geometry_.image.height, before.image.height)});
+  geometry_.panTo(before.pixelOf(geometry_.image, centre));
   keepAnchor(before);
   if (nDraftLevel == 0) {
     if (sameView) geometry_.pan = before.pan;

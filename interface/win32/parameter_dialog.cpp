@@ -98,8 +98,10 @@ void ParameterDialog::onOpen() {
   CheckDlgButton(window(), ID_FIXED_PREVIEW, bLivePreview ? BST_UNCHECKED : BST_CHECKED);
   SetWindowPos(window(), nullptr, placement.x, placement.y, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
   scroll_.attach(window());
-  if (moveIntoWorkArea()) scroll_.makeRoomForBar();
-  moveIntoWorkArea();
+  if (moveIntoWorkArea()) {
+    scroll_.makeRoomForBar();
+    moveIntoWorkArea();  // the bar makes the dialog wider
+  }
   ReadLastUsedSettings(view_.filter().parameters);
 }
 

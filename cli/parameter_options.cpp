@@ -8,6 +8,7 @@
 #include <stdexcept>
 
 #include "parameters/number_text.h"
+#include "parameters/parameter_text.h"
 
 namespace radiashafts::cli {
 namespace {
@@ -110,41 +111,6 @@ std::string textOf(const ParameterFacts&, double value) {
   return std::string(text, result.ptr);
 }
 
-std::string defaultText(const ParameterFacts& facts) {
-  if (facts.kind == ParameterKind::boolean) return facts.defaults[0] != 0.0 ? "on" : "off";
-  if (facts.kind == ParameterKind::list) {
-    return facts.entries[static_cast<std::size_t>(facts.defaults[0]) - 1];
-  }
-  std::string text;
-  for (int i = 0; i < valueCount(facts.kind); ++i) {
-    if (i > 0) text += ',';
-    text += numberText(facts.defaults[static_cast<std::size_t>(i)]);
-  }
-  return text;
-}
-
-std::string rangeText(const ParameterFacts& facts) {
-  switch (facts.kind) {
-    case ParameterKind::position:
-      return "0 to 1 inside the picture";
-    case ParameterKind::boolean:
-      return "on, off";
-    case ParameterKind::list: {
-      std::string text;
-      for (const char* entry : facts.entries) {
-        if (!text.empty()) text += ", ";
-        text += entry;
-      }
-      return text;
-    }
-    default:
-      if (facts.bound == Bound::lower) {
-        return "from " + numberText(facts.minimum) + ", " + numberText(facts.maximum) + " is a lot";
-      }
-      return numberText(facts.minimum) + " to " + numberText(facts.maximum);
-  }
-}
-
 standin::ScriptValue scriptValue(const ParameterFacts& facts, double number) {
   switch (facts.kind) {
     case ParameterKind::boolean:
@@ -177,7 +143,8 @@ ParameterOptions::ParameterOptions(CLI::App& app) {
       }
       return true;
     };
-    app.add_option(optionName(facts), parse, rangeText(facts))
+    const std::string help = std::string(facts.help) + " (" + rangeText(facts) + ")";
+    app.add_option(optionName(facts), parse, help)
         ->type_name(valueForm(facts))
         ->expected(1)
         ->group("Parameters");

@@ -20,6 +20,7 @@ constexpr int right = dialogWidth - margin - inset;
 constexpr int controlLeft = 51;  // right of the labels
 constexpr int editWidth = 34;
 constexpr int editHeight = 12;
+constexpr int swatchWidth = 34;
 constexpr int sliderHeight = 11;
 constexpr int labelHeight = 8;
 constexpr int labelOffset = 2;  // centres a label vertically next to an edit field
@@ -42,8 +43,14 @@ class Layout {
     out_ << "  CONTROL \"" << text << "\", " << id << ", \"" << windowClass << "\", " << style
          << ", " << x << ", " << top << ", " << width << ", " << height << '\n';
   }
-  void label(const char* text, int x, int width, const char* style = "SS_LEFT") {
-    control(text, -1, "STATIC", style, x, y + labelOffset, width, labelHeight);
+  // A label tells when it is clicked twice.
+  void label(const char* text, int x, int width, const char* alignment = "SS_LEFT") {
+    const std::string style = std::string(alignment) + " | SS_NOTIFY";
+    control(text, -1, "STATIC", style.c_str(), x, y + labelOffset, width, labelHeight);
+  }
+  // The next control's name for screen readers, which read the text before it, hidden or not.
+  void nameNext(const char* text) {
+    control(text, -1, "STATIC", "SS_LEFT | NOT WS_VISIBLE", 0, y, 0, 0);
   }
   void button(const char* text, int id, int x, int width, int height = rowPitch,
               const char* style = "BS_PUSHBUTTON | WS_TABSTOP") {
@@ -59,6 +66,11 @@ class Layout {
   void edit(int id, int x, int width) {
     control("", id, "EDIT", "ES_AUTOHSCROLL | WS_BORDER | WS_TABSTOP", x, y, width, editHeight);
   }
+  // Drawn by the dialog; its text is a name for screen readers.
+  void swatch(const ParameterFacts& facts, int x) {
+    control(facts.labels[0], facts.controls[0], "BUTTON", "BS_OWNERDRAW | WS_TABSTOP", x, y,
+            swatchWidth, editHeight);
+  }
   // In the middle column. The track is inset in the control, so that its left end is at
   // controlLeft.
   void slider(int id) {
@@ -73,6 +85,7 @@ class Layout {
     const ParameterFacts& facts = factsOf(name);
     label(facts.labels[0], left, controlLeft - left);
     slider(facts.controls[1]);
+    nameNext(facts.labels[0]);
     edit(facts.controls[0], right - editWidth, editWidth);
     y += rowPitch;
   }
@@ -93,6 +106,7 @@ class Layout {
 void presetRow(Layout& layout) {
   constexpr int width = 26;
   layout.y = margin;
+  layout.nameNext("preset");
   layout.combo(ID_PRESETS, margin, dialogWidth - 2 * margin - 3 * (width + 2), " | CBS_SORT");
   int x = dialogWidth - margin - 3 * width - 4;
   for (const auto& [text, id] :
@@ -132,15 +146,12 @@ void alterColor(Layout& layout) {
   layout.checkBox(imageColor.labels[0], imageColor.controls[0], left, right - left);
   layout.y += 12;  // keeps the swatches above the group box's bottom border
 
-  constexpr int swatch = 34;
   const ParameterFacts& low = factsOf("ColorLow");
   const ParameterFacts& high = factsOf("ColorHigh");
   layout.label(low.labels[0], left, controlLeft - gap - left);
-  layout.control("", low.controls[0], "STATIC", "SS_LEFT | NOT WS_VISIBLE", controlLeft, layout.y,
-                 swatch, editHeight);
-  layout.label(high.labels[0], right - swatch - gap - 40, 40, "SS_RIGHT");
-  layout.control("", high.controls[0], "STATIC", "SS_LEFT | NOT WS_VISIBLE", right - swatch,
-                 layout.y, swatch, editHeight);
+  layout.swatch(low, controlLeft);
+  layout.label(high.labels[0], right - swatchWidth - gap - 40, 40, "SS_RIGHT");
+  layout.swatch(high, right - swatchWidth);
 }
 
 void selection(Layout& layout) {
@@ -159,7 +170,9 @@ void actions(Layout& layout) {
   constexpr int width = 42;
   layout.y = 301;
   layout.button(random.labels[0], random.controls[0], margin, width);
+  layout.nameNext("amount");
   layout.slider(amount.controls[1]);
+  layout.nameNext("amount");
   layout.edit(amount.controls[0], right - editWidth, editWidth);
 
   layout.y = 316;

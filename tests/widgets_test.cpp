@@ -44,7 +44,6 @@ struct Editor {
     record.planes = 3;
     record.advanceState = [] { return hostapi::OSErr{0}; };
     windows.frame = {500, 340};
-    windows.boxes = {{1036, {10, 10, 30, 20}}, {1037, {10, 40, 30, 50}}};
     view.open(&filter, &record);
     view.FitScaleToFrame();
     panel.textChanged = [this](int id) { editing.OnControlChange(id, true); };
@@ -140,13 +139,12 @@ TEST(NumberWidget, LimitsWhatIsTypedAndRewritesItOnlyWhenTheEditLosesTheFocus) {
 }
 
 TEST(Editing, EveryActionIsOneStepOfTheHistoryThatUndoesAndRedoes) {
-  constexpr Point onSwatch{30, 50}, inPreview{100, 100};
+  constexpr Point inPreview{100, 100};
   constexpr Channels white{1.0, 1.0, 1.0};
   const auto slide = [](Editor& e, auto... positions) { e.slide(1011, {positions...}); };
-  const auto pick = [](Editor& e, std::optional<Channels> answer, Point at) {
+  const auto pick = [](Editor& e, std::optional<Channels> answer) {
     e.chooser->answer = answer;
-    e.editing.OnInterfaceLeftDown(at);
-    e.editing.OnInterfaceLeftUp();
+    e.editing.OpenColorChooser(1037);
   };
   struct {
     const char* name;
@@ -166,8 +164,8 @@ TEST(Editing, EveryActionIsOneStepOfTheHistoryThatUndoesAndRedoes) {
                       [](Editor& e) {
                         for (const char* text : {"1", "1.", "1.2"}) e.type(1013, text);
                       }},
-                     {"same colour", 1, false, [&](Editor& e) { pick(e, white, onSwatch); }},
-                     {"colour", 1, true, [&](Editor& e) { pick(e, Channels(), onSwatch); }},
+                     {"same colour", 1, false, [&](Editor& e) { pick(e, white); }},
+                     {"colour", 1, true, [&](Editor& e) { pick(e, Channels()); }},
                      {"drag", 1, true,
                       [&](Editor& e) {
                         e.pointer.OnLeftDown(inPreview);
@@ -183,7 +181,7 @@ TEST(Editing, EveryActionIsOneStepOfTheHistoryThatUndoesAndRedoes) {
                       }},
                      {"pipette", 1, true,
                       [&](Editor& e) {
-                        e.editing.OnSwatchRightUp({10, 40});
+                        e.editing.ActivatePipette(1037);
                         for (const std::uint8_t v : {51, 102, 51}) {
                           e.windows.onScreen = {v, 255, 0};
                           e.pointer.OnMove(inPreview);
@@ -192,6 +190,26 @@ TEST(Editing, EveryActionIsOneStepOfTheHistoryThatUndoesAndRedoes) {
                         e.pointer.OnMove({7, 7});
                         e.pointer.OnLeftUp();
                         EXPECT_EQ(e.of<pfParameterRGB>(1037).value(), (Channels{0.2, 1.0, 0.0}));
+                      }},
+                     {"steps of a number that is held, and of a place", 3, true,
+                      [](Editor& e) {
+                        e.panel.focus = 1028;
+                        e.editing.OnStep(1028, 10, true);  // it is at its limit
+                        e.editing.OnStep(1028, -1, true);
+                        e.editing.OnStep(1028, -10, false);
+                        EXPECT_EQ(e.panel.texts[1028] + e.panel.texts[1031], "0.89200");
+                        e.editing.OnStep(1021, -1, true);
+                        for (const int steps : {-10, 1, 1})
+                          e.editing.OnStep(1031, steps, steps < 0);
+                        EXPECT_EQ(e.panel.texts[1021] + e.panel.texts[1031], "254192");
+                      }},
+                     {"double click on a label", 2, true,
+                      [](Editor& e) {
+                        const auto defaults = e.values();
+                        e.slide(1011, {50});
+                        e.editing.ResetParameter(1013);
+                        e.editing.ResetParameter(1013);
+                        EXPECT_EQ(e.values(), defaults);
                       }},
                      {"reset", 2, true, [](Editor& e) {
                         const auto defaults = e.values();
@@ -207,7 +225,6 @@ TEST(Editing, EveryActionIsOneStepOfTheHistoryThatUndoesAndRedoes) {
     EXPECT_EQ(e.filter.undoHistory.nGroup, c.steps);
     EXPECT_EQ(bRenderPending, c.rendered);
     EXPECT_TRUE(e.windows.dialogs && !e.windows.captured && !e.windows.pipette);
-    e.editing.OnInterfaceLeftUp();
     const auto after = e.values();
     for (int i = 0; i < c.steps; ++i) {
       EXPECT_EQ(e.windows.buttons, i == 0 ? "undo" : "undoredo");

@@ -30,8 +30,6 @@ class DialogWindows {
   virtual std::optional<std::array<std::uint8_t, 3>> screenColor(Point point) = 0;
 
   virtual void enableDialogs(bool enabled) = 0;
-  // The rectangle of a control in the parameter dialog's client area.
-  virtual Box controlBox(int id) const = 0;
 };
 
 }  // namespace radiashafts

@@ -23,13 +23,21 @@ void ParameterEditing::close() {
   widgets_ = nullptr;
 }
 
+pfParameterUIControls* ParameterEditing::FindWidget(int id) const {
+  return widgets_ == nullptr ? nullptr : FindWidgetByControl(id, *widgets_);
+}
+
 bool ParameterEditing::OnControlChange(int id, bool withUndo) {
-  pfParameterUIControls* widget =
-      widgets_ == nullptr ? nullptr : FindWidgetByControl(id, *widgets_);
-  if (widget == nullptr) return false;
+  pfParameterUIControls* widget = FindWidget(id);
+  return widget != nullptr && change(*widget, withUndo, [&] { return widget->OnChange(id); });
+}
+
+// The change returns whether a render is needed, and so does this.
+template <class Change>
+bool ParameterEditing::change(pfParameterUIControls& widget, bool withUndo, const Change& change) {
   std::unique_ptr<pfUndo> before;
-  if (withUndo && widget->parameter->updatesPreview) before = widget->parameter->CreateUndo();
-  if (!widget->OnChange(id)) return false;
+  if (withUndo && widget.parameter->updatesPreview) before = widget.parameter->CreateUndo();
+  if (!change()) return false;
   view_.RequestRender();
   if (before != nullptr) {
     view_.filter().undoHistory.PushStep(std::move(before));
@@ -44,10 +52,27 @@ void ParameterEditing::OnScroll(int id, bool atRest) {
   scrolledSlider_ = atRest || (first && !changed) ? 0 : id;
 }
 
+void ParameterEditing::OnStep(int id, int steps, bool isNewStep) {
+  pfParameterUIControls* widget = FindWidget(id);
+  if (widget != nullptr) change(*widget, isNewStep, [&] { return widget->OnStep(id, steps); });
+}
+
 void ParameterEditing::OnEditKillFocus(int id) {
-  pfParameterUIControls* widget =
-      widgets_ == nullptr ? nullptr : FindWidgetByControl(id, *widgets_);
+  pfParameterUIControls* widget = FindWidget(id);
   if (widget != nullptr) widget->OnKillFocus(id);
+}
+
+void ParameterEditing::ResetParameter(int id) {
+  pfParameterUIControls* widget = FindWidget(id);
+  const ParameterFacts* facts = FindFactsByControl(id);
+  if (widget == nullptr || facts == nullptr) return;
+  pfParameter& parameter = *widget->parameter;
+  change(*widget, true, [&] {
+    const ParameterNumbers before = NumbersOf(parameter);
+    SetNumbers(parameter, facts->defaults);
+    widget->Refresh();
+    return parameter.updatesPreview && NumbersOf(parameter) != before;
+  });
 }
 
 void ParameterEditing::Undo() {
@@ -78,23 +103,16 @@ void ParameterEditing::record(pfParameter& parameter) {
   view_.UpdateUndoButtons();
 }
 
-pfParameterRGB* ParameterEditing::FindSwatchParameter(Point point) const {
-  if (widgets_ == nullptr) return nullptr;
-  for (const auto& widget : *widgets_) {
-    const auto* swatch = dynamic_cast<const pfParameterUIRGB*>(widget.get());
-    if (swatch == nullptr) continue;
-    const Box box = windows_.controlBox(swatch->firstId());
-    const bool inside =
-        point.x >= box.left && point.x <= box.right && point.y >= box.top && point.y <= box.bottom;
-    if (inside) return &swatch->bound();
-  }
-  return nullptr;
+pfParameterRGB* ParameterEditing::FindSwatchParameter(int id) const {
+  const auto* swatch = dynamic_cast<const pfParameterUIRGB*>(FindWidget(id));
+  return swatch == nullptr ? nullptr : &swatch->bound();
 }
 
 // The undo step is recorded even when the chosen colour is the old one.
-void ParameterEditing::OnInterfaceLeftDown(Point point) {
-  pfParameterRGB* parameter = FindSwatchParameter(point);
+void ParameterEditing::OpenColorChooser(int id) {
+  pfParameterRGB* parameter = FindSwatchParameter(id);
   if (parameter == nullptr) return;
+  deactivatePipette();
   auto [red, green, blue] = parameter->value();
   windows_.enableDialogs(false);
   const bool chosen = view_.filter().RequestColor(&view_.record(), &red, &green, &blue);
@@ -106,12 +124,8 @@ void ParameterEditing::OnInterfaceLeftDown(Point point) {
   if (renderNeeded) view_.RequestRender();
 }
 
-void ParameterEditing::OnInterfaceLeftUp() {
-  deactivatePipette();
-}
-
-void ParameterEditing::OnSwatchRightUp(Point point) {
-  pipetteTarget_ = FindSwatchParameter(point);
+void ParameterEditing::ActivatePipette(int id) {
+  pipetteTarget_ = FindSwatchParameter(id);
   if (pipetteTarget_ != nullptr) record(*pipetteTarget_);
   windows_.usePipetteCursor(pipetteTarget_ != nullptr);
 }

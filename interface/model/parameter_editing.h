@@ -25,16 +25,19 @@ class ParameterEditing {
   bool OnControlChange(int id, bool withUndo);
   // A slider moved, or was released (atRest). A drag makes one undo step.
   void OnScroll(int id, bool atRest);
+  // A key or the wheel steps the number in an edit. A key that is held makes one undo step.
+  void OnStep(int id, int steps, bool isNewStep);
   void OnEditKillFocus(int id);
+  // Brings back the default of the parameter that has the control.
+  void ResetParameter(int id);
   void Undo();
   void Redo();
   void Reset();
 
-  // The mouse in the parameter dialog, in client coordinates: pressing the left button on a swatch
-  // opens a colour chooser, releasing the right button there activates the pipette.
-  void OnInterfaceLeftDown(Point point);
-  void OnInterfaceLeftUp();
-  void OnSwatchRightUp(Point point);
+  // Opens a colour chooser for a swatch; other controls are ignored.
+  void OpenColorChooser(int id);
+  // Activates the pipette for a swatch; other controls deactivate it.
+  void ActivatePipette(int id);
 
   bool pipetteActive() const { return pipetteTarget_ != nullptr; }
   void applyPipetteColor(const std::array<std::uint8_t, 3>& color);
@@ -52,7 +55,10 @@ class ParameterEditing {
 
  private:
   void showRestored();
-  pfParameterRGB* FindSwatchParameter(Point point) const;
+  pfParameterUIControls* FindWidget(int id) const;
+  pfParameterRGB* FindSwatchParameter(int id) const;
+  template <class Change>
+  bool change(pfParameterUIControls& widget, bool withUndo, const Change& change);
   void record(pfParameter& parameter);
 
   DialogWindows& windows_;

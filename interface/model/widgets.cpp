@@ -63,12 +63,25 @@ bool pfParameterUIFloat::OnChange(int id) {
 }
 
 bool pfParameterUIFloat::TakeEdit() {
-  std::optional<double> number = parseNumber(panel->text(firstId()));
-  if (!number) return false;
-  if (bound().useMinimum) number = std::max(*number, bound().minimum);
-  if (bound().useMaximum) number = std::min(*number, bound().maximum);
-  const bool renderNeeded = bound().SetValue(*number);
+  const std::optional<double> number = parseNumber(panel->text(firstId()));
+  return number && TakeNumber(*number);
+}
+
+bool pfParameterUIFloat::TakeNumber(double number) {
+  if (bound().useMinimum) number = std::max(number, bound().minimum);
+  if (bound().useMaximum) number = std::min(number, bound().maximum);
+  const bool renderNeeded = bound().SetValue(number);
   bound().Validate();
+  return renderNeeded;
+}
+
+// Whole numbers where the range has many, else hundredths as those of the slider.
+bool pfParameterUIFloat::OnStep(int id, int steps) {
+  if (panel == nullptr || id != firstId()) return false;
+  const double stepsPerUnit = bound().maximum - bound().minimum > 10.0 ? 1.0 : sliderSteps;
+  const double number = std::round(bound().value() * stepsPerUnit) + steps;
+  const bool renderNeeded = TakeNumber(number / stepsPerUnit);
+  Refresh();
   return renderNeeded;
 }
 
@@ -111,6 +124,19 @@ bool pfParameterUIPosition::OnChange(int changedId) {
                           editedValue(secondId(), image.height, bound().y()));
 }
 
+// Whole pixels. The text is set, too, because the value may be a little less than they are.
+bool pfParameterUIPosition::OnStep(int id, int steps) {
+  const bool isX = id == firstId();
+  if (panel == nullptr) return false;
+  const int side = isX ? panel->imageSize().width : panel->imageSize().height;
+  if (side <= 0) return false;
+  const double value = isX ? bound().x() : bound().y();
+  const int pixels = wholePixels(std::round(value * side)) + steps;
+  const double stepped = static_cast<double>(pixels) / side;
+  ShowText(id, std::to_string(pixels));
+  return isX ? bound().SetValue(stepped, bound().y()) : bound().SetValue(bound().x(), stepped);
+}
+
 // A text that is no number gives way to the value.
 void pfParameterUIPosition::OnKillFocus(int id) {
   if (panel != nullptr && !parseNumber(panel->text(id))) Update();
@@ -142,7 +168,6 @@ bool pfParameterUIList::OnChange(int) {
   return entry >= 1 && entry <= bound().EntryCount() && bound().SetValue(entry);
 }
 
-// The control stays hidden; it only defines the swatch's rectangle.
 void pfParameterUIRGB::Update() {
   if (panel != nullptr) panel->invalidate(firstId());
 }
@@ -168,6 +193,14 @@ WidgetList makeWidgets(EffectParameters& effect) {
     AttachWidget(*widgets.back(), *effect.all[i]);
   }
   return widgets;
+}
+
+const ParameterFacts* FindFactsByControl(int id) {
+  const auto owner =
+      std::find_if(effectTable.begin(), effectTable.end(), [id](const ParameterFacts& facts) {
+        return id != 0 && (id == facts.controls[0] || id == facts.controls[1]);
+      });
+  return owner == effectTable.end() ? nullptr : &*owner;
 }
 
 pfParameterUIControls* FindWidgetByControl(int id, const WidgetList& widgets) {

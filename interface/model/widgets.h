@@ -29,6 +29,8 @@ class pfParameterUIControls : public pfParameterUI {
   }
   // Sets the parameter from one of its controls. Returns whether the preview needs a new render.
   virtual bool OnChange(int) { return false; }
+  // Moves the number in an edit by steps. Returns as OnChange does.
+  virtual bool OnStep(int, int) { return false; }
   // An edit has lost the focus.
   virtual void OnKillFocus(int) {}
 
@@ -64,6 +66,7 @@ class pfParameterUIFloat final : public pfParameterUIControls {
   using pfParameterUIControls::pfParameterUIControls;
   void Update() override;
   bool OnChange(int id) override;
+  bool OnStep(int id, int steps) override;
   void OnKillFocus(int id) override;
 
  private:
@@ -71,6 +74,7 @@ class pfParameterUIFloat final : public pfParameterUIControls {
   void Init() override;
   bool TakeEdit();
   bool TakeSlider();
+  bool TakeNumber(double number);
 };
 
 // Two edits that show pixels of the whole image.
@@ -79,6 +83,7 @@ class pfParameterUIPosition final : public pfParameterUIControls {
   using pfParameterUIControls::pfParameterUIControls;
   void Update() override;
   bool OnChange(int id) override;
+  bool OnStep(int id, int steps) override;
   void OnKillFocus(int id) override;
 
  private:
@@ -107,7 +112,7 @@ class pfParameterUIList final : public pfParameterUIControls {
   pfParameterList& bound() const { return static_cast<pfParameterList&>(*parameter); }
 };
 
-// A colour swatch, which the dialog paints at the position of a hidden control.
+// A colour swatch, a button that the dialog draws.
 class pfParameterUIRGB final : public pfParameterUIControls {
  public:
   using pfParameterUIControls::pfParameterUIControls;
@@ -122,6 +127,9 @@ using WidgetList = std::vector<std::unique_ptr<pfParameterUIControls>>;
 
 // One widget for each parameter, attached to it, in the dialog's order.
 WidgetList makeWidgets(EffectParameters& effect);
+
+// The row of the parameter that has the control; null for none.
+const ParameterFacts* FindFactsByControl(int id);
 
 // The widget that owns the control; null for none.
 pfParameterUIControls* FindWidgetByControl(int id, const WidgetList& widgets);

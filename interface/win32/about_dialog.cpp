@@ -1,5 +1,6 @@
 #include "diagnostics/debug_log.h"
 #include "interface/model/preview.h"
+#include "interface/win32/dialog.h"
 #include "interface/win32/dialog_ids.h"
 #include "interface/win32/interface_end.h"
 #include "interface/win32/visual_style.h"
@@ -10,11 +11,21 @@ namespace {
 // Shown below the text; every build is a full version.
 constexpr char licenceText[] = "full version";
 
+void showIcon(HWND dialog) {
+  setIcon(dialog);
+  constexpr int largestSide = 48;  // of the icon's pictures, in pixels
+  const HANDLE icon = LoadImageA(moduleInstance(), MAKEINTRESOURCEA(ID_DIALOG_ICON), IMAGE_ICON,
+                                 largestSide, largestSide, LR_SHARED);
+  SendDlgItemMessageA(dialog, ID_ABOUT_ICON, STM_SETIMAGE, IMAGE_ICON,
+                      reinterpret_cast<LPARAM>(icon));
+}
+
 INT_PTR AboutProcedure(HWND dialog, UINT message, WPARAM w, LPARAM l) {
   switch (message) {
     case WM_INITDIALOG: {
       const std::string text = *reinterpret_cast<const std::string*>(l) + "\n" + licenceText;
       SetDlgItemTextA(dialog, ID_ABOUT_TEXT, text.c_str());
+      showIcon(dialog);
       return TRUE;
     }
     case WM_COMMAND:

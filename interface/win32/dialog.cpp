@@ -6,10 +6,7 @@
 #include "interface/win32/visual_style.h"
 
 namespace radiashafts {
-namespace {
 
-// Sets the icon of this window only, because all dialogs of the process, the host's too, share the
-// icon of the window class.
 void setIcon(HWND dialog) {
   const auto load = [](int metric) {
     const int side = GetSystemMetrics(metric);
@@ -19,8 +16,6 @@ void setIcon(HWND dialog) {
   SendMessageA(dialog, WM_SETICON, ICON_SMALL, load(SM_CXSMICON));
   SendMessageA(dialog, WM_SETICON, ICON_BIG, load(SM_CXICON));
 }
-
-}  // namespace
 
 bool Dialog::create(int resource, HWND owner, const char* name) {
   destroying_ = false;

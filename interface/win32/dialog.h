@@ -7,6 +7,10 @@
 
 namespace radiashafts {
 
+// Gives a dialog the filter's icon; the window class's is not changed, since all dialogs of the
+// process share it, the host's too.
+void setIcon(HWND dialog);
+
 class Dialog {
  public:
   virtual ~Dialog() = default;

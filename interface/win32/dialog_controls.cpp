@@ -35,7 +35,7 @@ void DialogControls::show(int id, bool visible) {
 
 void DialogControls::invalidate(int id) {
   const RECT rect = controlRect(dialog_, id);
-  InvalidateRect(dialog_, &rect, FALSE);
+  RedrawWindow(dialog_, &rect, nullptr, RDW_INVALIDATE | RDW_ALLCHILDREN);
 }
 
 std::string DialogControls::text(int id) const {
@@ -87,6 +87,24 @@ void DialogControls::setEntries(int id, const std::vector<std::string>& entries,
     }
   }
   send(id, CB_SETCURSEL, static_cast<WPARAM>(selected));
+}
+
+bool isEdit(HWND control) {
+  char name[8] = "";
+  return GetClassNameA(control, name, sizeof name) != 0 && lstrcmpiA(name, "Edit") == 0;
+}
+
+bool isFirstPress(LPARAM parameter) {
+  constexpr LPARAM wasDownBefore = 1L << 30;
+  return (parameter & wasDownBefore) == 0;
+}
+
+int labelledControl(HWND window) {
+  if ((GetWindowLongA(window, GWL_STYLE) & SS_NOTIFY) == 0 || GetDlgCtrlID(window) != -1) return 0;
+  do {
+    window = GetWindow(window, GW_HWNDNEXT);
+  } while (window != nullptr && GetDlgCtrlID(window) == -1);
+  return window == nullptr ? 0 : GetDlgCtrlID(window);
 }
 
 void enableControl(HWND dialog, int id, bool enabled) {

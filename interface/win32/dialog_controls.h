@@ -62,6 +62,14 @@ ScreenMetrics screenMetrics();
 // The rectangle of a control, hidden or not, in its dialog's client area.
 RECT controlRect(HWND dialog, int id);
 
+bool isEdit(HWND control);
+
+// Whether a WM_KEYDOWN with this parameter is not the repetition of a key that is held.
+bool isFirstPress(LPARAM parameter);
+
+// The number of the control that a label stands before; 0 if the window is no label.
+int labelledControl(HWND window);
+
 // Enables or disables a control. If the control had the focus when disabled, the next one gets it.
 void enableControl(HWND dialog, int id, bool enabled);
 

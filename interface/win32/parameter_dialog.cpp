@@ -2,8 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
-
-#include <windowsx.h>
+#include <utility>
 
 #include "diagnostics/debug_log.h"
 #include "interface/model/live_preview.h"
@@ -24,7 +23,6 @@ bool isHeld(HWND slider) {
 }  // namespace
 
 INT_PTR ParameterDialog::onMessage(UINT message, WPARAM w, LPARAM l) {
-  const Point point{GET_X_LPARAM(l), GET_Y_LPARAM(l)};
   switch (message) {
     case WM_INITDIALOG:
       onOpen();
@@ -32,8 +30,8 @@ INT_PTR ParameterDialog::onMessage(UINT message, WPARAM w, LPARAM l) {
     case WM_DESTROY:
       onDestroy();
       return TRUE;
-    case WM_PAINT:
-      PaintSwatches(PaintContext(window()).get());
+    case WM_DRAWITEM:
+      PaintSwatch(*reinterpret_cast<const DRAWITEMSTRUCT*>(l));
       return TRUE;
     case WM_CTLCOLOREDIT:
     case WM_CTLCOLORLISTBOX: {
@@ -46,14 +44,12 @@ INT_PTR ParameterDialog::onMessage(UINT message, WPARAM w, LPARAM l) {
       if (!pipette_.set()) return FALSE;
       setResult(TRUE);
       return TRUE;
-    case WM_LBUTTONDOWN:
-      editing_.OnInterfaceLeftDown(point);
-      return TRUE;
     case WM_LBUTTONUP:
-      editing_.OnInterfaceLeftUp();
-      return TRUE;
     case WM_RBUTTONUP:
-      editing_.OnSwatchRightUp(point);
+      editing_.deactivatePipette();
+      return TRUE;
+    case WM_CONTEXTMENU:  // by the right mouse button or by a key
+      editing_.ActivatePipette(GetDlgCtrlID(reinterpret_cast<HWND>(w)));
       return TRUE;
     case WM_HSCROLL:
     case WM_VSCROLL: {
@@ -72,7 +68,11 @@ INT_PTR ParameterDialog::onMessage(UINT message, WPARAM w, LPARAM l) {
       scroll_.update();
       return TRUE;
     case WM_COMMAND:
-      onCommand(LOWORD(w), HIWORD(w));
+      if (const int id = labelledControl(reinterpret_cast<HWND>(l)); id != 0) {
+        onLabel(id, HIWORD(w));
+      } else {
+        onCommand(LOWORD(w), HIWORD(w));
+      }
       return TRUE;
     default:
       return FALSE;
@@ -97,6 +97,7 @@ void ParameterDialog::onOpen() {
   CheckDlgButton(window(), ID_HIDE_HANDLE, preview_.showsHandle() ? BST_UNCHECKED : BST_CHECKED);
   CheckDlgButton(window(), ID_FIXED_PREVIEW, bLivePreview ? BST_UNCHECKED : BST_CHECKED);
   SetWindowPos(window(), nullptr, placement.x, placement.y, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
+  showTooltips(window());
   scroll_.attach(window());
   if (moveIntoWorkArea()) {
     scroll_.makeRoomForBar();
@@ -120,6 +121,40 @@ void ParameterDialog::onDestroy() {
 WPARAM ParameterDialog::droppedPresetsWidth() const {
   return static_cast<WPARAM>(controlRect(window(), ID_DELETE_PRESET).right -
                              controlRect(window(), ID_PRESETS).left);
+}
+
+void ParameterDialog::onLabel(int id, int notification) {
+  if (notification == STN_DBLCLK) {
+    editing_.ResetParameter(id);
+  } else {
+    editing_.deactivatePipette();
+  }
+}
+
+bool ParameterDialog::takeStep(const MSG& message) {
+  const HWND edit = message.hwnd;
+  const bool isWheel = message.message == WM_MOUSEWHEEL;
+  if (!isWheel && message.message != WM_KEYDOWN) return false;
+  if (GetParent(edit) != window() || !isEdit(edit)) return false;
+  int steps = 0;
+  bool isNewStep = true;
+  if (isWheel) {
+    wheel_ += GET_WHEEL_DELTA_WPARAM(message.wParam);
+    steps = wheel_ / WHEEL_DELTA;
+    wheel_ -= steps * WHEEL_DELTA;
+  } else {
+    constexpr std::pair<WPARAM, int> keys[] = {
+        {VK_UP, 1}, {VK_DOWN, -1}, {VK_PRIOR, 10}, {VK_NEXT, -10}};
+    for (const auto& [key, count] : keys) {
+      if (message.wParam == key) steps = count;
+    }
+    if (steps == 0) return false;
+    isNewStep = isFirstPress(message.lParam);
+  }
+  if (steps == 0) return true;
+  editing_.OnStep(GetDlgCtrlID(edit), steps, isNewStep);
+  SendMessageA(edit, EM_SETSEL, 0, -1);
+  return true;
 }
 
 void ParameterDialog::onCommand(int id, int notification) {
@@ -178,18 +213,23 @@ void ParameterDialog::onCommand(int id, int notification) {
   if (notification == EN_KILLFOCUS) {
     editing_.OnEditKillFocus(id);
   } else if (clicked || notification == CBN_SELCHANGE || notification == EN_CHANGE) {
+    if (clicked) editing_.OpenColorChooser(id);
     editing_.OnControlChange(id, true);
   }
 }
 
-void ParameterDialog::PaintSwatches(HDC context) {
+void ParameterDialog::PaintSwatch(const DRAWITEMSTRUCT& item) {
   for (const ParameterEditing::Swatch& swatch : editing_.swatches()) {
-    RECT rect = controlRect(window(), swatch.id);
-    FrameRect(context, &rect, static_cast<HBRUSH>(GetStockObject(BLACK_BRUSH)));
+    if (swatch.id != static_cast<int>(item.CtlID)) continue;
+    RECT rect = item.rcItem;
+    FrameRect(item.hDC, &rect, static_cast<HBRUSH>(GetStockObject(BLACK_BRUSH)));
     InflateRect(&rect, -1, -1);
     const HBRUSH brush = CreateSolidBrush(RGB(swatch.color[0], swatch.color[1], swatch.color[2]));
-    FillRect(context, &rect, brush);
+    FillRect(item.hDC, &rect, brush);
     DeleteObject(brush);
+    if ((item.itemState & ODS_FOCUS) == 0 || (item.itemState & ODS_NOFOCUSRECT) != 0) continue;
+    InflateRect(&rect, -2, -2);
+    DrawFocusRect(item.hDC, &rect);
   }
 }
 
@@ -200,11 +240,6 @@ void ParameterDialog::setPercentage(const std::string& text) {
 void ParameterDialog::enableHistory(bool undo, bool redo) {
   enableControl(window(), ID_UNDO, undo);
   enableControl(window(), ID_REDO, redo);
-}
-
-Box ParameterDialog::controlBox(int id) const {
-  const RECT rect = controlRect(window(), id);
-  return {rect.left, rect.top, rect.right, rect.bottom};
 }
 
 }  // namespace radiashafts

@@ -13,6 +13,7 @@
 #include "interface/win32/pipette_cursor.h"
 #include "interface/win32/preset_controls.h"
 #include "interface/win32/preview_dialog.h"
+#include "interface/win32/tooltips.h"
 
 namespace radiashafts {
 
@@ -29,16 +30,17 @@ class ParameterDialog final : public Dialog {
   void showFocus() { scroll_.show(GetFocus()); }
   void setPercentage(const std::string& text);
   void enableHistory(bool undo, bool redo);
-  // The rectangle of a control in the client area.
-  Box controlBox(int id) const;
+  // Keys and the wheel that step the number in an edit. Returns whether the message is one.
+  bool takeStep(const MSG& message);
 
  private:
   INT_PTR onMessage(UINT message, WPARAM w, LPARAM l) override;
   void onOpen();
   void onDestroy();
   WPARAM droppedPresetsWidth() const;
+  void onLabel(int id, int notification);
   void onCommand(int id, int notification);
-  void PaintSwatches(HDC context);
+  void PaintSwatch(const DRAWITEMSTRUCT& item);
 
   PreviewView& view_;
   ParameterEditing& editing_;
@@ -47,6 +49,7 @@ class ParameterDialog final : public Dialog {
   DialogControls controls_;
   PresetControlsWin32 presets_{*this};
   DialogScroll scroll_;
+  int wheel_ = 0;  // turned, less than a notch
 };
 
 }  // namespace radiashafts

@@ -19,15 +19,6 @@ std::unique_ptr<pfPreview> MakePreview() {
   return std::make_unique<pfPreviewWin32>();
 }
 
-namespace {
-
-bool isEdit(HWND control) {
-  char name[8] = "";
-  return GetClassNameA(control, name, sizeof name) != 0 && lstrcmpiA(name, "Edit") == 0;
-}
-
-}  // namespace
-
 // RAII: closes the dialogs and the view when Show returns or throws.
 class pfPreviewWin32::OpenInterface {
  public:
@@ -131,7 +122,7 @@ bool pfPreviewWin32::runMessageLoop() {
 
 // Keys of the whole interface, then those of the dialog manager.
 bool pfPreviewWin32::take(MSG& message) {
-  if (takeKey(message)) return true;
+  if (takeKey(message) || parameters_.takeStep(message)) return true;
   if (IsDialogMessageA(parameters_.window(), &message) == FALSE) return false;
   parameters_.showFocus();
   return true;

@@ -46,7 +46,6 @@ class pfPreviewWin32 final : public pfPreview,
     return preview_.screenColor(point);
   }
   void enableDialogs(bool enabled) override;
-  Box controlBox(int id) const override { return parameters_.controlBox(id); }
 
   HostWindow hostWindow_;
   PipetteCursor pipette_;

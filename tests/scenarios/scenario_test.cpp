@@ -362,9 +362,14 @@ class Player {
     SetWindowPos(window(name), nullptr, x, y, width, height, SWP_NOZORDER | SWP_NOACTIVATE);
   }
 
-  // The value of a control. A swatch is an invisible control: its value is the color painted there.
+  static bool isSwatch(HWND control) {
+    const LONG type = GetWindowLongA(control, GWL_STYLE) & BS_TYPEMASK;
+    return classOf(control) == "Button" && type == BS_OWNERDRAW;
+  }
+
+  // The value of a control. That of a swatch is the color in its middle.
   std::string shown(Text name) const {
-    if (name.find('@') != std::string::npos || IsWindowVisible(window(name)) == FALSE) {
+    if (name.find('@') != std::string::npos || isSwatch(window(name))) {
       const POINT at = placeOf(name);
       const auto color = screenPicture({at.x, at.y, at.x + 1, at.y + 1}).bytes;
       return joined({color[0], color[1], color[2]}, ",");
@@ -411,6 +416,7 @@ class Player {
     GetClientRect(panel_, &client);
     MapWindowPoints(panel_, nullptr, reinterpret_cast<POINT*>(&client), 2);
     forEachChild(panel_, [&](HWND child, Text kind, Text text) {
+      if (IsWindowVisible(child) == FALSE) return;
       const HDC context = GetDC(child);
       SelectObject(context, reinterpret_cast<HGDIOBJ>(SendMessageA(child, WM_GETFONT, 0, 0)));
       SIZE needed{};

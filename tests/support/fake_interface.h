@@ -68,16 +68,12 @@ struct FakeWindows final : DialogWindows {
   void usePipetteCursor(bool on) override { pipette = on; }
   std::optional<std::array<std::uint8_t, 3>> screenColor(Point) override { return onScreen; }
   void enableDialogs(bool on) override { dialogs = on; }
-  Box controlBox(int id) const override {
-    return boxes.contains(id) ? boxes.at(id) : Box{-1, -1, -1, -1};
-  }
 
   Extent frame{200, 150};
   std::function<void()> paint;
   std::string percentage, caption, buttons;
   bool captured = false, pipette = false, dialogs = true;
   std::optional<std::array<std::uint8_t, 3>> onScreen;
-  std::map<int, Box> boxes;
 };
 
 // A user who zooms by each of the steps, looks at the picture, and confirms or cancels.

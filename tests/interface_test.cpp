@@ -12,6 +12,7 @@
 #include "interface/model/host_drawing.h"
 #include "interface/model/preview_pixels.h"
 #include "interface/model/preview_view.h"
+#include "interface/model/window_layout.h"
 #include "platform/tick.h"
 #include "tests/support/fake_interface.h"
 #include "tests/support/long_test.h"
@@ -97,6 +98,23 @@ TEST(WorkArea, HoldsTheWholeWindowWhichMovesAndShrinksNoMoreThanItMust) {
   EXPECT_EQ(movedInto(area, {-300, 0, -100, 100}), (Box{-100, 40, 100, 140}));
   EXPECT_EQ(movedInto(area, {850, 650, 950, 750}), (Box{800, 600, 900, 700}));
   EXPECT_EQ(movedInto(area, {0, -94, 1500, 998}), area);
+}
+
+// With a task bar at the top left of a second monitor.
+TEST(WindowLayout, PlacesAreTheScreensTextsFitAndControlsFollowTheScaling) {
+  const Box monitor{-800, 100, 0, 700}, work{-740, 130, 0, 700}, shown{-740, 130, 0, 700};
+  EXPECT_EQ(placeOnScreen({-700, 150, -300, 450}, shown, monitor, work),
+            (Box{-640, 180, -240, 480}));
+  EXPECT_EQ(placeOnScreen(shown, shown, monitor, work), shown);
+
+  const auto fitting = [](int limit) {
+    return fittingHeight(16, [limit](int height) { return height <= limit; });
+  };
+  EXPECT_EQ(fitting(20), 16);
+  EXPECT_EQ(fitting(12), 12);
+  EXPECT_EQ(fitting(11), std::nullopt);
+
+  EXPECT_EQ(scaled({10, -8, 110, 12}, {300, 600}, {450, 1200}), (Box{15, -16, 165, 24}));
 }
 
 // Two pixels under two cells of the checkerboard: the samples of all planes, of 0 to 1 and 1 for

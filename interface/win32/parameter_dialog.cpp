@@ -8,6 +8,8 @@
 #include "interface/model/live_preview.h"
 #include "interface/model/remembered_settings.h"
 #include "interface/win32/dialog_ids.h"
+#include "interface/win32/dialog_scaling.h"
+#include "interface/win32/window_place.h"
 
 namespace radiashafts {
 namespace {
@@ -107,12 +109,9 @@ void ParameterDialog::onOpen() {
 }
 
 void ParameterDialog::onDestroy() {
-  WINDOWPLACEMENT placement{};
-  placement.length = sizeof placement;
-  if (GetWindowPlacement(window(), &placement) != FALSE) {
-    const RECT& rect = placement.rcNormalPosition;
-    WriteParameterPlacement(
-        {rect.left, rect.top, presets().path(), preview_.showsHandle(), bLivePreview});
+  if (const auto place = windowPlace(window())) {
+    WriteParameterPlacement({place->normal.left, place->normal.top, presets().path(),
+                             preview_.showsHandle(), bLivePreview});
   }
   onWindowDestroyed();
 }

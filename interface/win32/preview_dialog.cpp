@@ -7,6 +7,7 @@
 #include "interface/model/remembered_settings.h"
 #include "interface/win32/dialog_controls.h"
 #include "interface/win32/dialog_ids.h"
+#include "interface/win32/window_place.h"
 
 namespace radiashafts {
 namespace {
@@ -98,12 +99,10 @@ void PreviewDialog::onOpen() {
 }
 
 void PreviewDialog::onDestroy() {
-  WINDOWPLACEMENT placement{};
-  placement.length = sizeof placement;
-  if (GetWindowPlacement(window(), &placement) != FALSE) {
-    const RECT& rect = placement.rcNormalPosition;
-    WritePreviewPlacement({rect.left, rect.top, rect.right - rect.left, rect.bottom - rect.top,
-                           static_cast<std::int32_t>(placement.showCmd)});
+  if (const auto place = windowPlace(window())) {
+    const Box& box = place->normal;
+    WritePreviewPlacement(
+        {box.left, box.top, box.width(), box.height(), static_cast<std::int32_t>(place->state)});
   }
   onWindowDestroyed();
 }

@@ -1,6 +1,7 @@
 #include "diagnostics/debug_log.h"
 #include "interface/model/preview.h"
 #include "interface/win32/dialog.h"
+#include "interface/win32/dialog_font.h"
 #include "interface/win32/dialog_ids.h"
 #include "interface/win32/interface_end.h"
 #include "interface/win32/visual_style.h"
@@ -20,12 +21,18 @@ void showIcon(HWND dialog) {
                       reinterpret_cast<LPARAM>(icon));
 }
 
+struct AboutRequest {
+  const std::string& text;
+  DialogFont font;
+};
+
 INT_PTR AboutProcedure(HWND dialog, UINT message, WPARAM w, LPARAM l) {
   switch (message) {
     case WM_INITDIALOG: {
-      const std::string text = *reinterpret_cast<const std::string*>(l) + "\n" + licenceText;
-      SetDlgItemTextA(dialog, ID_ABOUT_TEXT, text.c_str());
+      auto& request = *reinterpret_cast<AboutRequest*>(l);
+      SetDlgItemTextA(dialog, ID_ABOUT_TEXT, (request.text + "\n" + licenceText).c_str());
       showIcon(dialog);
+      request.font.apply(dialog);
       return TRUE;
     }
     case WM_COMMAND:
@@ -42,10 +49,11 @@ void ShowAbout(const std::string& text) {
   trace("ShowAbout()");
   const VisualStyle style;
   interfaceEnd().reset();
+  AboutRequest request{text, {}};
   {
     const SystemDialog dialog;
     DialogBoxParamA(moduleInstance(), MAKEINTRESOURCEA(ID_ABOUT_DIALOG), nullptr,
-                    windowProcedure<AboutProcedure>, reinterpret_cast<LPARAM>(&text));
+                    windowProcedure<AboutProcedure>, reinterpret_cast<LPARAM>(&request));
   }
   interfaceEnd().rethrow();
 }

@@ -3,7 +3,10 @@
 
 #include <windows.h>
 
+#include "interface/model/preview_geometry.h"
+#include "interface/win32/dialog_font.h"
 #include "interface/win32/interface_end.h"
+#include "interface/win32/system_colors.h"
 
 namespace radiashafts {
 
@@ -33,6 +36,11 @@ class Dialog {
 
   // Returns FALSE when the message was not handled; else TRUE or the message's own return value.
   virtual INT_PTR onMessage(UINT message, WPARAM w, LPARAM l) = 0;
+  // Called when another scaling has changed the size of the client area; bySystem where the system
+  // has changed the controls too.
+  virtual void onScaled(Extent, Extent, bool) {}
+  bool isScaling() const { return scaling_; }
+  const SystemColors& colors() const { return colors_; }
   // Sets the result of a handled message, for messages that have one.
   void setResult(LONG_PTR result) { SetWindowLongPtrA(window_, DWLP_MSGRESULT, result); }
   // Called on WM_DESTROY. Ends the interface unless destroy was the cause: the host may have
@@ -43,9 +51,15 @@ class Dialog {
 
  private:
   static INT_PTR procedure(HWND dialog, UINT message, WPARAM w, LPARAM l);
+  Extent clientSize() const;
+  void followScaling(WPARAM w, LPARAM l);
+  void followColors(UINT message, WPARAM w, LPARAM l);
 
   HWND window_ = nullptr;
   bool destroying_ = false;
+  bool scaling_ = false;
+  DialogFont font_;
+  SystemColors colors_;
 };
 
 }  // namespace radiashafts

@@ -9,11 +9,15 @@ ScreenMetrics screenMetrics() {
           GetSystemMetrics(SM_CXFULLSCREEN), GetSystemMetrics(SM_CYFULLSCREEN)};
 }
 
-RECT controlRect(HWND dialog, int id) {
+RECT rectInDialog(HWND dialog, HWND control) {
   RECT rect{};
-  GetWindowRect(GetDlgItem(dialog, id), &rect);
+  GetWindowRect(control, &rect);
   MapWindowPoints(nullptr, dialog, reinterpret_cast<POINT*>(&rect), 2);
   return rect;
+}
+
+RECT controlRect(HWND dialog, int id) {
+  return rectInDialog(dialog, GetDlgItem(dialog, id));
 }
 
 bool DialogControls::hasFocus(int id) const {

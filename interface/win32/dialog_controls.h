@@ -61,6 +61,7 @@ ScreenMetrics screenMetrics();
 
 // The rectangle of a control, hidden or not, in its dialog's client area.
 RECT controlRect(HWND dialog, int id);
+RECT rectInDialog(HWND dialog, HWND control);
 
 bool isEdit(HWND control);
 

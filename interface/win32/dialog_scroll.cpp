@@ -28,6 +28,12 @@ void DialogScroll::makeRoomForBar() {
                rect.bottom - rect.top, SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
+void DialogScroll::scale(int from, int to) {
+  contents_ = MulDiv(contents_, to, std::max(from, 1));
+  position_ = MulDiv(position_, to, std::max(from, 1));
+  update();
+}
+
 void DialogScroll::update() {
   if (dialog_ == nullptr || visibleHeight() == 0) return;  // minimised
   SCROLLINFO info{};

@@ -11,6 +11,8 @@ class DialogScroll {
   void attach(HWND dialog);
   // Widens the dialog by the bar.
   void makeRoomForBar();
+  // The contents have become larger or smaller by to / from.
+  void scale(int from, int to);
   // Called when the size has changed: shows or hides the bar.
   void update();
 

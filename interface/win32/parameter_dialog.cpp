@@ -36,12 +36,8 @@ INT_PTR ParameterDialog::onMessage(UINT message, WPARAM w, LPARAM l) {
       PaintSwatch(*reinterpret_cast<const DRAWITEMSTRUCT*>(l));
       return TRUE;
     case WM_CTLCOLOREDIT:
-    case WM_CTLCOLORLISTBOX: {
-      const auto context = reinterpret_cast<HDC>(w);
-      SetTextColor(context, RGB(255, 0, 0));
-      SetBkColor(context, RGB(255, 255, 255));
-      return reinterpret_cast<INT_PTR>(GetStockObject(WHITE_BRUSH));
-    }
+    case WM_CTLCOLORLISTBOX:
+      return colors().colorEdit(reinterpret_cast<HDC>(w));
     case WM_SETCURSOR:
       if (!pipette_.set()) return FALSE;
       setResult(TRUE);
@@ -67,7 +63,7 @@ INT_PTR ParameterDialog::onMessage(UINT message, WPARAM w, LPARAM l) {
       scroll_.onWheel(GET_WHEEL_DELTA_WPARAM(w));
       return TRUE;
     case WM_SIZE:
-      scroll_.update();
+      if (!isScaling()) scroll_.update();
       return TRUE;
     case WM_COMMAND:
       if (const int id = labelledControl(reinterpret_cast<HWND>(l)); id != 0) {
@@ -106,6 +102,11 @@ void ParameterDialog::onOpen() {
     moveIntoWorkArea();  // the bar makes the dialog wider
   }
   ReadLastUsedSettings(view_.filter().parameters);
+}
+
+void ParameterDialog::onScaled(Extent from, Extent to, bool bySystem) {
+  if (!bySystem) scaleControls(window(), from, to);
+  scroll_.scale(from.height, to.height);
 }
 
 void ParameterDialog::onDestroy() {
@@ -221,7 +222,7 @@ void ParameterDialog::PaintSwatch(const DRAWITEMSTRUCT& item) {
   for (const ParameterEditing::Swatch& swatch : editing_.swatches()) {
     if (swatch.id != static_cast<int>(item.CtlID)) continue;
     RECT rect = item.rcItem;
-    FrameRect(item.hDC, &rect, static_cast<HBRUSH>(GetStockObject(BLACK_BRUSH)));
+    FrameRect(item.hDC, &rect, colors().frame());
     InflateRect(&rect, -1, -1);
     const HBRUSH brush = CreateSolidBrush(RGB(swatch.color[0], swatch.color[1], swatch.color[2]));
     FillRect(item.hDC, &rect, brush);

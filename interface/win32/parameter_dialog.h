@@ -35,6 +35,7 @@ class ParameterDialog final : public Dialog {
 
  private:
   INT_PTR onMessage(UINT message, WPARAM w, LPARAM l) override;
+  void onScaled(Extent from, Extent to, bool bySystem) override;
   void onOpen();
   void onDestroy();
   WPARAM droppedPresetsWidth() const;

@@ -6,6 +6,7 @@
 #include <commdlg.h>
 
 #include "interface/win32/dialog_controls.h"
+#include "interface/win32/dialog_font.h"
 #include "interface/win32/dialog_ids.h"
 #include "interface/win32/interface_end.h"
 #include "interface/win32/visual_style.h"
@@ -57,6 +58,7 @@ struct SaveAsRequest {
   PresetRow* row;
   std::string proposed;
   std::string confirmed;  // empty until OK; the interface's end closes the dialog without a button
+  DialogFont font;
 };
 
 INT_PTR SaveAsProcedure(HWND dialog, UINT message, WPARAM w, LPARAM l) {
@@ -66,9 +68,11 @@ INT_PTR SaveAsProcedure(HWND dialog, UINT message, WPARAM w, LPARAM l) {
     SendMessageA(edit, EM_SETSEL, 0, -1);
   };
   if (message == WM_INITDIALOG) {
+    auto& request = *reinterpret_cast<SaveAsRequest*>(l);
     SetWindowLongPtrA(dialog, DWLP_USER, l);
+    request.font.apply(dialog);
     SendMessageA(edit, EM_LIMITTEXT, Text().size() - 1, 0);
-    SetWindowTextA(edit, reinterpret_cast<const SaveAsRequest*>(l)->proposed.c_str());
+    SetWindowTextA(edit, request.proposed.c_str());
     selectName();
     return FALSE;
   }
@@ -173,7 +177,7 @@ std::optional<std::string> PresetControlsWin32::choosePresetFile(const std::stri
 
 std::string PresetControlsWin32::askPresetName(const std::string& proposed) {
   if (dialog_.window() == nullptr) return {};
-  SaveAsRequest request{&row_, proposed, {}};
+  SaveAsRequest request{&row_, proposed, {}, {}};
   const Prompt prompt(dialog_.window());
   const INT_PTR result =
       DialogBoxParamA(moduleInstance(), MAKEINTRESOURCEA(ID_SAVE_AS_DIALOG), dialog_.window(),

@@ -170,7 +170,7 @@ void PreviewDialog::PaintPreview() {
   std::optional<std::array<double, 2>> light;
   const pfParameterPosition* origin = editing_.FindOriginParameter();
   if (bShowHandle && origin != nullptr) light = origin->value();
-  painting_.paint(context.get(), view_, light);
+  painting_.paint(context.get(), view_, light, colors().margin());
 }
 
 void PreviewDialog::showHandle(bool show) {

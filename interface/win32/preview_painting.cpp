@@ -14,8 +14,6 @@
 namespace radiashafts {
 namespace {
 
-constexpr COLORREF marginColor = 0xBBBBBB;
-
 RECT rectOf(const Box& box) {
   return {box.left, box.top, box.right, box.bottom};
 }
@@ -152,7 +150,7 @@ void PreviewPainting::release() {
 }
 
 void PreviewPainting::paint(HDC screen, PreviewView& view,
-                            const std::optional<std::array<double, 2>>& light) {
+                            const std::optional<std::array<double, 2>>& light, COLORREF margin) {
   view.limitPan();
   const PreviewGeometry& geometry = view.geometry();
   const Surface& buffer = bufferFor(geometry.frame);
@@ -166,9 +164,9 @@ void PreviewPainting::paint(HDC screen, PreviewView& view,
     FillRect(context, &rect, static_cast<HBRUSH>(GetStockObject(BLACK_BRUSH)));
   }
 
-  const HBRUSH brush = CreateSolidBrush(marginColor);
-  for (const Box& margin : geometry.margins()) {
-    const RECT rect = rectOf(margin);
+  const HBRUSH brush = CreateSolidBrush(margin);
+  for (const Box& box : geometry.margins()) {
+    const RECT rect = rectOf(box);
     FillRect(context, &rect, brush);
   }
   DeleteObject(brush);

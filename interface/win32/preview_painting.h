@@ -42,9 +42,10 @@ class PreviewPainting {
   PreviewPainting(const PreviewPainting&) = delete;
   PreviewPainting& operator=(const PreviewPainting&) = delete;
 
-  // Paints the picture, the margins and, unless light is empty, the handle at that normalised
-  // position.
-  void paint(HDC screen, PreviewView& view, const std::optional<std::array<double, 2>>& light);
+  // Paints the picture, the margins in that colour and, unless light is empty, the handle at that
+  // normalised position.
+  void paint(HDC screen, PreviewView& view, const std::optional<std::array<double, 2>>& light,
+             COLORREF margin);
   // Called when the view shows another bitmap: the host has to draw it again.
   void invalidateBitmap() { hostSurfaceValid_ = false; }
   // Frees the surfaces.

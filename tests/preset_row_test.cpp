@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include "interface/model/preset_path.h"
 #include "parameters/preset_file.h"
 #include "tests/support/fake_interface.h"
 #include "tests/support/test_folder.h"
@@ -111,6 +112,19 @@ TEST_F(PresetRowTest, AFileThatIsNotOursIsToldAndTheOldOneStays) {
   EXPECT_EQ(row.path(), path("p.cfg"));
   choose("new.cfg");
   EXPECT_EQ(controls.enabled, "cs");
+}
+
+TEST(PresetPath, IsKeptInAFormThatTheStoreHolds) {
+  const std::string longest(255, 'x');
+  EXPECT_EQ(presetPath("long name", "LONGNA~1").text, "long name");
+  EXPECT_EQ(presetPath(longest, "X~1").text, longest);
+  EXPECT_EQ(presetPath(std::nullopt, "LONGNA~1").text, "LONGNA~1");
+  for (const auto& chosen : {std::optional(longest + 'x'), std::optional<std::string>()}) {
+    const PresetPath refused = presetPath(chosen, chosen ? chosen : std::nullopt);
+    EXPECT_EQ(refused.text, "");
+    EXPECT_NE(std::string(refused.fault).find(chosen ? "too long" : "code page"),
+              std::string::npos);
+  }
 }
 
 }  // namespace

@@ -1,36 +1,20 @@
 #include "interface/win32/preset_controls.h"
 
 #include <array>
-#include <cstring>
 
-#include <commdlg.h>
-
+#include "interface/model/preset_path.h"
 #include "interface/win32/dialog_controls.h"
 #include "interface/win32/dialog_font.h"
 #include "interface/win32/dialog_ids.h"
+#include "interface/win32/file_chooser.h"
 #include "interface/win32/interface_end.h"
 #include "interface/win32/visual_style.h"
+#include "platform/whole_file.h"
 
 namespace radiashafts {
 namespace {
 
 using Text = std::array<char, 256>;
-
-// RAII: restores the process's working directory, which the file dialog changes.
-class WorkingDirectoryRestorer {
- public:
-  WorkingDirectoryRestorer() {
-    GetCurrentDirectoryA(static_cast<DWORD>(path_.size()), path_.data());
-  }
-  ~WorkingDirectoryRestorer() {
-    if (path_[0] != '\0') SetCurrentDirectoryA(path_.data());
-  }
-  WorkingDirectoryRestorer(const WorkingDirectoryRestorer&) = delete;
-  WorkingDirectoryRestorer& operator=(const WorkingDirectoryRestorer&) = delete;
-
- private:
-  std::array<char, 1024> path_{};
-};
 
 // RAII: surrounds a prompt over the parameter dialog. The preview, its owner, takes no input
 // meanwhile; afterwards the keyboard is where it was.
@@ -53,6 +37,34 @@ class Prompt {
   bool previewRested_;  // in another prompt
   HWND focus_;
 };
+
+std::wstring wideText(const std::string& text) {
+  std::wstring wide(text.size(), L'\0');
+  wide.resize(static_cast<std::size_t>(
+      MultiByteToWideChar(CP_ACP, 0, text.data(), static_cast<int>(text.size()), wide.data(),
+                          static_cast<int>(wide.size()))));
+  return wide;
+}
+
+// The path in another form of the system's; itself where there is no such file.
+template <DWORD(WINAPI* convert)(const wchar_t*, wchar_t*, DWORD)>
+std::wstring converted(const std::wstring& path) {
+  std::wstring other(convert(path.c_str(), nullptr, 0), L'\0');
+  other.resize(convert(path.c_str(), other.data(), static_cast<DWORD>(other.size())));
+  return other.empty() ? path : other;
+}
+
+std::wstring longForm(const std::wstring& path) {
+  return converted<GetLongPathNameW>(path);
+}
+
+// Of a file that does not exist yet, that of its folder.
+std::wstring shortForm(const std::wstring& path) {
+  std::wstring whole = converted<GetShortPathNameW>(path);
+  const std::size_t name = path.rfind(L'\\');
+  if (whole != path || name == std::wstring::npos) return whole;
+  return converted<GetShortPathNameW>(path.substr(0, name)) + path.substr(name);
+}
 
 struct SaveAsRequest {
   PresetRow* row;
@@ -153,26 +165,17 @@ void PresetControlsWin32::enablePresets(bool choosing, bool saving, bool deletin
 
 // The file need not exist; a new name creates a new file.
 std::optional<std::string> PresetControlsWin32::choosePresetFile(const std::string& path) {
-  Text text{};
-  std::strncpy(text.data(), path.c_str(), text.size() - 1);
-  OPENFILENAMEA request{};
-  request.lStructSize = sizeof request;
-  request.hwndOwner = dialog_.window();
-  request.lpstrFilter = "Presets File (*.cfg)\0*.cfg\0";
-  request.nFilterIndex = 1;
-  request.lpstrFile = text.data();
-  request.nMaxFile = static_cast<DWORD>(text.size());
-  request.lpstrTitle = "Open Presets File";
-  request.lpstrDefExt = "cfg";
-  request.Flags = OFN_HIDEREADONLY | OFN_EXPLORER | OFN_LONGNAMES | OFN_ENABLESIZING;
-  const WorkingDirectoryRestorer restoreAtEnd;
   const Prompt prompt(dialog_.window());
-  bool chosen = GetOpenFileNameA(&request) != FALSE;
-  if (!chosen && CommDlgExtendedError() == FNERR_INVALIDFILENAME) {
-    text.fill('\0');  // retries without an initial path
-    chosen = GetOpenFileNameA(&request) != FALSE;
-  }
-  return chosen ? std::optional<std::string>(text.data()) : std::nullopt;
+  const auto file = radiashafts::choosePresetFile(dialog_.window(), longForm(wideText(path)));
+  if (!file) return std::nullopt;
+  const auto narrow = platform::narrowPath(*file);
+  const PresetPath kept =
+      presetPath(narrow, narrow ? std::nullopt : platform::narrowPath(shortForm(*file)));
+  if (!kept.text.empty()) return kept.text;
+  const std::wstring text =
+      L"The presets file " + *file + L" cannot be used: " + wideText(kept.fault);
+  MessageBoxW(dialog_.window(), text.c_str(), L"Error", MB_OK | MB_ICONEXCLAMATION);
+  return std::nullopt;
 }
 
 std::string PresetControlsWin32::askPresetName(const std::string& proposed) {

@@ -36,6 +36,7 @@ FileState stateAfterOpenError(const std::string& path, DWORD error) {
   return folder ? FileState::unfit : FileState::refused;
 }
 
+// With long names: a file that is renamed to a short one keeps no other.
 std::wstring absolutePath(const std::string& path) {
   std::wstring wide(path.size(), L'\0');
   wide.resize(static_cast<std::size_t>(
@@ -44,7 +45,10 @@ std::wstring absolutePath(const std::string& path) {
   std::wstring whole(GetFullPathNameW(wide.c_str(), 0, nullptr, nullptr), L'\0');
   whole.resize(
       GetFullPathNameW(wide.c_str(), static_cast<DWORD>(whole.size()), whole.data(), nullptr));
-  return whole;
+  std::wstring longNames(GetLongPathNameW(whole.c_str(), nullptr, 0), L'\0');
+  longNames.resize(
+      GetLongPathNameW(whole.c_str(), longNames.data(), static_cast<DWORD>(longNames.size())));
+  return longNames.empty() ? whole : longNames;  // where there is no such file
 }
 
 }  // namespace

@@ -9,6 +9,7 @@
 #include <sstream>
 #include <thread>
 
+#include <objbase.h>
 #include <xmmintrin.h>
 
 #include "tests/scenarios/user.h"
@@ -126,6 +127,7 @@ class Host {
     standin::HostTraits traits{};
     std::string manner{};       // as above
     std::string pickedColor{};  // "red,green,blue" of the host's colour chooser
+    std::string apartment{};    // of COM: "multithreaded"; empty: none
     std::string window{};       // "own" of the run's thread, "hangs" once the dialogs are open;
                                 // "about" for that dialog alone
   };
@@ -167,6 +169,7 @@ class Host {
 
   void runFilter() {
     id_ = GetCurrentThreadId();
+    if (settings.apartment == "multithreaded") CoInitializeEx(nullptr, COINIT_MULTITHREADED);
     hostManner = settings.manner;
     drawings = 0;
     foundAnothersStyle = false;

@@ -228,6 +228,7 @@ class Player {
         {"descriptors", &traits.descriptors}, {"sampling", &traits.sampling}};
     const std::map<std::string, std::string*> texts{{"picks", &settings.pickedColor},
                                                     {"manner", &settings.manner},
+                                                    {"apartment", &settings.apartment},
                                                     {"window", &settings.window}};
     for (const std::string& word : words) {
       const std::string name = word.substr(0, word.find('='));

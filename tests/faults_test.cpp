@@ -182,13 +182,14 @@ TEST_P(Faults, OfTheHostsServicesEndTheRunOrNothing) {
 
 // How many reports come from the calling thread depends on how the rows are shared out.
 TEST_P(Faults, AnAbortEndsTheRunAtOnce) {
-  int at = 1;
-  while (run_.run({.abortAtProgress = at}) == hostapi::userCanceledError) {
-    ASSERT_LE(run_.progressCalls(), at + 1);
-    ++at;
+  int aborted = 0;
+  for (int at = 1; at <= 150; ++at) {
+    const int status = run_.run({.abortAtProgress = at});
+    ASSERT_TRUE(status == 0 || status == hostapi::userCanceledError) << status;
+    aborted += status == 0 ? 0 : 1;
+    ASSERT_LE(run_.progressCalls(), status == 0 ? at : at + 1);  // the last report comes too late
   }
-  EXPECT_GE(at, run_.progressCalls());
-  EXPECT_GT(at, 40);
+  EXPECT_GT(aborted, 0);
   if (GetParam().preview) {
     const auto closingAt = [](int look) { return Failure{.closingLook = look}; };
     EXPECT_GT(countUp(closingAt, hostapi::userCanceledError, [] { return closed; }), 0);

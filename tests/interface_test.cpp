@@ -352,6 +352,9 @@ TEST(PreviewRenders, AreCutShortOnlyByALiveChangeAfterAWhile) {
     nRenderStartTick = platform::tickCount() - age;
     EXPECT_EQ(filter.Progress(0, 9, 0), state % 4 == 3 && age > 0 ? -128 : 0) << state;
   }
+  bInterfaceEnded = true;
+  EXPECT_EQ(filter.Progress(0, 9, 0), -1);
+  bInterfaceEnded = false;
   nRenderStartTick = 0;
   bRenderPending = false;
 }

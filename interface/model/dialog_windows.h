@@ -15,6 +15,7 @@ class DialogWindows {
   virtual ~DialogWindows() = default;
 
   virtual Extent frameSize() const = 0;  // of the preview's frame, in screen pixels
+  virtual int dotsPerInch() const = 0;
   virtual void invalidateFrame() = 0;
   virtual void paintNow() = 0;       // paints the invalid part of the preview
   virtual void bitmapChanged() = 0;  // another picture is shown

@@ -94,6 +94,11 @@ Point PreviewGeometry::handle(double x, double y) const {
       wholePixels(shown.height * y + to.top - (shown.height - to.height()) + pan.y / viewScale)};
 }
 
+int PreviewGeometry::scaled(int pixels) const {
+  constexpr int usual = 96;
+  return std::max((pixels * dotsPerInch + usual / 2) / usual, 1);
+}
+
 // Rounds the display's size, while display() truncates it, so the two may differ by a pixel. This
 // is intended: the positions that a click sets depend on it.
 std::array<double, 2> PreviewGeometry::clientToImage(Point point,

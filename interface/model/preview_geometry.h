@@ -33,6 +33,7 @@ struct PreviewGeometry {
   Extent image;            // the rendered image
   double viewScale = 1.0;  // image pixels per screen pixel; below 1 the image is enlarged
   Point pan;               // image pixels; y counts from the image's bottom
+  int dotsPerInch = 96;    // of the screen
 
   Extent display() const;  // size of the whole image in screen pixels
   void limitPan();
@@ -53,6 +54,8 @@ struct PreviewGeometry {
 
   // The screen pixel of a normalised position.
   Point handle(double x, double y) const;
+  // Screen pixels for a length in pixels at 96 dots per inch; at least 1.
+  int scaled(int pixels) const;
   // The normalised position at a point of the client area; in the margins it is outside 0 to 1. An
   // axis on which the image has no size gets the value of fallback.
   std::array<double, 2> clientToImage(Point point, std::array<double, 2> fallback) const;
@@ -65,6 +68,7 @@ Box movedInto(const Box& area, const Box& box);
 int wholePixels(double value);
 
 // The light's handle: nested squares, innermost first, around them a black one with diagonals.
+// Sizes are in pixels at 96 dots per inch.
 struct HandleSquare {
   int halfSize;
   unsigned color;  // a grey, so the channel order does not matter

@@ -53,6 +53,7 @@ Extent PreviewView::renderedSize() const {
 
 const PreviewGeometry& PreviewView::geometry() {
   geometry_.frame = windows_.frameSize();
+  geometry_.dotsPerInch = windows_.dotsPerInch();
   return geometry_;
 }
 

@@ -57,7 +57,7 @@ class PreviewView {
   Extent renderedSize() const;
   int imagePixelsPerStep() const { return ViewScale{nFactor, nDraftLevel}.imagePixelsPerStep(); }
 
-  // With the frame size updated to the current one.
+  // With the current size of the frame and resolution of the screen.
   const PreviewGeometry& geometry();
   void panTo(Point pan);
   void limitPan();

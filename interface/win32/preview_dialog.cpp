@@ -167,6 +167,7 @@ void PreviewDialog::onWheel(int delta, POINT point) {
 void PreviewDialog::PaintPreview() {
   const PaintContext context(window());
   if (!view_.isOpen()) return;
+  if (const int dots = GetDeviceCaps(context.get(), LOGPIXELSX); dots > 0) dotsPerInch_ = dots;
   std::optional<std::array<double, 2>> light;
   const pfParameterPosition* origin = editing_.FindOriginParameter();
   if (bShowHandle && origin != nullptr) light = origin->value();

@@ -33,6 +33,7 @@ class PreviewDialog final : public Dialog {
   void showHandle(bool show);
 
   Extent frameSize() const;
+  int dotsPerInch() const { return dotsPerInch_; }  // of the last painting
   void invalidateFrame();
   void paintNow() { UpdateWindow(window()); }
   void bitmapChanged() { painting_.invalidateBitmap(); }
@@ -59,6 +60,7 @@ class PreviewDialog final : public Dialog {
   PreviewPainting painting_;
   HWND keyTarget_ = nullptr;
   bool bShowHandle = true;
+  int dotsPerInch_ = USER_DEFAULT_SCREEN_DPI;
   int wheel_ = 0;                // turned by less than a notch
   bool releasingMouse_ = false;  // set during our own ReleaseCapture
 };

@@ -53,22 +53,32 @@ void drawSquare(HDC context, Point centre, int halfSize) {
   Polyline(context, corners, 5);
 }
 
-void drawHandle(HDC context, Point centre) {
+// At 96 dots per inch the thinnest pen, above it one with sharp corners.
+HPEN handlePen(COLORREF color, int width) {
+  if (width == 1) return CreatePen(PS_SOLID, 0, color);
+  const LOGBRUSH brush{BS_SOLID, color, 0};
+  return ExtCreatePen(PS_GEOMETRIC | PS_SOLID | PS_ENDCAP_SQUARE | PS_JOIN_MITER,
+                      static_cast<DWORD>(width), &brush, 0, nullptr);
+}
+
+void drawHandle(HDC context, const PreviewGeometry& geometry, Point centre) {
+  const int lineWidth = geometry.scaled(1);
+  const auto select = [context, lineWidth](COLORREF color) {
+    return SelectObject(context, handlePen(color, lineWidth));
+  };
+  const HGDIOBJ previous = select(handleSquares[0].color);
   for (const HandleSquare& square : handleSquares) {
-    const HPEN pen = CreatePen(PS_SOLID, 0, square.color);
-    const HGDIOBJ previous = SelectObject(context, pen);
-    drawSquare(context, centre, square.halfSize);
-    SelectObject(context, previous);
-    DeleteObject(pen);
+    DeleteObject(select(square.color));
+    drawSquare(context, centre, geometry.scaled(square.halfSize));
   }
-  const HGDIOBJ previous = SelectObject(context, GetStockObject(BLACK_PEN));
-  constexpr int half = handleOuterHalfSize;
+  DeleteObject(select(RGB(0, 0, 0)));
+  const int half = geometry.scaled(handleOuterHalfSize);
   drawSquare(context, centre, half);
   MoveToEx(context, centre.x - half, centre.y - half, nullptr);
   LineTo(context, centre.x + half, centre.y + half);
   MoveToEx(context, centre.x + half, centre.y - half, nullptr);
   LineTo(context, centre.x - half, centre.y + half);
-  SelectObject(context, previous);
+  DeleteObject(SelectObject(context, previous));
 }
 
 // Same result as StretchDIBits at scale 1, but several times faster, because some systems allocate
@@ -170,7 +180,7 @@ void PreviewPainting::paint(HDC screen, PreviewView& view,
     FillRect(context, &rect, brush);
   }
   DeleteObject(brush);
-  if (light) drawHandle(context, geometry.handle((*light)[0], (*light)[1]));
+  if (light) drawHandle(context, geometry, geometry.handle((*light)[0], (*light)[1]));
   if (buffer.isUsable()) copyToScreen(buffer, screen);
 }
 

@@ -33,6 +33,7 @@ class pfPreviewWin32 final : public pfPreview,
   bool takeKey(const MSG& message);
 
   Extent frameSize() const override { return preview_.frameSize(); }
+  int dotsPerInch() const override { return preview_.dotsPerInch(); }
   void invalidateFrame() override { preview_.invalidateFrame(); }
   void paintNow() override { preview_.paintNow(); }
   void bitmapChanged() override { preview_.bitmapChanged(); }

@@ -53,6 +53,7 @@ struct FakePanel final : ControlPanel {
 
 struct FakeWindows final : DialogWindows {
   Extent frameSize() const override { return frame; }
+  int dotsPerInch() const override { return dots; }
   void invalidateFrame() override {}
   void paintNow() override {
     if (paint) paint();
@@ -70,6 +71,7 @@ struct FakeWindows final : DialogWindows {
   void enableDialogs(bool on) override { dialogs = on; }
 
   Extent frame{200, 150};
+  int dots = 96;
   std::function<void()> paint;
   std::string percentage, caption, buttons;
   bool captured = false, pipette = false, dialogs = true;

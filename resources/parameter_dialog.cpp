@@ -179,9 +179,10 @@ void actions(Layout& layout) {
   int x = margin;
   for (const auto& [text, id] :
        {std::pair{"undo", ID_UNDO}, std::pair{"redo", ID_REDO}, std::pair{"reset", ID_RESET}}) {
-    layout.button(text, id, x, 30);
-    x += 32;
+    layout.button(text, id, x, 27);
+    x += 29;
   }
+  layout.button("|", ID_SPLIT, x, 12, rowPitch, "BS_AUTOCHECKBOX | BS_PUSHLIKE | WS_TABSTOP");
   constexpr int zoomLeft = dialogWidth - margin - 68;
   layout.button("-", ID_ZOOM_OUT, zoomLeft, 16);
   layout.control("", ID_PERCENTAGE, "STATIC", "SS_CENTER", zoomLeft + 17,

@@ -17,8 +17,7 @@ class DialogWindows {
   virtual Extent frameSize() const = 0;  // of the preview's frame, in screen pixels
   virtual int dotsPerInch() const = 0;
   virtual void invalidateFrame() = 0;
-  virtual void paintNow() = 0;       // paints the invalid part of the preview
-  virtual void bitmapChanged() = 0;  // another picture is shown
+  virtual void paintNow() = 0;  // paints the invalid part of the preview
   virtual void setPercentage(const std::string& text) = 0;
   virtual void setCaption(const std::string& text) = 0;  // of the preview
   virtual void enableHistory(bool undo, bool redo) = 0;

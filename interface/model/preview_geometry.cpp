@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 
 namespace radiashafts {
 
@@ -92,6 +93,18 @@ Point PreviewGeometry::handle(double x, double y) const {
   return {
       wholePixels(to.left - pan.x / viewScale + shown.width * x),
       wholePixels(shown.height * y + to.top - (shown.height - to.height()) + pan.y / viewScale)};
+}
+
+int PreviewGeometry::splitColumn() const {
+  return wholePixels(splitShare * frame.width);
+}
+
+void PreviewGeometry::moveSplit(int column) {
+  if (frame.width > 0) splitShare = (std::clamp(column, 0, frame.width - 1) + 0.5) / frame.width;
+}
+
+bool PreviewGeometry::isOnSplit(Point point) const {
+  return std::abs(point.x - splitColumn()) <= scaled(4);
 }
 
 int PreviewGeometry::scaled(int pixels) const {

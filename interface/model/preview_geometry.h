@@ -29,11 +29,12 @@ struct Box {
 
 // The frame's origin is (0, 0) of the preview's client area.
 struct PreviewGeometry {
-  Extent frame;            // screen pixels
-  Extent image;            // the rendered image
-  double viewScale = 1.0;  // image pixels per screen pixel; below 1 the image is enlarged
-  Point pan;               // image pixels; y counts from the image's bottom
-  int dotsPerInch = 96;    // of the screen
+  Extent frame;             // screen pixels
+  Extent image;             // the rendered image
+  double viewScale = 1.0;   // image pixels per screen pixel; below 1 the image is enlarged
+  Point pan;                // image pixels; y counts from the image's bottom
+  int dotsPerInch = 96;     // of the screen
+  double splitShare = 0.5;  // of the frame's width; left of it the untouched picture is compared
 
   Extent display() const;  // size of the whole image in screen pixels
   void limitPan();
@@ -54,6 +55,10 @@ struct PreviewGeometry {
 
   // The screen pixel of a normalised position.
   Point handle(double x, double y) const;
+  // The first column of the frame right of the split line.
+  int splitColumn() const;
+  void moveSplit(int column);
+  bool isOnSplit(Point point) const;  // or within a few pixels of the line
   // Screen pixels for a length in pixels at 96 dots per inch; at least 1.
   int scaled(int pixels) const;
   // The normalised position at a point of the client area; in the margins it is outside 0 to 1. An

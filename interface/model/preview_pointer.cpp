@@ -6,6 +6,7 @@ namespace radiashafts {
 
 void PreviewPointer::cancelDrag() {
   draggedOrigin_ = nullptr;
+  splitDrag_.reset();
   leftDrag_ = false;
   panActive_ = false;
 }
@@ -15,11 +16,19 @@ bool PreviewPointer::isInFrame(Point point) const {
   return point.x >= 0 && point.y >= 0 && point.x <= frame.width && point.y <= frame.height;
 }
 
+bool PreviewPointer::isOnSplit(Point point) const {
+  return view_.splitBitmap() != nullptr && view_.geometry().isOnSplit(point);
+}
+
 void PreviewPointer::OnLeftDown(Point point) {
   if (!view_.isOpen() || !isInFrame(point)) return;
   leftDrag_ = true;
   windows_.captureMouse();
   if (editing_.pipetteActive()) return;
+  if (isOnSplit(point)) {
+    splitDrag_ = {point.x, view_.geometry().splitColumn()};
+    return;
+  }
   draggedOrigin_ = editing_.FindOriginParameter();
   if (draggedOrigin_ == nullptr) return;
   view_.filter().undoHistory.PushStep(draggedOrigin_->CreateUndo());
@@ -34,10 +43,15 @@ void PreviewPointer::dragOriginTo(Point point) {
 }
 
 bool PreviewPointer::takeBackDrag() {
-  if (draggedOrigin_ == nullptr) return false;
+  const std::optional<SplitDrag> splitDrag = splitDrag_;
+  if (draggedOrigin_ == nullptr && !splitDrag) return false;
   cancelDrag();
   windows_.releaseMouse();
-  editing_.Undo();
+  if (splitDrag) {
+    view_.moveSplit(splitDrag->column);
+  } else {
+    editing_.Undo();
+  }
   return true;
 }
 
@@ -54,6 +68,7 @@ void PreviewPointer::moveLight(Point by, bool isNewStep) {
 
 void PreviewPointer::OnLeftUp() {
   draggedOrigin_ = nullptr;
+  splitDrag_.reset();
   leftDrag_ = false;
   windows_.releaseMouse();
   if (!editing_.pipetteActive()) return;
@@ -85,6 +100,7 @@ void PreviewPointer::OnMove(Point point) {
                  wholePixels(panStart_.y - (rightDown_.y - point.y) * scale)});
   }
   if (leftDrag_ && draggedOrigin_ != nullptr) dragOriginTo(point);
+  if (splitDrag_) view_.moveSplit(splitDrag_->column + point.x - splitDrag_->start);
   if (editing_.pipetteActive()) {
     if (const auto color = windows_.screenColor(point)) editing_.applyPipetteColor(*color);
   }

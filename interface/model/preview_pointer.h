@@ -1,6 +1,8 @@
-// Handles the mouse and the arrow keys in the preview: the left button drags the light, the right
-// button pans the picture, and the active pipette reads colours.
+// Handles the mouse and the arrow keys in the preview: the left button drags the light or the split
+// line, the right button pans the picture, and the active pipette reads colours.
 #pragma once
+
+#include <optional>
 
 #include "interface/model/parameter_editing.h"
 #include "interface/model/preview_view.h"
@@ -16,19 +18,21 @@ class PreviewPointer {
 
   void cancelDrag();
 
-  // Points are in the preview's client area. A left press in the frame moves the light there.
+  // Points are in the preview's client area. A left press in the frame moves the light there,
+  // unless it is on the split line.
   void OnLeftDown(Point point);
   void OnLeftUp();
   void OnRightDown(Point point);
   void OnRightUp();
   void OnMove(Point point);
-  // Ends a drag of the light and undoes it. False when there is none.
+  // Ends a drag of the light or the split line and undoes it. False when there is none.
   bool takeBackDrag();
   // Moves the light by screen pixels, as a step of the history or as a part of the last one.
   void moveLight(Point by, bool isNewStep);
 
  private:
   bool isInFrame(Point point) const;
+  bool isOnSplit(Point point) const;
   void dragOriginTo(Point point);
   void showPosition(Point point);
 
@@ -36,6 +40,11 @@ class PreviewPointer {
   PreviewView& view_;
   ParameterEditing& editing_;
   pfParameterPosition* draggedOrigin_ = nullptr;
+  struct SplitDrag {
+    int start;   // x of the press
+    int column;  // of the line before
+  };
+  std::optional<SplitDrag> splitDrag_;
   bool leftDrag_ = false;
   bool panActive_ = false;
   Point rightDown_;

@@ -25,6 +25,7 @@ void PreviewView::open(EditedFilter* filter, hostapi::FilterRecord* record) {
 void PreviewView::close() {
   workers_.reset();
   nRenderStartTick = 0;
+  isSplit_ = false;
   retireBitmap();
   freeBitmap(former_);
   anchor_.reset();
@@ -153,8 +154,9 @@ void PreviewView::renewBitmap() {
   const std::uint32_t size = static_cast<std::uint32_t>(bitmap_.size.height) *
                              static_cast<std::uint32_t>(bitmap_.size.width) * 3;
   bitmap_.pixels = allocatePixels(size);
-  if (bitmap_.pixels == nullptr && former_.pixels != nullptr) {
+  if (bitmap_.pixels == nullptr && (former_.pixels != nullptr || untouched_.pixels != nullptr)) {
     freeBitmap(former_);
+    dropUntouched();
     bitmap_.pixels = allocatePixels(size);
   }
   if (bitmap_.pixels == nullptr) {
@@ -175,7 +177,8 @@ std::uint8_t* PreviewView::allocatePixels(std::uint32_t size) {
 
 // A picture stays on the screen until the next one is drawn.
 void PreviewView::retireBitmap() {
-  freeBitmap(untouched_);
+  showsUntouched_ = false;
+  if (!isSplit_) freeBitmap(untouched_);
   if (std::exchange(bBitmapValid, false)) {
     freeBitmap(former_);
     former_ = std::exchange(bitmap_, {});
@@ -189,39 +192,61 @@ void PreviewView::freeBitmap(PreviewBitmap& bitmap) {
 }
 
 const PreviewBitmap* PreviewView::shownBitmap() const {
-  if (untouched_.pixels != nullptr) return &untouched_;
+  if (showsUntouched_) return &untouched_;
   if (bBitmapValid) return &bitmap_;
   return former_.pixels != nullptr ? &former_ : nullptr;
 }
 
+const PreviewBitmap* PreviewView::splitBitmap() const {
+  return isSplit_ && !showsUntouched_ && untouched_.pixels != nullptr ? &untouched_ : nullptr;
+}
+
 void PreviewView::disableHostDrawing() {
   hostDraws_ = false;
-  freeBitmap(untouched_);
+  dropUntouched();
   freeBitmap(former_);
   if (std::exchange(bBitmapValid, false)) RequestRender();
 }
 
-// The host's reduced input stays where it is until the next fetch.
 void PreviewView::showUntouched(bool show) {
-  if (show == (untouched_.pixels != nullptr) || !bBitmapValid) return;
-  if (show) {
-    hostapi::FilterRecord input = *record_;
-    input.outData = input.inData;
-    input.outRowBytes = input.inRowBytes;
-    PreviewBitmap bitmap{nullptr, bitmap_.size, bitmap_.image};
-    bitmap.pixels = allocatePixels(static_cast<std::uint32_t>(bitmap.size.height) *
-                                   static_cast<std::uint32_t>(bitmap.size.width) * 3);
-    if (bitmap.pixels == nullptr) return;
-    if (drawToPreview(input, bitmapOrder(), bitmap.size.width, bitmap.pixels)) {
-      untouched_ = bitmap;
-    } else {
-      freeBitmap(bitmap);
-    }
-  } else {
-    freeBitmap(untouched_);
-  }
-  windows_.bitmapChanged();
+  if (show == showsUntouched_ || !bBitmapValid) return;
+  if (show && untouched_.pixels == nullptr) drawUntouched();
+  showsUntouched_ = show && untouched_.pixels != nullptr;
+  if (!showsUntouched_ && !isSplit_) freeBitmap(untouched_);
   windows_.invalidateFrame();
+}
+
+void PreviewView::showSplit(bool show) {
+  isSplit_ = show;
+  if (show && bBitmapValid && untouched_.pixels == nullptr) drawUntouched();
+  if (!show && !showsUntouched_) freeBitmap(untouched_);
+  windows_.invalidateFrame();
+}
+
+void PreviewView::moveSplit(int column) {
+  geometry_.frame = windows_.frameSize();
+  geometry_.moveSplit(column);
+  windows_.invalidateFrame();
+}
+
+// Without memory the former one stays. The host's reduced input stays where it is until the next
+// fetch.
+void PreviewView::drawUntouched() {
+  hostapi::FilterRecord input = *record_;
+  input.outData = input.inData;
+  input.outRowBytes = input.inRowBytes;
+  PreviewBitmap bitmap{nullptr, bitmap_.size, bitmap_.image, ++drawings_};
+  bitmap.pixels = allocatePixels(static_cast<std::uint32_t>(bitmap.size.height) *
+                                 static_cast<std::uint32_t>(bitmap.size.width) * 3);
+  if (bitmap.pixels == nullptr) return;
+  const bool isDrawn = drawToPreview(input, bitmapOrder(), bitmap.size.width, bitmap.pixels);
+  if (isDrawn) std::swap(bitmap, untouched_);
+  freeBitmap(bitmap);
+}
+
+void PreviewView::dropUntouched() {
+  showsUntouched_ = false;
+  freeBitmap(untouched_);
 }
 
 BitmapOrder PreviewView::bitmapOrder() const {
@@ -278,9 +303,12 @@ std::int16_t PreviewView::render() {
 void PreviewView::DrawToPreview() {
   if (bitmap_.pixels == nullptr) return;
   if (!drawToPreview(*record_, bitmapOrder(), bitmap_.size.width, bitmap_.pixels)) return;
+  bitmap_.drawing = ++drawings_;
   bBitmapValid = true;
   freeBitmap(former_);
-  windows_.bitmapChanged();
+  // It is kept through drafts, which it does not need.
+  const bool isOfThisView = nDraftLevel > 0 || untouched_.image == bitmap_.image;
+  if (isSplit_ && (untouched_.pixels == nullptr || !isOfThisView)) drawUntouched();
 }
 
 }  // namespace radiashafts

@@ -19,6 +19,7 @@ struct PreviewBitmap {
   std::uint8_t* pixels = nullptr;  // allocated by the filter; null for none
   Extent size;                     // with the padding at the ends of the rows
   Extent image;                    // the pixels that hold the picture
+  unsigned drawing = 0;            // another number for every picture that was drawn
 };
 
 class PreviewView {
@@ -64,13 +65,18 @@ class PreviewView {
 
   // Shows the picture as it came until the scale changes or show is false.
   void showUntouched(bool show);
+  // Shows it left of a line in the frame, until show is false.
+  void showSplit(bool show);
+  void moveSplit(int column);
   // The last picture that was rendered, which may be that of another scale, or the untouched one;
   // null before the first.
   const PreviewBitmap* shownBitmap() const;
+  // The untouched picture left of the split line; null without that line.
+  const PreviewBitmap* splitBitmap() const;
   // Whether the host draws the bitmap, which determines the bitmap's pixel layout.
   bool hostDraws() const { return hostDraws_; }
-  // Switches to the system's layout for a host that cannot draw; frees the shown bitmap and renders
-  // it again.
+  // Switches to the system's layout for a host that cannot draw; frees the shown bitmaps and
+  // renders again.
   void disableHostDrawing();
 
  private:
@@ -82,6 +88,8 @@ class PreviewView {
   void freeBitmap(PreviewBitmap& bitmap);
   std::int16_t render();
   void DrawToPreview();
+  void drawUntouched();
+  void dropUntouched();
   BitmapOrder bitmapOrder() const;
 
   DialogWindows& windows_;
@@ -104,8 +112,11 @@ class PreviewView {
   PreviewBitmap bitmap_;                            // of the fetched image
   bool bBitmapValid = false;                        // it holds a picture
   PreviewBitmap former_;                            // shown until it does
-  PreviewBitmap untouched_;                         // shown instead of both
-  std::optional<Point> anchor_;                     // of the requested factor
+  PreviewBitmap untouched_;                         // shown instead of both, or left of the line
+  bool showsUntouched_ = false;                     // instead of both
+  bool isSplit_ = false;
+  unsigned drawings_ = 0;
+  std::optional<Point> anchor_;  // of the requested factor
   bool hostDraws_ = false;
 };
 

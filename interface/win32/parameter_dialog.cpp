@@ -198,6 +198,9 @@ void ParameterDialog::onCommand(int id, int notification) {
     case ID_ZOOM_OUT:
       if (clicked) view_.ZoomBy(1);
       return;
+    case ID_SPLIT:
+      view_.showSplit(IsDlgButtonChecked(window(), ID_SPLIT) == BST_CHECKED);
+      return;
     case ID_RESET:
       editing_.Reset();
       return;

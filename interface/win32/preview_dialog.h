@@ -36,7 +36,6 @@ class PreviewDialog final : public Dialog {
   int dotsPerInch() const { return dotsPerInch_; }  // of the last painting
   void invalidateFrame();
   void paintNow() { UpdateWindow(window()); }
-  void bitmapChanged() { painting_.invalidateBitmap(); }
   void setCaption(const std::string& text) { SetWindowTextA(window(), text.c_str()); }
   void captureMouse() { SetCapture(window()); }
   void releaseMouse();

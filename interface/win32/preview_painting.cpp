@@ -1,5 +1,6 @@
 #include "interface/win32/preview_painting.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -81,6 +82,16 @@ void drawHandle(HDC context, const PreviewGeometry& geometry, Point centre) {
   DeleteObject(SelectObject(context, previous));
 }
 
+// Black beside white, to be seen on every picture.
+void drawSplitLine(HDC context, const PreviewGeometry& geometry) {
+  const int column = geometry.splitColumn();
+  const int width = geometry.scaled(1);
+  const RECT black{column - width, 0, column, geometry.frame.height};
+  const RECT white{column, 0, column + width, geometry.frame.height};
+  FillRect(context, &black, static_cast<HBRUSH>(GetStockObject(BLACK_BRUSH)));
+  FillRect(context, &white, static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH)));
+}
+
 // Same result as StretchDIBits at scale 1, but several times faster, because some systems allocate
 // a conversion buffer there. In from, as in the bitmap, y counts from the bottom.
 void copyPixels(const Surface& buffer, const Box& to, const Box& from, const void* bits,
@@ -154,8 +165,8 @@ const Surface& PreviewPainting::bufferFor(Extent frame) {
 }
 
 void PreviewPainting::release() {
-  invalidateBitmap();
-  hostSurface_.reset();
+  shown_.surface.reset();
+  untouched_.surface.reset();
   buffer_.reset();
 }
 
@@ -168,9 +179,16 @@ void PreviewPainting::paint(HDC screen, PreviewView& view,
 
   const Box to = geometry.destination();
   SetBrushOrgEx(context, to.left - geometry.pan.x, to.top - geometry.pan.y, nullptr);
-  const PreviewBitmap* const bitmap = view.shownBitmap();
-  if (bitmap == nullptr || !paintBitmap(context, buffer, view, *bitmap)) {
-    const RECT rect = rectOf(to);
+  // A host that fails to draw one bitmap makes the view free both.
+  const int split = geometry.splitColumn();
+  const PreviewBitmap* const untouched = view.splitBitmap();
+  const bool isSplit = untouched != nullptr &&
+                       paintBitmap(context, buffer, view, *untouched, untouched_, {0, split});
+  const PreviewBitmap* const shown = view.shownBitmap();
+  const Columns columns{isSplit ? split : 0, geometry.frame.width};
+  if (shown == nullptr || !paintBitmap(context, buffer, view, *shown, shown_, columns)) {
+    const int left = std::clamp(columns.left, to.left, to.right);
+    const RECT rect{left, to.top, to.right, to.bottom};
     FillRect(context, &rect, static_cast<HBRUSH>(GetStockObject(BLACK_BRUSH)));
   }
 
@@ -180,24 +198,34 @@ void PreviewPainting::paint(HDC screen, PreviewView& view,
     FillRect(context, &rect, brush);
   }
   DeleteObject(brush);
+  if (isSplit) drawSplitLine(context, geometry);
   if (light) drawHandle(context, geometry, geometry.handle((*light)[0], (*light)[1]));
   if (buffer.isUsable()) copyToScreen(buffer, screen);
 }
 
 // Returns false if the host does not draw.
 bool PreviewPainting::paintBitmap(HDC context, const Surface& buffer, PreviewView& view,
-                                  const PreviewBitmap& bitmap) {
+                                  const PreviewBitmap& bitmap, HostDrawing& drawing,
+                                  Columns columns) {
   const Extent size = bitmap.size;
   const BITMAPINFO info = describeBitmap(bitmap);
   const Box to = view.geometry().destination();
   const Box from = view.geometry().source(bitmap.image);
-  const void* bits = view.hostDraws() ? drawnByHost(view, bitmap, info) : bitmap.pixels;
+  const void* bits = view.hostDraws() ? drawnByHost(view, bitmap, info, drawing) : bitmap.pixels;
   if (bits == nullptr) return false;
+  Box part = to;
+  part.left = std::max(to.left, columns.left);
+  part.right = std::min(to.right, columns.right);
+  if (part.left >= part.right) return true;
   if (buffer.isUsable() && isWithin(from, size) && from.width() == to.width() &&
       from.height() == to.height()) {
-    copyPixels(buffer, to, from, bits, size.width);
+    Box partFrom = from;
+    partFrom.left += part.left - to.left;
+    copyPixels(buffer, part, partFrom, bits, size.width);
     return true;
   }
+  const int state = SaveDC(context);
+  IntersectClipRect(context, part.left, part.top, part.right, part.bottom);
   SetStretchBltMode(context, COLORONCOLOR);
   const int lines =
       StretchDIBits(context, to.left, to.top, to.width(), to.height(), from.left, from.top,
@@ -206,23 +234,26 @@ bool PreviewPainting::paintBitmap(HDC context, const Surface& buffer, PreviewVie
     logLine(severityWarning, warningMarker, "StretchDIBBits failed. GetLastError(", GetLastError(),
             ")");
   }
+  RestoreDC(context, state);
   return true;
 }
 
 // Null if the host does not draw; the bitmap is freed then.
 const void* PreviewPainting::drawnByHost(PreviewView& view, const PreviewBitmap& bitmap,
-                                         const BITMAPINFO& info) {
-  if (hostSurfaceValid_ && hostSurface_) return hostSurface_->bits();
-  if (!hostSurface_ || hostSurface_->size() != bitmap.size) hostSurface_.emplace(info);
-  if (!hostSurface_->isUsable()) return nullptr;
+                                         const BITMAPINFO& info, HostDrawing& drawing) {
+  std::optional<Surface>& surface = drawing.surface;
+  if (surface && drawing.drawing == bitmap.drawing) return surface->bits();
+  drawing.drawing = 0;
+  if (!surface || surface->size() != bitmap.size) surface.emplace(info);
+  if (!surface->isUsable()) return nullptr;
 
-  if (const auto error = drawByHost(view.record(), bitmap.pixels, *hostSurface_); error != 0) {
+  if (const auto error = drawByHost(view.record(), bitmap.pixels, *surface); error != 0) {
     logLine(severityWarning, warningMarker, "displayPixels failed. Code(", error, ")");
     view.disableHostDrawing();
     return nullptr;
   }
-  hostSurfaceValid_ = true;
-  return hostSurface_->bits();
+  drawing.drawing = bitmap.drawing;
+  return surface->bits();
 }
 
 }  // namespace radiashafts

@@ -42,25 +42,34 @@ class PreviewPainting {
   PreviewPainting(const PreviewPainting&) = delete;
   PreviewPainting& operator=(const PreviewPainting&) = delete;
 
-  // Paints the picture, the margins in that colour and, unless light is empty, the handle at that
-  // normalised position.
+  // Paints the picture, the margins in that colour, the split line where there is one and, unless
+  // light is empty, the handle at that normalised position.
   void paint(HDC screen, PreviewView& view, const std::optional<std::array<double, 2>>& light,
              COLORREF margin);
-  // Called when the view shows another bitmap: the host has to draw it again.
-  void invalidateBitmap() { hostSurfaceValid_ = false; }
   // Frees the surfaces.
   void release();
 
  private:
+  // A bitmap as the host has drawn it.
+  struct HostDrawing {
+    std::optional<Surface> surface;
+    unsigned drawing = 0;  // the bitmap's number
+  };
+  // Columns of the frame.
+  struct Columns {
+    int left;
+    int right;  // exclusive
+  };
   const Surface& bufferFor(Extent frame);
   bool paintBitmap(HDC context, const Surface& buffer, PreviewView& view,
-                   const PreviewBitmap& bitmap);
-  const void* drawnByHost(PreviewView& view, const PreviewBitmap& bitmap, const BITMAPINFO& info);
+                   const PreviewBitmap& bitmap, HostDrawing& drawing, Columns columns);
+  static const void* drawnByHost(PreviewView& view, const PreviewBitmap& bitmap,
+                                 const BITMAPINFO& info, HostDrawing& drawing);
 
-  // Both are reused while the size stays the same.
+  // The surfaces are reused while their size stays the same.
   std::optional<Surface> buffer_;  // of the frame; double buffering avoids flicker
-  std::optional<Surface> hostSurface_;
-  bool hostSurfaceValid_ = false;
+  HostDrawing shown_;
+  HostDrawing untouched_;  // left of the split line
 };
 
 }  // namespace radiashafts

@@ -36,7 +36,6 @@ class pfPreviewWin32 final : public pfPreview,
   int dotsPerInch() const override { return preview_.dotsPerInch(); }
   void invalidateFrame() override { preview_.invalidateFrame(); }
   void paintNow() override { preview_.paintNow(); }
-  void bitmapChanged() override { preview_.bitmapChanged(); }
   void setPercentage(const std::string& text) override { parameters_.setPercentage(text); }
   void setCaption(const std::string& text) override { preview_.setCaption(text); }
   void enableHistory(bool undo, bool redo) override { parameters_.enableHistory(undo, redo); }

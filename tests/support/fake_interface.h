@@ -58,7 +58,6 @@ struct FakeWindows final : DialogWindows {
   void paintNow() override {
     if (paint) paint();
   }
-  void bitmapChanged() override {}
   void setPercentage(const std::string& text) override { percentage = text; }
   void setCaption(const std::string& text) override { caption = text; }
   void enableHistory(bool undo, bool redo) override {

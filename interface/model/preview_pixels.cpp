@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <type_traits>
 
 #include "diagnostics/debug_log.h"
 #include "hostapi/constants.h"
@@ -44,6 +43,16 @@ double color(float sample) {
   return std::min(sample * 255.0, 255.0);
 }
 
+bool isLargest(std::uint8_t sample) {
+  return sample == 255;
+}
+bool isLargest(std::uint16_t sample) {
+  return sample >= 32768;
+}
+bool isLargest(float sample) {
+  return sample >= 1.0F;
+}
+
 // An alpha sample on the scale of 0 to 1.
 double alpha(std::uint8_t sample) {
   return sample * 0.003921569;
@@ -71,9 +80,11 @@ class Checkerboard {
         width_(width),
         height_(height) {}
 
-  double at(int x, int y) const {
+  int cellOfRow(int y) const {
+    return static_cast<int>(static_cast<double>(y) * imageHeight_ / height_) / 16;
+  }
+  double at(int x, int cellY) const {
     const int cellX = static_cast<int>(static_cast<double>(x) * imageWidth_ / width_) / 16;
-    const int cellY = static_cast<int>(static_cast<double>(y) * imageHeight_ / height_) / 16;
     return (cellX & 1) + (cellY & 1) == 1 ? 255.0 : 208.0;
   }
 
@@ -89,9 +100,13 @@ std::array<int, 3> planesInOrder(int colors, BitmapOrder order) {
   return order == BitmapOrder::forHost ? std::array{0, 1, 2} : std::array{2, 1, 0};
 }
 
-template <class Sample>
-std::uint8_t opaqueByte(Sample sample) {
-  if constexpr (std::is_same_v<Sample, std::uint8_t>) return sample;
+std::uint8_t opaqueByte(std::uint8_t sample) {
+  return sample;
+}
+std::uint8_t opaqueByte(std::uint16_t sample) {
+  return static_cast<std::uint8_t>(std::min(static_cast<int>(color(sample)), 255));
+}
+std::uint8_t opaqueByte(float sample) {
   return toByte(color(sample));
 }
 
@@ -100,60 +115,96 @@ std::uint8_t blendedByte(double background, double opacity, Sample sample) {
   return toByte((color(sample) - background) * opacity + background);
 }
 
+// Opaque pixels with a byte of 255, which only the largest samples become.
+int clippedPixels(const std::uint8_t* row, int width) {
+  constexpr int pixels = 16;
+  constexpr int bytes = 3 * pixels;  // what three vectors hold
+  constexpr int mostBlocks = 255;    // a sum of these fits in a byte
+  const auto largest = [](std::uint8_t byte) { return isLargest(byte); };
+  int clipped = 0;
+  int x = 0;
+  // Every third sum is of pixels. The others cost nothing: the compiler adds whole vectors.
+  while (x + pixels < width) {
+    const int blocks = std::min((width - 1 - x) / pixels, mostBlocks);
+    std::array<std::uint8_t, bytes> sums{};
+    for (int block = 0; block < blocks; ++block, row += bytes) {
+      for (std::size_t i = 0; i < bytes; ++i) {
+        sums[i] +=
+            static_cast<std::uint8_t>(largest(row[i]) | largest(row[i + 1]) | largest(row[i + 2]));
+      }
+    }
+    for (std::size_t i = 0; i < bytes; i += 3) clipped += sums[i];
+    x += blocks * pixels;
+  }
+  for (; x < width; ++x, row += 3) clipped += std::any_of(row, row + 3, largest) ? 1 : 0;
+  return clipped;
+}
+
 template <class Sample>
-void drawPixels(const hostapi::FilterRecord& record, const Layout& layout, BitmapOrder order,
-                int bitmapWidth, std::uint8_t* bitmap) {
+DrawnPixels drawPixels(const hostapi::FilterRecord& record, const Layout& layout, BitmapOrder order,
+                       int bitmapWidth, std::uint8_t* bitmap) {
   const int width = record.outRect.right - record.outRect.left;
   const int height = record.outRect.bottom - record.outRect.top;
   const Checkerboard checkerboard(record, width, height);
   const std::array<int, 3> planes = planesInOrder(layout.colors, order);
   const auto bitmapStride = static_cast<std::ptrdiff_t>(bitmapWidth) * 3;
+  DrawnPixels drawn;
   for (int y = 0; y < height; ++y) {
     const auto* pixel = reinterpret_cast<const StoredSample<Sample>*>(
         static_cast<const std::uint8_t*>(record.outData) +
         static_cast<std::ptrdiff_t>(y) * record.outRowBytes);
-    std::uint8_t* out =
+    const int cellY = checkerboard.cellOfRow(y);
+    std::uint8_t* const row =
         bitmap + (order == BitmapOrder::forHost ? y : height - 1 - y) * bitmapStride;
+    std::uint8_t* out = row;
     for (int x = 0; x < width; ++x, pixel += record.planes) {
       const auto sampleOf = [&](int plane) { return plane < 0 ? Sample{} : pixel[plane]; };
       if (layout.hasAlpha) {
         const double opacity = alpha(pixel[layout.alphaPlane]);
-        const double background = checkerboard.at(x, y);
-        for (const int plane : planes) *out++ = blendedByte(background, opacity, sampleOf(plane));
+        const double background = checkerboard.at(x, cellY);
+        bool isClipped = false;
+        for (const int plane : planes) {
+          isClipped |= isLargest(sampleOf(plane));
+          *out++ = blendedByte(background, opacity, sampleOf(plane));
+        }
+        drawn.visible += opacity > 0.0 ? 1 : 0;
+        drawn.clipped += opacity > 0.0 && isClipped ? 1 : 0;
       } else {
         for (const int plane : planes) *out++ = opaqueByte(sampleOf(plane));
       }
     }
+    if (!layout.hasAlpha) {
+      drawn.visible += std::max(width, 0);
+      drawn.clipped += clippedPixels(row, width);
+    }
   }
+  return drawn;
 }
 
 }  // namespace
 
-bool drawToPreview(const hostapi::FilterRecord& record, BitmapOrder order, int bitmapWidth,
-                   std::uint8_t* bitmap) {
+std::optional<DrawnPixels> drawToPreview(const hostapi::FilterRecord& record, BitmapOrder order,
+                                         int bitmapWidth, std::uint8_t* bitmap) {
   trace("pfPreviewWin32::DrawToPreview()");
   if (hostapi::largestColorCount(record.imageMode) == 0) {
     logLine(severityError, errorMarker, "Invalid imageMode");
-    return false;
+    return std::nullopt;
   }
   const Layout layout = layoutOf(record);
-  if (record.outData == nullptr || layout.colors <= 0) return false;
+  if (record.outData == nullptr || layout.colors <= 0) return std::nullopt;
   const hostapi::Rect& rect = record.outRect;
-  if (rect.right - rect.left > hostapi::maximumSide) return false;
-  if (rect.bottom - rect.top > hostapi::maximumSide) return false;
+  if (rect.right - rect.left > hostapi::maximumSide) return std::nullopt;
+  if (rect.bottom - rect.top > hostapi::maximumSide) return std::nullopt;
   switch (record.depth) {
     case 32:
-      drawPixels<float>(record, layout, order, bitmapWidth, bitmap);
-      return true;
+      return drawPixels<float>(record, layout, order, bitmapWidth, bitmap);
     case 16:
-      drawPixels<std::uint16_t>(record, layout, order, bitmapWidth, bitmap);
-      return true;
+      return drawPixels<std::uint16_t>(record, layout, order, bitmapWidth, bitmap);
     case 8:
     case 0:
-      drawPixels<std::uint8_t>(record, layout, order, bitmapWidth, bitmap);
-      return true;
+      return drawPixels<std::uint8_t>(record, layout, order, bitmapWidth, bitmap);
     default:
-      return false;
+      return std::nullopt;
   }
 }
 

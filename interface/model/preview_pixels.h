@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 
 #include "hostapi/filter_record.h"
 
@@ -17,10 +18,16 @@ constexpr int bitmapWidthFor(int width) {
   return (width / 32 + 1) * 32;
 }
 
+// How many pixels were converted.
+struct DrawnPixels {
+  int visible = 0;  // not fully transparent
+  int clipped = 0;  // of these: a colour channel has its largest value
+};
+
 // Converts the record's output to rows of bitmapWidth 3-byte pixels. Transparent areas show a
-// checkerboard. False, with nothing written, when the record's mode, depth or size is not
+// checkerboard. Empty, with nothing written, when the record's mode, depth or size is not
 // supported.
-bool drawToPreview(const hostapi::FilterRecord& record, BitmapOrder order, int bitmapWidth,
-                   std::uint8_t* bitmap);
+std::optional<DrawnPixels> drawToPreview(const hostapi::FilterRecord& record, BitmapOrder order,
+                                         int bitmapWidth, std::uint8_t* bitmap);
 
 }  // namespace radiashafts

@@ -112,8 +112,8 @@ void PreviewPointer::showPosition(Point point) {
   const Extent image = view_.renderedSize();
   const int step = view_.imagePixelsPerStep();
   const auto tenths = [](double value) { return wholePixels(value * 10.0) * 0.1; };
-  windows_.setCaption("Preview:  x: " + numberText(tenths(x * image.width * step)) +
-                      " y: " + numberText(tenths(y * image.height * step)));
+  view_.showPosition("Preview:  x: " + numberText(tenths(x * image.width * step)) +
+                     " y: " + numberText(tenths(y * image.height * step)));
 }
 
 }  // namespace radiashafts

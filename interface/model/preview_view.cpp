@@ -8,6 +8,7 @@
 #include "hostapi/constants.h"
 #include "interface/model/live_preview.h"
 #include "interface/model/preview_pixels.h"
+#include "parameters/number_text.h"
 #include "platform/tick.h"
 
 namespace radiashafts {
@@ -18,6 +19,9 @@ void PreviewView::open(EditedFilter* filter, hostapi::FilterRecord* record) {
   nAppliedFactor = -1;
   nDraftLevel = 0;
   geometry_ = {};
+  position_ = "Preview";
+  clipped_.clear();
+  caption_.clear();
   fullQualityView_.reset();
   hostDraws_ = record->displayPixels != nullptr;
 }
@@ -56,6 +60,26 @@ const PreviewGeometry& PreviewView::geometry() {
   geometry_.frame = windows_.frameSize();
   geometry_.dotsPerInch = windows_.dotsPerInch();
   return geometry_;
+}
+
+void PreviewView::showPosition(const std::string& position) {
+  position_ = position;
+  showCaption();
+}
+
+// Rounded to a tenth of a percent, but any clipped pixel counts.
+void PreviewView::showClipped(const DrawnPixels& drawn) {
+  const double share = static_cast<double>(drawn.clipped) / std::max(drawn.visible, 1);
+  const int tenths = std::max(wholePixels(share * 1000.0 + 0.5), drawn.clipped > 0 ? 1 : 0);
+  clipped_ = "   clipped: " + numberText(tenths * 0.1) + '%';
+  showCaption();
+}
+
+void PreviewView::showCaption() {
+  const std::string caption = position_ + clipped_;
+  if (caption == caption_) return;
+  caption_ = caption;
+  windows_.setCaption(caption);
 }
 
 void PreviewView::panTo(Point pan) {
@@ -239,8 +263,8 @@ void PreviewView::drawUntouched() {
   bitmap.pixels = allocatePixels(static_cast<std::uint32_t>(bitmap.size.height) *
                                  static_cast<std::uint32_t>(bitmap.size.width) * 3);
   if (bitmap.pixels == nullptr) return;
-  const bool isDrawn = drawToPreview(input, bitmapOrder(), bitmap.size.width, bitmap.pixels);
-  if (isDrawn) std::swap(bitmap, untouched_);
+  if (drawToPreview(input, bitmapOrder(), bitmap.size.width, bitmap.pixels))
+    std::swap(bitmap, untouched_);
   freeBitmap(bitmap);
 }
 
@@ -302,9 +326,11 @@ std::int16_t PreviewView::render() {
 
 void PreviewView::DrawToPreview() {
   if (bitmap_.pixels == nullptr) return;
-  if (!drawToPreview(*record_, bitmapOrder(), bitmap_.size.width, bitmap_.pixels)) return;
+  const auto drawn = drawToPreview(*record_, bitmapOrder(), bitmap_.size.width, bitmap_.pixels);
+  if (!drawn) return;
   bitmap_.drawing = ++drawings_;
   bBitmapValid = true;
+  showClipped(*drawn);
   freeBitmap(former_);
   // It is kept through drafts, which it does not need.
   const bool isOfThisView = nDraftLevel > 0 || untouched_.image == bitmap_.image;

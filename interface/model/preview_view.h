@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
 
 #include "hostapi/filter_record.h"
 #include "interface/model/dialog_windows.h"
@@ -58,6 +59,9 @@ class PreviewView {
   Extent renderedSize() const;
   int imagePixelsPerStep() const { return ViewScale{nFactor, nDraftLevel}.imagePixelsPerStep(); }
 
+  // The caption tells this position, and the share of clipped pixels of the last render.
+  void showPosition(const std::string& position);
+
   // With the current size of the frame and resolution of the screen.
   const PreviewGeometry& geometry();
   void panTo(Point pan);
@@ -88,6 +92,8 @@ class PreviewView {
   void freeBitmap(PreviewBitmap& bitmap);
   std::int16_t render();
   void DrawToPreview();
+  void showClipped(const DrawnPixels& drawn);
+  void showCaption();
   void drawUntouched();
   void dropUntouched();
   BitmapOrder bitmapOrder() const;
@@ -116,6 +122,9 @@ class PreviewView {
   bool showsUntouched_ = false;                     // instead of both
   bool isSplit_ = false;
   unsigned drawings_ = 0;
+  std::string position_;  // in the caption
+  std::string clipped_;
+  std::string caption_;
   std::optional<Point> anchor_;  // of the requested factor
   bool hostDraws_ = false;
 };

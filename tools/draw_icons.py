@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
-"""Draws the dialogs' icon and the pipette cursor.
+"""Draws the dialogs' icon and the cursors.
 
-Usage: draw_icons.py FOLDER     (writes radiashafts.ico and pipette.cur)
+Usage: draw_icons.py FOLDER     (writes radiashafts.ico, pipette.cur, open_hand.cur and
+                                 closed_hand.cur)
 """
 
 import math
@@ -62,6 +63,40 @@ def pipette(x, y):
     return None
 
 
+def hand(fingers, thumb, palm_top):
+    """A cursor: a hand in white with a black outline. Fingers are (x, top), the thumb is two points;
+    coordinates 0 to 32."""
+    left, right, bottom, corner = 8.0, 23.0, 26.0, 4.0
+
+    def line(x, y, a, b):
+        dx, dy = b[0] - a[0], b[1] - a[1]
+        along = ((x - a[0]) * dx + (y - a[1]) * dy) / (dx * dx + dy * dy)
+        along = min(max(along, 0.0), 1.0)
+        return math.hypot(x - a[0] - along * dx, y - a[1] - along * dy)
+
+    def palm(x, y):
+        cx = min(max(x, left + corner), right - corner)
+        cy = min(max(y, palm_top + corner), bottom - corner)
+        return math.hypot(x - cx, y - cy) - corner
+
+    def paint(unit_x, unit_y):
+        x, y = unit_x * 32, unit_y * 32
+        limbs = [line(x, y, (fx, top), (fx, 19)) - 1.5 for fx, top in fingers]
+        limbs.append(line(x, y, *thumb) - 1.5)
+        if min(limbs) < 0 or palm(x, y) < 0:
+            return (1.0, 1.0, 1.0, 1.0)
+        if min(limbs) < 1.0 or palm(x, y) < 1.0:
+            return (0.0, 0.0, 0.0, 1.0)
+        return None
+
+    return paint
+
+
+OPEN_HAND = hand([(9.5, 9.5), (13.5, 6.5), (17.5, 6.5), (21.5, 9.5)], ((4.5, 16.0), (10.0, 21.5)), 16.0)
+CLOSED_HAND = hand([(9.5, 13.5), (13.5, 12.5), (17.5, 12.5), (21.5, 13.5)],
+                   ((6.5, 17.5), (9.5, 20.5)), 16.0)
+
+
 def raster(paint, size):
     """Rows from the top of (red, green, blue, alpha) bytes."""
     rows = []
@@ -118,6 +153,8 @@ def main():
           [(s, 1, 32, device_independent_bitmap(raster(rays, s))) for s in (16, 20, 24, 32, 48)])
     write(folder + "/pipette.cur", 2,
           [(s, 0, s - 1, device_independent_bitmap(raster(pipette, s))) for s in (32,)])
+    for name, paint in (("open_hand", OPEN_HAND), ("closed_hand", CLOSED_HAND)):
+        write(f"{folder}/{name}.cur", 2, [(32, 16, 17, device_independent_bitmap(raster(paint, 32)))])
 
 
 if __name__ == "__main__":

@@ -107,6 +107,12 @@ bool PreviewGeometry::isOnSplit(Point point) const {
   return std::abs(point.x - splitColumn()) <= scaled(4);
 }
 
+bool PreviewGeometry::isOnHandle(Point point, std::array<double, 2> light) const {
+  const Point centre = handle(light[0], light[1]);
+  return std::max(std::abs(point.x - centre.x), std::abs(point.y - centre.y)) <=
+         scaled(handleOuterHalfSize);
+}
+
 int PreviewGeometry::scaled(int pixels) const {
   constexpr int usual = 96;
   return std::max((pixels * dotsPerInch + usual / 2) / usual, 1);

@@ -59,6 +59,7 @@ struct PreviewGeometry {
   int splitColumn() const;
   void moveSplit(int column);
   bool isOnSplit(Point point) const;  // or within a few pixels of the line
+  bool isOnHandle(Point point, std::array<double, 2> light) const;
   // Screen pixels for a length in pixels at 96 dots per inch; at least 1.
   int scaled(int pixels) const;
   // The normalised position at a point of the client area; in the margins it is outside 0 to 1. An

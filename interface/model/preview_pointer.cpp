@@ -20,6 +20,15 @@ bool PreviewPointer::isOnSplit(Point point) const {
   return view_.splitBitmap() != nullptr && view_.geometry().isOnSplit(point);
 }
 
+PreviewCursor PreviewPointer::cursorAt(Point point, bool showsHandle) const {
+  if (editing_.pipetteActive()) return PreviewCursor::pipette;
+  if (panActive_ || draggedOrigin_ != nullptr) return PreviewCursor::closedHand;
+  if (splitDrag_ || isOnSplit(point)) return PreviewCursor::splitLine;
+  const pfParameterPosition* const origin = showsHandle ? editing_.FindOriginParameter() : nullptr;
+  const bool isOnHandle = origin != nullptr && view_.geometry().isOnHandle(point, origin->value());
+  return isOnHandle ? PreviewCursor::openHand : PreviewCursor::cross;
+}
+
 void PreviewPointer::OnLeftDown(Point point) {
   if (!view_.isOpen() || !isInFrame(point)) return;
   leftDrag_ = true;

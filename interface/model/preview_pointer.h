@@ -9,6 +9,9 @@
 
 namespace radiashafts {
 
+// What a press of the left button will do, or what a drag does.
+enum class PreviewCursor { cross, openHand, closedHand, splitLine, pipette };
+
 class PreviewPointer {
  public:
   PreviewPointer(DialogWindows& windows, PreviewView& view, ParameterEditing& editing)
@@ -17,6 +20,7 @@ class PreviewPointer {
   PreviewPointer& operator=(const PreviewPointer&) = delete;
 
   void cancelDrag();
+  PreviewCursor cursorAt(Point point, bool showsHandle) const;
 
   // Points are in the preview's client area. A left press in the frame moves the light there,
   // unless it is on the split line.

@@ -1,25 +1,21 @@
 // The pipette cursor, shown while the user picks a colour from the picture.
 #pragma once
 
-#include <windows.h>
+#include "interface/win32/dialog_ids.h"
+#include "interface/win32/module_cursor.h"
 
 namespace radiashafts {
 
 class PipetteCursor {
  public:
-  PipetteCursor() = default;
-  ~PipetteCursor() { release(); }
-  PipetteCursor(const PipetteCursor&) = delete;
-  PipetteCursor& operator=(const PipetteCursor&) = delete;
-
-  void load();
-  void release();
+  void load() { cursor_.load(); }
+  void release() { cursor_.release(); }
   void use(bool pipette);
   // For WM_SETCURSOR: sets the pipette cursor; false when it is not in use.
   bool set() const;
 
  private:
-  HCURSOR cursor_ = nullptr;
+  ModuleCursor cursor_{ID_PIPETTE_CURSOR};
   bool used_ = false;
 };
 

@@ -38,22 +38,27 @@ INT_PTR PreviewDialog::onMessage(UINT message, WPARAM w, LPARAM l) {
       PaintPreview();
       return TRUE;
     case WM_SETCURSOR:
-      if (LOWORD(l) != HTCLIENT || !pipette_.set()) return FALSE;
+      if (LOWORD(l) != HTCLIENT || !view_.isOpen()) return FALSE;
+      setCursor();
       setResult(TRUE);
       return TRUE;
     case WM_LBUTTONDOWN:
     case WM_LBUTTONDBLCLK:
       pointer_.OnLeftDown({LOWORD(l), HIWORD(l)});
+      setCursor();
       return TRUE;
     case WM_LBUTTONUP:
       pointer_.OnLeftUp();
+      setCursor();
       return TRUE;
     case WM_RBUTTONDOWN:
     case WM_RBUTTONDBLCLK:
       pointer_.OnRightDown(point);
+      setCursor();
       return TRUE;
     case WM_RBUTTONUP:
       pointer_.OnRightUp();
+      setCursor();
       return TRUE;
     case WM_MOUSEMOVE:
       pointer_.OnMove(point);
@@ -162,6 +167,44 @@ void PreviewDialog::onWheel(int delta, POINT point) {
   wheel_ -= notches * WHEEL_DELTA;
   ScreenToClient(window(), &point);
   if (notches != 0) view_.ZoomTo(view_.requestedFactor() - notches, Point{point.x, point.y});
+}
+
+// The one at the place of the message that is handled.
+void PreviewDialog::setCursor() {
+  const DWORD position = GetMessagePos();
+  POINT point{GET_X_LPARAM(position), GET_Y_LPARAM(position)};
+  ScreenToClient(window(), &point);
+  const auto set = [](HCURSOR cursor, LPCSTR otherwise) {
+    SetCursor(cursor != nullptr ? cursor : LoadCursorA(nullptr, otherwise));
+  };
+  switch (pointer_.cursorAt({point.x, point.y}, bShowHandle)) {
+    case PreviewCursor::pipette:
+      if (!pipette_.set()) set(nullptr, IDC_CROSS);
+      break;
+    case PreviewCursor::openHand:
+      set(openHand_.get(), IDC_HAND);
+      break;
+    case PreviewCursor::closedHand:
+      set(closedHand_.get(), IDC_SIZEALL);
+      break;
+    case PreviewCursor::splitLine:
+      set(nullptr, IDC_SIZEWE);
+      break;
+    case PreviewCursor::cross:
+      set(nullptr, IDC_CROSS);
+      break;
+  }
+}
+
+void PreviewDialog::loadCursors() {
+  openHand_.load();
+  closedHand_.load();
+}
+
+void PreviewDialog::release() {
+  painting_.release();
+  openHand_.release();
+  closedHand_.release();
 }
 
 void PreviewDialog::PaintPreview() {

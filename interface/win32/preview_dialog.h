@@ -12,6 +12,8 @@
 #include "interface/model/preview_pointer.h"
 #include "interface/model/preview_view.h"
 #include "interface/win32/dialog.h"
+#include "interface/win32/dialog_ids.h"
+#include "interface/win32/module_cursor.h"
 #include "interface/win32/pipette_cursor.h"
 #include "interface/win32/preview_painting.h"
 
@@ -27,7 +29,8 @@ class PreviewDialog final : public Dialog {
   void forwardKeysTo(HWND dialog) { keyTarget_ = dialog; }
   // Removes the owner. Destroying a window waits for its owner's thread, which may not respond.
   void detachOwner();
-  void release() { painting_.release(); }
+  void loadCursors();
+  void release();
 
   bool showsHandle() const { return bShowHandle; }
   void showHandle(bool show);
@@ -50,6 +53,7 @@ class PreviewDialog final : public Dialog {
   void onKey(WPARAM key, bool isFirst);
   void onCharacter(WPARAM character);
   void onWheel(int delta, POINT point);
+  void setCursor();
   void PaintPreview();
 
   PreviewView& view_;
@@ -57,6 +61,8 @@ class PreviewDialog final : public Dialog {
   PreviewPointer& pointer_;
   const PipetteCursor& pipette_;
   PreviewPainting painting_;
+  ModuleCursor openHand_{ID_OPEN_HAND_CURSOR};
+  ModuleCursor closedHand_{ID_CLOSED_HAND_CURSOR};
   HWND keyTarget_ = nullptr;
   bool bShowHandle = true;
   int dotsPerInch_ = USER_DEFAULT_SCREEN_DPI;

@@ -70,6 +70,7 @@ bool pfPreviewWin32::openDialogs(WidgetList* widgets) {
   preview_.forwardKeysTo(parameters_.window());
   platform::setMessageFilter(this);
   pipette_.load();
+  preview_.loadCursors();
   platform::setDefaultFloatingPoint();
   view_.FitScaleToFrame();
   editing_.open(widgets, &parameters_.controls());

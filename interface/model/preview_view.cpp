@@ -18,6 +18,7 @@ void PreviewView::open(EditedFilter* filter, hostapi::FilterRecord* record) {
   record_ = record;
   nAppliedFactor = -1;
   nDraftLevel = 0;
+  fits_ = false;
   geometry_ = {};
   position_ = "Preview";
   clipped_.clear();
@@ -96,11 +97,17 @@ void PreviewView::limitPan() {
 
 void PreviewView::FitScaleToFrame() {
   nRequestedFactor = fittingFactor(imageSize(), windows_.frameSize());
+  fits_ = true;
   AssignScaleFactor(nRequestedFactor);
 }
 
 void PreviewView::ZoomToFit() {
   ZoomTo(fittingFactor(imageSize(), windows_.frameSize()));
+  fits_ = true;
+}
+
+bool PreviewView::isFitted() const {
+  return fits_ && nRequestedFactor == fittingFactor(imageSize(), windows_.frameSize());
 }
 
 void PreviewView::ZoomBy(std::int32_t steps) {
@@ -109,6 +116,7 @@ void PreviewView::ZoomBy(std::int32_t steps) {
 
 void PreviewView::ZoomTo(std::int32_t factor, std::optional<Point> anchor) {
   nRequestedFactor = factor;
+  fits_ = false;
   anchor_.reset();
   if (nRequestedFactor == nFactor) return;
   anchor_ = anchor;

@@ -45,6 +45,8 @@ class PreviewView {
   void ZoomBy(std::int32_t steps);  // 1 is coarser
   void ZoomTo(std::int32_t factor, std::optional<Point> anchor = {});
   void ZoomToFit();
+  // Whether the scale is that of FitScaleToFrame or ZoomToFit, and right for the frame's size.
+  bool isFitted() const;
 
   bool needsRender() const;
   // Renders until the picture has full quality or a render fails. A render that a change has
@@ -105,6 +107,7 @@ class PreviewView {
   std::int32_t nRequestedFactor = 1;
   std::int32_t nDraftLevel = 0;
   std::int32_t nAppliedFactor = -1;  // reduction of the fetched image; -1 when there is none
+  bool fits_ = false;                // the requested factor was not chosen by the user
   bool zoomOnlyPending_ = false;     // the pending render was requested by zooming only
   PreviewGeometry geometry_;
   // The last view at full quality. Drafts are derived from it and return to it, so that rounding

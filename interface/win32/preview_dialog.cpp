@@ -1,6 +1,7 @@
 #include "interface/win32/preview_dialog.h"
 
 #include <algorithm>
+#include <utility>
 
 #include <windowsx.h>
 
@@ -29,7 +30,14 @@ INT_PTR PreviewDialog::onMessage(UINT message, WPARAM w, LPARAM l) {
       interfaceEnd().request(false);
       return TRUE;
     case WM_SIZE:
-      if (w != SIZE_MINIMIZED) onSize();
+      if (w != SIZE_MINIMIZED) onResized(w == SIZE_MAXIMIZED);
+      return TRUE;
+    case WM_ENTERSIZEMOVE:
+      fittedBefore_.reset();
+      if (view_.isOpen() && view_.isFitted()) fittedBefore_ = frameSize();
+      return TRUE;
+    case WM_EXITSIZEMOVE:
+      onSizingEnd();
       return TRUE;
     case WM_ERASEBKGND:  // not needed: WM_PAINT covers the whole client area
       setResult(TRUE);
@@ -92,6 +100,8 @@ INT_PTR PreviewDialog::onMessage(UINT message, WPARAM w, LPARAM l) {
 }
 
 void PreviewDialog::onOpen() {
+  isMaximized_ = false;
+  fittedBefore_.reset();
   ReadDebugSwitches();
   const PreviewPlacement placement = ReadPreviewPlacement(screenMetrics());
   // Position first, then size: moving to a monitor with another scaling makes the system resize.
@@ -110,6 +120,19 @@ void PreviewDialog::onDestroy() {
         {box.left, box.top, box.width(), box.height(), static_cast<std::int32_t>(place->state)});
   }
   onWindowDestroyed();
+}
+
+// A picture that fits the frame is fitted again when the user maximizes the window or restores it.
+void PreviewDialog::onResized(bool isMaximized) {
+  const bool isSwitch = std::exchange(isMaximized_, isMaximized) != isMaximized;
+  const bool isFitted = isSwitch && view_.isOpen() && view_.isFitted();
+  onSize();
+  if (isFitted) view_.ZoomToFit();
+}
+
+void PreviewDialog::onSizingEnd() {
+  const std::optional<Extent> before = std::exchange(fittedBefore_, std::nullopt);
+  if (before && view_.isOpen() && frameSize() != *before) view_.ZoomToFit();
 }
 
 // The frame fills the client area.

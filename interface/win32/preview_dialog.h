@@ -49,7 +49,9 @@ class PreviewDialog final : public Dialog {
   INT_PTR onMessage(UINT message, WPARAM w, LPARAM l) override;
   void onOpen();
   void onDestroy();
+  void onResized(bool isMaximized);
   void onSize();
+  void onSizingEnd();
   void onKey(WPARAM key, bool isFirst);
   void onCharacter(WPARAM character);
   void onWheel(int delta, POINT point);
@@ -66,7 +68,10 @@ class PreviewDialog final : public Dialog {
   HWND keyTarget_ = nullptr;
   bool bShowHandle = true;
   int dotsPerInch_ = USER_DEFAULT_SCREEN_DPI;
-  int wheel_ = 0;                // turned by less than a notch
+  int wheel_ = 0;  // turned by less than a notch
+  bool isMaximized_ = false;
+  // While the user moves or resizes the window: the frame's size before, where the picture fits it.
+  std::optional<Extent> fittedBefore_;
   bool releasingMouse_ = false;  // set during our own ReleaseCapture
 };
 

@@ -38,6 +38,9 @@ INT_PTR ParameterDialog::onMessage(UINT message, WPARAM w, LPARAM l) {
     case WM_CTLCOLOREDIT:
     case WM_CTLCOLORLISTBOX:
       return colors().colorEdit(reinterpret_cast<HDC>(w));
+    case WM_ACTIVATE:
+      if (LOWORD(w) == WA_INACTIVE) preview_.onDeactivated(reinterpret_cast<HWND>(l));
+      return FALSE;  // the system keeps the focus
     case WM_SETCURSOR:
       if (!pipette_.set()) return FALSE;
       setResult(TRUE);

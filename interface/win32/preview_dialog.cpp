@@ -77,7 +77,11 @@ INT_PTR PreviewDialog::onMessage(UINT message, WPARAM w, LPARAM l) {
     // The focus stays at the dialog itself, or its only child, which is hidden, would get and keep
     // it.
     case WM_ACTIVATE:
-      if (LOWORD(w) != WA_INACTIVE) SetFocus(window());
+      if (LOWORD(w) != WA_INACTIVE) {
+        SetFocus(window());
+      } else {
+        onDeactivated(reinterpret_cast<HWND>(l));
+      }
       return TRUE;
     case WM_SETFOCUS:
       return TRUE;
@@ -238,6 +242,10 @@ void PreviewDialog::PaintPreview() {
   const pfParameterPosition* origin = editing_.FindOriginParameter();
   if (bShowHandle && origin != nullptr) light = origin->value();
   painting_.paint(context.get(), view_, light, colors().margin());
+}
+
+void PreviewDialog::onDeactivated(HWND next) {
+  if (view_.isOpen() && next != window() && next != keyTarget_) view_.showUntouched(false);
 }
 
 void PreviewDialog::showHandle(bool show) {

@@ -34,6 +34,8 @@ class PreviewDialog final : public Dialog {
 
   bool showsHandle() const { return bShowHandle; }
   void showHandle(bool show);
+  // Lets go of the untouched picture when another window becomes active than the two dialogs.
+  void onDeactivated(HWND next);
 
   Extent frameSize() const;
   int dotsPerInch() const { return dotsPerInch_; }  // of the last painting

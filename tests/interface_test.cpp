@@ -11,6 +11,7 @@
 #include "frame/pf_filter_radiashafts.h"
 #include "interface/model/host_drawing.h"
 #include "interface/model/preview_pixels.h"
+#include "interface/model/preview_pointer.h"
 #include "interface/model/preview_view.h"
 #include "interface/model/window_layout.h"
 #include "platform/tick.h"
@@ -126,14 +127,16 @@ TEST(PreviewPixels, AreThePicturesOverACheckerboard) {
     int depth;
     std::vector<double> samples;
     std::vector<int> bytes;  // none where nothing is drawn
+    int clipped = 0;
   } cases[] = {
       {10, 1, 1, 0, 2, 8, {0.6, 0.2, 0.6, 0.8}, {197, 197, 197, 173, 173, 173}},
       {17, 3, 0, 0, 4, 16, {0.4, 0, 0, 0, 0.6}, {101, 101, 101, 153, 153, 153}},
-      {3, 3, 1, 0, 4, 8, {0.2, 0.4, 0.6, 0.0, 0.2, 0.4, 0.6, 0}, {208, 208, 208, 255, 255, 255}},
-      {3, 3, 1, 0, 4, 32, {0.2, 0.4, 1.6, 0.5, -9, 0.4, 0.6}, {129, 155, 231, 0, 102, 153}},
-      {16, 3, 1, 0, 3, 32, {0.2, 0.4, 1.6, NAN, 0.4, 0.6}, {51, 102, 255, 0, 102, 153}},  // no room
-      {16, 0, 0, 4, 5, 8, {0.2, 0.4, 0.6, 0, 0, 0.8}, {51, 102, 153, 204, 255, 255}},
-      {7, 2, 0, 0, 2, 16, {0.2, 0.4}, {102, 51, 0, 255, 255, 0}},
+      {3, 3, 1, 0, 4, 8, {0.2, 0.4, 0.6, 0.0, 0.2, 0.4, 1, 0}, {208, 208, 208, 255, 255, 255}},
+      {3, 3, 1, 0, 4, 32, {0.2, 0.4, 1.6, 0.5, -9, 0.4, 0.6}, {129, 155, 231, 0, 102, 153}, 1},
+      // no room for the mask
+      {16, 3, 1, 0, 3, 32, {0.2, 0.4, 1.6, NAN, 0.4, 0.6}, {51, 102, 255, 0, 102, 153}, 1},
+      {16, 0, 0, 4, 5, 8, {0.2, 0.4, 0.6, 0, 0, 0.8}, {51, 102, 153, 204, 255, 255}, 1},
+      {7, 2, 0, 0, 2, 16, {0.2, 0.4}, {102, 51, 0, 255, 255, 0}, 1},
       {18, 3, 1, 0, 4, 8, {}, {}}};
   for (const auto& c : cases) {
     SCOPED_TRACE(testing::Message()
@@ -159,14 +162,32 @@ TEST(PreviewPixels, AreThePicturesOverACheckerboard) {
     r.outData = row.data();
     const int width = bitmapWidthFor(2);
     std::vector<std::uint8_t> host(static_cast<std::size_t>(width * 3), 165), system = host;
-    const bool drawn = drawToPreview(r, BitmapOrder::forHost, width, host.data()).has_value();
+    const auto counts = drawToPreview(r, BitmapOrder::forHost, width, host.data());
+    const bool drawn = counts.has_value();
     EXPECT_EQ(drawn, !c.bytes.empty());
+    EXPECT_EQ(counts.value_or(DrawnPixels{}).clipped, c.clipped);
     EXPECT_EQ(drawToPreview(r, BitmapOrder::forSystem, width, system.data()).has_value(), drawn);
     EXPECT_EQ(host[6], 165);
     const bool turned = c.layer != 2;  // two channels are shown the same to both
     for (std::size_t i = 0; i < c.bytes.size(); ++i) {
       EXPECT_NEAR(host[i], c.bytes[i], 1) << i;
       EXPECT_EQ(system[turned ? i / 3 * 3 + 2 - i % 3 : i], host[i]) << i;
+    }
+  }
+}
+
+TEST(PreviewPixels, WithALargestSampleAreCountedInRowsOfEveryLength) {
+  for (const int width : {1, 17, 50, 5000}) {
+    hostapi::FilterRecord r{};
+    r.imageMode = hostapi::modeRGB;
+    r.planes = 3;
+    r.outRect = {0, 0, 1, static_cast<std::int16_t>(width)};
+    std::vector<std::uint8_t> row(static_cast<std::size_t>(width) * 3), bitmap(row.size());
+    r.outData = row.data();
+    for (const std::size_t every : {1, 7}) {  // this sample is a largest one
+      for (std::size_t i = 0; i < row.size(); ++i) row[i] = i % every == 0 ? 255 : 254;
+      const auto drawn = drawToPreview(r, BitmapOrder::forHost, width, bitmap.data());
+      EXPECT_EQ(drawn->clipped, every == 1 ? width : (width * 3 + 6) / 7);
     }
   }
 }
@@ -230,6 +251,8 @@ struct Session {
   FakeFilter filter;
   FakeWindows windows;
   PreviewView view{windows};
+  ParameterEditing editing{windows, view};
+  PreviewPointer pointer{windows, view, editing};
 };
 
 TEST(PreviewRenders, AChangeThatCutsOneShortIsFollowedByADraftAndThenByFullQuality) {
@@ -283,7 +306,9 @@ TEST(PreviewRenders, TheUntouchedPictureIsShownUntilItIsLetGoOrTheScaleChanges) 
   std::vector<std::uint8_t> input(3 * 400, 77);
   s.filter.record.inData = input.data();
   s.view.showUntouched(true);  // nothing is rendered yet
+  s.filter.row[1] = 255;
   s.play();
+  EXPECT_EQ(s.windows.caption, "Preview   clipped: 0.3%");
   EXPECT_EQ(s.view.shownBitmap()->pixels[0], 0);
   s.view.showUntouched(true);
   EXPECT_EQ(s.view.shownBitmap()->pixels[0], 77);
@@ -296,6 +321,37 @@ TEST(PreviewRenders, TheUntouchedPictureIsShownUntilItIsLetGoOrTheScaleChanges) 
   s.view.ZoomBy(1);
   s.play();
   EXPECT_EQ(s.view.shownBitmap()->pixels[0], 0);
+}
+
+TEST(PreviewRenders, TheSplitKeepsTheUntouchedPictureAndItsPlaceInTheFrame) {
+  Session s;
+  std::vector<std::uint8_t> input(3 * 400, 77);
+  s.filter.record.inData = input.data();
+  s.view.showSplit(true);
+  s.play();
+  s.windows.paint = [&] {
+    ASSERT_NE(s.view.splitBitmap(), nullptr);
+    EXPECT_EQ(s.view.splitBitmap()->pixels[0], 77);
+  };
+  for (const auto& [script, steps] : {std::pair{"xx", 0}, {"x", 1}, {"F", 1}, {"", -1}}) {
+    s.filter.script = script;
+    s.view.RequestRender();
+    s.view.ZoomBy(steps);
+    s.play();
+    EXPECT_EQ(s.view.splitBitmap()->image, s.view.shownBitmap()->image) << script;
+  }
+  s.view.showUntouched(true);
+  EXPECT_EQ(s.view.splitBitmap(), nullptr);
+  s.view.showUntouched(false);
+  s.pointer.OnLeftDown({253, 9});
+  s.pointer.OnMove({103, 9});
+  s.windows.frame.width = 1000;
+  EXPECT_EQ(s.view.geometry().splitColumn(), 201);
+  EXPECT_EQ(s.pointer.cursorAt({900, 9}, true), PreviewCursor::splitLine);
+  EXPECT_TRUE(s.pointer.takeBackDrag());
+  EXPECT_EQ(s.view.geometry().splitColumn(), 250);
+  s.view.showSplit(false);
+  EXPECT_EQ(s.pointer.cursorAt({250, 9}, true), PreviewCursor::cross);
 }
 
 TEST(PreviewRenders, TheWheelZoomsAtThePointer) {

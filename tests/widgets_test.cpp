@@ -241,6 +241,21 @@ TEST(Editing, EveryActionIsOneStepOfTheHistoryThatUndoesAndRedoes) {
   }
 }
 
+TEST(Editing, TheCursorTellsWhatAPressWillDo) {
+  Editor e;
+  const auto& origin = e.of<pfParameterPosition>(1031);
+  const Point light = e.view.geometry().handle(origin.x(), origin.y());
+  const auto at = [&](int x) { return e.pointer.cursorAt({light.x + x, light.y - x}, true); };
+  EXPECT_TRUE(at(11) == PreviewCursor::openHand && at(12) == PreviewCursor::cross);
+  EXPECT_EQ(e.pointer.cursorAt(light, false), PreviewCursor::cross);
+  e.windows.dots = 144;
+  EXPECT_TRUE(at(17) == PreviewCursor::openHand && at(18) == PreviewCursor::cross);
+  e.pointer.OnLeftDown({70, 33});
+  EXPECT_EQ(at(90), PreviewCursor::closedHand);
+  e.editing.ActivatePipette(1037);
+  EXPECT_EQ(at(90), PreviewCursor::pipette);
+}
+
 TEST(Editing, EscapeTakesADragOfTheLightBack) {
   Editor e;
   const auto before = e.values();

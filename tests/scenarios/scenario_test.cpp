@@ -172,8 +172,13 @@ class Player {
       {"type", {2, [this](const Words& w) { focus(w[0]), write(w[1]); }}},
       {"write", {1, [this](const Words& w) { write(w[0]); }}},
       {"key", {1, [](const Words& w) { pressKey(w[0]); }}},
+      {"hold", {1, [](const Words& w) { sendKey(static_cast<WORD>(w[0][0]), 0); }}},
+      {"release",
+       {1, [](const Words& w) { sendKey(static_cast<WORD>(w[0][0]), KEYEVENTF_KEYUP); }}},
+      {"visit", {1, [](const Words& w) { visitWindow(w[0]); }}},
       {"leave", {2, [this](const Words& w) { leave(w[0], w[1]); }}},
       {"move", {2, [this](const Words& w) { moveWindow(w[0], w[1]); }}},
+      {"resize", {2, [this](const Words& w) { resizeAsUser(w[0], w[1]); }}},
       {"maximize", {1, [this](const Words& w) { ShowWindowAsync(window(w[0]), SW_MAXIMIZE); }}},
       {"restore", {1, [this](const Words& w) { ShowWindowAsync(window(w[0]), SW_RESTORE); }}},
       {"close", {1, [this](const Words& w) { PostMessageA(window(w[0]), WM_CLOSE, 0, 0); }}},
@@ -366,6 +371,21 @@ class Player {
   static bool isSwatch(HWND control) {
     const LONG type = GetWindowLongA(control, GWL_STYLE) & BS_TYPEMASK;
     return classOf(control) == "Button" && type == BS_OWNERDRAW;
+  }
+
+  void resizeAsUser(Text name, Text place) const {
+    SendMessageA(window(name), WM_ENTERSIZEMOVE, 0, 0);
+    moveWindow(name, place);
+    settledRect(window(name));
+    SendMessageA(window(name), WM_EXITSIZEMOVE, 0, 0);
+  }
+
+  // Another window with this caption takes the keyboard.
+  static void visitWindow(Text caption) {
+    const HWND other = CreateWindowA("STATIC", caption.c_str(), WS_POPUP | WS_VISIBLE, 0, 0, 50, 50,
+                                     nullptr, nullptr, nullptr, nullptr);
+    bringToFront(other);
+    DestroyWindow(other);
   }
 
   // The value of a control. That of a swatch is the color in its middle.

@@ -11,11 +11,6 @@
 #include "interface/win32/window_place.h"
 
 namespace radiashafts {
-namespace {
-
-constexpr DWORD wasDownBefore = 1U << 30;  // in the second parameter of a pressed key
-
-}  // namespace
 
 INT_PTR PreviewDialog::onMessage(UINT message, WPARAM w, LPARAM l) {
   const Point point{GET_X_LPARAM(l), GET_Y_LPARAM(l)};
@@ -86,7 +81,7 @@ INT_PTR PreviewDialog::onMessage(UINT message, WPARAM w, LPARAM l) {
     case WM_SETFOCUS:
       return TRUE;
     case WM_KEYDOWN:
-      onKey(w, (static_cast<DWORD>(l) & wasDownBefore) == 0);
+      onKey(w, isFirstPress(l));
       return TRUE;
     case WM_CHAR:
       onCharacter(w);

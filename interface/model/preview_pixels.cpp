@@ -120,7 +120,7 @@ int clippedPixels(const std::uint8_t* row, int width) {
   constexpr int pixels = 16;
   constexpr int bytes = 3 * pixels;  // what three vectors hold
   constexpr int mostBlocks = 255;    // a sum of these fits in a byte
-  const auto largest = [](std::uint8_t byte) { return isLargest(byte); };
+  const auto largest = [](std::uint8_t byte) { return isLargest(byte) ? 1 : 0; };
   int clipped = 0;
   int x = 0;
   // Every third sum is of pixels. The others cost nothing: the compiler adds whole vectors.
@@ -136,7 +136,7 @@ int clippedPixels(const std::uint8_t* row, int width) {
     for (std::size_t i = 0; i < bytes; i += 3) clipped += sums[i];
     x += blocks * pixels;
   }
-  for (; x < width; ++x, row += 3) clipped += std::any_of(row, row + 3, largest) ? 1 : 0;
+  for (; x < width; ++x, row += 3) clipped += largest(row[0]) | largest(row[1]) | largest(row[2]);
   return clipped;
 }
 

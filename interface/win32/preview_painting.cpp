@@ -75,10 +75,11 @@ void drawHandle(HDC context, const PreviewGeometry& geometry, Point centre) {
   DeleteObject(select(RGB(0, 0, 0)));
   const int half = geometry.scaled(handleOuterHalfSize);
   drawSquare(context, centre, half);
-  MoveToEx(context, centre.x - half, centre.y - half, nullptr);
-  LineTo(context, centre.x + half, centre.y + half);
-  MoveToEx(context, centre.x + half, centre.y - half, nullptr);
-  LineTo(context, centre.x - half, centre.y + half);
+  const int end = half - lineWidth + 1;  // thick diagonals do not reach out of the corners
+  MoveToEx(context, centre.x - end, centre.y - end, nullptr);
+  LineTo(context, centre.x + end, centre.y + end);
+  MoveToEx(context, centre.x + end, centre.y - end, nullptr);
+  LineTo(context, centre.x - end, centre.y + end);
   DeleteObject(SelectObject(context, previous));
 }
 

@@ -193,8 +193,8 @@ void PreviewDialog::onWheel(int delta, POINT point) {
 
 // The one at the place of the message that is handled.
 void PreviewDialog::setCursor() {
-  const DWORD position = GetMessagePos();
-  POINT point{GET_X_LPARAM(position), GET_Y_LPARAM(position)};
+  POINT point{};
+  GetCursorPos(&point);
   ScreenToClient(window(), &point);
   const auto set = [](HCURSOR cursor, LPCSTR otherwise) {
     SetCursor(cursor != nullptr ? cursor : LoadCursorA(nullptr, otherwise));

@@ -29,7 +29,6 @@ constexpr ControlTip controlTips[] = {
      "A double click on a label does it for one value."},
     {ID_ZOOM_OUT, "Shows more of the picture (- in the preview, 0 shows all)."},
     {ID_ZOOM_IN, "Shows the picture larger (+ in the preview, 1 shows its pixels)."},
-    {ID_SPLIT, "Shows the untouched picture left of a line that can be dragged."},
     {ID_SPLIT, "Compares: the picture as it came is left of a line that can be dragged."},
     {ID_FIXED_PREVIEW, "Finishes each render of the preview before the next one starts."},
     {ID_HIDE_HANDLE, "Hides the mark at the light's place in the preview."},

@@ -191,7 +191,7 @@ void PreviewDialog::onWheel(int delta, POINT point) {
   if (notches != 0) view_.ZoomTo(view_.requestedFactor() - notches, Point{point.x, point.y});
 }
 
-// The one at the place of the message that is handled.
+// The one for where the pointer is.
 void PreviewDialog::setCursor() {
   POINT point{};
   GetCursorPos(&point);

@@ -211,7 +211,7 @@ std::string makeParameterDialog() {
   std::ostringstream script;
   script << ID_PARAMETER_DIALOG << " DIALOGEX 0, 0, " << dialogWidth << ", " << dialogHeight
          << "\nSTYLE DS_MODALFRAME | DS_SETFONT | WS_POPUP | WS_CAPTION | WS_SYSMENU\n"
-         << "CAPTION \"Radiashafts  V1.22 ~ www.halvorsund.example\"\n"
+         << "CAPTION \"Radiashafts  V1.22 ~ halvorsund.example\"\n"
          << "FONT 8, \"MS Sans Serif\"\nBEGIN\n"
          << layout.text() << "END\n";
   return script.str();

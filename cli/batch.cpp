@@ -4,9 +4,12 @@
 #include <future>
 #include <iomanip>
 #include <iostream>
+#include <new>
+#include <optional>
 #include <sstream>
 #include <type_traits>
 #include <utility>
+#include <vector>
 
 #include "cli/host_window.h"
 #include "cli/parameter_options.h"
@@ -47,6 +50,12 @@ std::string writtenMessage(const Job& job, const standin::Picture& picture, doub
   return message.str();
 }
 
+void makeDirectory(const std::filesystem::path& path) {
+  std::error_code error;
+  std::filesystem::create_directories(path, error);
+  if (error) throw Failure{exitOutput, path.string() + ": " + error.message()};
+}
+
 class Batch {
  public:
   Batch(const CommandLine& commandLine, standin::EntryPoint entry, const standin::Mask* mask)
@@ -64,6 +73,11 @@ class Batch {
     std::string message;  // for a picture that has been written
   };
 
+  template <class Work>
+  static std::optional<Failure> failureOf(const Job& job, const Work& work);
+  // Prints and remembers a failure, or throws it where no other picture is to be tried.
+  void report(const Job& job, const Failure& failure);
+  Failure summary() const;
   void startReading(std::size_t index);  // nothing after the last job
   void awaitReader();
   // Returns the filter's run time in seconds.
@@ -78,27 +92,71 @@ class Batch {
   const standin::Mask* mask_;
   std::future<standin::PictureFile> reading_;
   std::future<standin::WriteResult> writing_;
-  Rendered rendered_{};  // what is written
+  Rendered rendered_{};                               // what is written
+  std::vector<std::pair<const Job*, int>> failures_;  // with their exit codes
 };
 
 void Batch::run() {
+  const std::vector<Job>& jobs = commandLine_.jobs;
   try {
     startReading(0);
-    for (std::size_t i = 0; i < commandLine_.jobs.size(); ++i) {
+    for (std::size_t i = 0; i < jobs.size(); ++i) {
       awaitReader();
-      standin::PictureFile file = reading_.get();
+      standin::PictureFile file;
+      std::string message;
+      const auto render = [&] {
+        const auto seconds = this->render(jobs[i], file.picture);
+        message = writtenMessage(jobs[i], file.picture, seconds);
+      };
+      std::optional<Failure> failure = failureOf(jobs[i], [&] { file = reading_.get(); });
       startReading(i + 1);
-      const double seconds = render(commandLine_.jobs[i], file.picture);
+      if (!failure) failure = failureOf(jobs[i], render);
       finishWriting();
-      std::string message = writtenMessage(commandLine_.jobs[i], file.picture, seconds);
-      rendered_ = {&commandLine_.jobs[i], std::move(file), std::move(message)};
-      startWriting();
+      if (failure) {
+        report(jobs[i], *failure);
+      } else {
+        rendered_ = {&jobs[i], std::move(file), std::move(message)};
+        startWriting();
+      }
     }
     finishWriting();
   } catch (...) {
-    finishWriting();
+    if (writing_.valid()) writing_.wait();
     throw;
   }
+  if (!failures_.empty()) throw summary();
+}
+
+// What ends the work on a picture, but not always that on the others.
+template <class Work>
+std::optional<Failure> Batch::failureOf(const Job& job, const Work& work) {
+  try {
+    work();
+  } catch (const Failure& failure) {
+    return failure;
+  } catch (const standin::PictureFileError& error) {
+    return Failure{exitInput, error.what()};
+  } catch (const std::bad_alloc&) {
+    return Failure{exitRender, job.input.string() + ": not enough memory"};
+  }
+  return std::nullopt;
+}
+
+void Batch::report(const Job& job, const Failure& failure) {
+  if (wasInterrupted() || commandLine_.failFast || commandLine_.jobs.size() == 1) throw failure;
+  printMessage("radiashafts: " + failure.text);
+  failures_.push_back({&job, failure.exitCode});
+}
+
+Failure Batch::summary() const {
+  const std::size_t count = commandLine_.jobs.size();
+  std::string names;
+  for (const auto& [job, exitCode] : failures_) {
+    names += (names.empty() ? "" : ", ") + job->input.string();
+  }
+  const int exitCode = failures_.size() < count ? exitPartial : failures_.front().second;
+  return {exitCode, std::to_string(failures_.size()) + " of " + std::to_string(count) +
+                        " pictures failed: " + names};
 }
 
 void Batch::startReading(std::size_t index) {
@@ -182,11 +240,14 @@ void Batch::startWriting() {
 // Prints what is to be said of the written picture.
 void Batch::finishWriting() {
   if (!writing_.valid()) return;
+  const Job& job = *rendered_.job;
   standin::WriteResult result;
   try {
     result = writing_.get();
   } catch (const standin::PictureFileError& error) {
-    throw Failure{exitOutput, error.what()};
+    return report(job, {exitOutput, error.what()});
+  } catch (const std::bad_alloc&) {
+    return report(job, {exitRender, job.output.string() + ": not enough memory"});
   }
   if (!result.written) throw Failure{standin::interruptCode(), interrupted};
   if (commandLine_.quiet) return;
@@ -198,6 +259,7 @@ void Batch::finishWriting() {
 
 void runBatch(const CommandLine& commandLine, standin::EntryPoint entry,
               const standin::Mask* mask) {
+  if (commandLine.outputDirectory) makeDirectory(*commandLine.outputDirectory);
   Batch(commandLine, entry, mask).run();
 }
 

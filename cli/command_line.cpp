@@ -4,6 +4,7 @@
 #include <iostream>
 #include <map>
 #include <memory>
+#include <set>
 
 #include <CLI/CLI.hpp>
 
@@ -16,8 +17,11 @@
 namespace radiashafts::cli {
 namespace {
 
+namespace fs = std::filesystem;
+
 constexpr char footer[] =
-    "Exit codes: 0 done, 2 command line, 3 unreadable input, 4 unwritable output, 5 render,\n"
+    "Exit codes: 0 done, 1 some of several pictures failed, 2 command line, 3 unreadable input, 4 "
+    "unwritable output, 5 render,\n"
     "130 interrupted, 143 and 129 ended by SIGTERM and SIGHUP. An output is written beside its "
     "place and renamed onto it when complete.";
 
@@ -29,26 +33,27 @@ class Formatter final : public CLI::Formatter {
   }
 };
 
+// Which files to read and write.
+struct Files {
+  std::vector<std::string> paths;
+  std::string outputDirectory;
+  bool overwrite = false;     // inputs
+  bool skipExisting = false;  // outputs
+};
+
 // Pairs each input with its output. Throws a CLI::Error when the arguments contradict each other.
-std::vector<Job> jobsOf(const std::vector<std::string>& paths, const std::string& outputDirectory) {
-  namespace fs = std::filesystem;
+std::vector<Job> jobsOf(const Files& files) {
+  const std::vector<std::string>& paths = files.paths;
   std::vector<Job> jobs;
-  if (outputDirectory.empty()) {
-    if (paths.empty()) throw CLI::RequiredError("INPUT");
+  if (paths.empty()) throw CLI::RequiredError("INPUT");
+  if (files.outputDirectory.empty()) {
     if (paths.size() == 1) throw CLI::RequiredError("OUTPUT, or --output-dir,");
-    if (paths.size() > 2) {
-      throw CLI::ValidationError("several inputs need --output-dir");
-    }
+    if (paths.size() > 2) throw CLI::ValidationError("several inputs need --output-dir");
     jobs.push_back({pathOf(paths[0]), pathOf(paths[1])});
   } else {
-    if (paths.empty()) throw CLI::RequiredError("INPUT");
-    std::error_code error;
-    if (!fs::is_directory(pathOf(outputDirectory), error)) {
-      throw CLI::ValidationError("--output-dir: " + outputDirectory + ": is no directory");
-    }
     std::map<fs::path, std::string> inputOf;
     for (const std::string& path : paths) {
-      const fs::path output = pathOf(outputDirectory) / pathOf(path).filename();
+      const fs::path output = pathOf(files.outputDirectory) / pathOf(path).filename();
       const auto [existing, inserted] = inputOf.emplace(output, path);
       if (!inserted) {
         throw CLI::ValidationError(existing->second + " and " + path + " would both become " +
@@ -58,6 +63,28 @@ std::vector<Job> jobsOf(const std::vector<std::string>& paths, const std::string
     }
   }
   return jobs;
+}
+
+void checkInputsStay(const std::vector<Job>& jobs) {
+  std::error_code error;
+  std::set<fs::path> inputs;
+  for (const Job& job : jobs) inputs.insert(fs::weakly_canonical(job.input, error));
+  for (const Job& job : jobs) {
+    if (inputs.contains(fs::weakly_canonical(job.output, error))) {
+      throw CLI::ValidationError(job.output.string() +
+                                 " is an input, too; --overwrite allows to replace it");
+    }
+  }
+}
+
+// Drops the jobs whose outputs are there. They are complete: an output comes in one step.
+void skipExisting(CommandLine& commandLine) {
+  std::erase_if(commandLine.jobs, [&commandLine](const Job& job) {
+    std::error_code error;
+    if (!fs::exists(job.output, error)) return false;
+    commandLine.notes.push_back(job.output.string() + " exists, and is skipped");
+    return true;
+  });
 }
 
 // Options that simulate hosts with different features.
@@ -123,15 +150,18 @@ ParsedCommandLine parseCommandLine(int argc, char** argv) {
   app.allow_windows_style_options(false);  // a path may begin with a slash
   app.set_version_flag("--version", "radiashafts " RADIASHAFTS_VERSION);
 
-  std::vector<std::string> paths;
-  std::string outputDirectory;
+  Files files;
   std::string mask;
   std::string module;
   bool listRequested = false;
-  app.add_option("paths", paths, "Pictures to read, and the one to write")
+  app.add_option("paths", files.paths, "Pictures to read, and the one to write")
       ->option_text("INPUT... OUTPUT");
-  app.add_option("--output-dir", outputDirectory, "Write each output here under its input's name")
+  app.add_option("--output-dir", files.outputDirectory,
+                 "Write each output here under its input's name")
       ->type_name("DIR");
+  app.add_flag("--skip-existing", files.skipExisting, "Leave out pictures whose output is there");
+  app.add_flag("--overwrite", files.overwrite, "Allow outputs in the place of inputs");
+  app.add_flag("--fail-fast", commandLine.failFast, "End at the first picture that fails");
   app.add_option("--mask", mask, "Selection: an 8-bit grey picture of the input's size")
       ->type_name("FILE");
   app.add_option("--module", module, "The filter module to run")->type_name("FILE");
@@ -150,10 +180,14 @@ ParsedCommandLine parseCommandLine(int argc, char** argv) {
       parsed.exitCode = exitSuccess;
       return parsed;
     }
-    if (!presets.canRunWithoutPictures() || !paths.empty()) {
-      commandLine.jobs = jobsOf(paths, outputDirectory);
-    }
     commandLine.notes = parameters.notes();
+    if (!presets.canRunWithoutPictures() || !files.paths.empty()) {
+      commandLine.jobs = jobsOf(files);
+      if (!files.overwrite) checkInputsStay(commandLine.jobs);
+      if (files.skipExisting) skipExisting(commandLine);
+      if (!files.outputDirectory.empty())
+        commandLine.outputDirectory = pathOf(files.outputDirectory);
+    }
     commandLine.script = presets.apply(parameters, commandLine.quiet);
     if (commandLine.jobs.empty()) {
       printNotes(commandLine);

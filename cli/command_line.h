@@ -16,10 +16,11 @@ namespace radiashafts::cli {
 // An interrupted program exits with standin::interruptCode() instead.
 enum ExitCode : int {
   exitSuccess = 0,
-  exitUsage = 2,   // the command line
-  exitInput = 3,   // a picture, mask or preset that cannot be read
-  exitOutput = 4,  // a picture or preset that cannot be written
-  exitRender = 5   // module not loaded or refused, filter failed, no memory, no threads
+  exitPartial = 1,  // some of several pictures failed
+  exitUsage = 2,    // the command line
+  exitInput = 3,    // a picture, mask or preset that cannot be read
+  exitOutput = 4,   // a picture or preset that cannot be written
+  exitRender = 5    // module not loaded or refused, filter failed, no memory, no threads
 };
 
 // Thrown to end the program with this exit code and one line that names the cause.
@@ -38,6 +39,7 @@ struct Job {
 
 struct CommandLine {
   std::vector<Job> jobs;
+  std::optional<std::filesystem::path> outputDirectory;  // made where there is none
   std::optional<std::filesystem::path> mask;
   std::filesystem::path module;
   standin::Script script;
@@ -48,6 +50,7 @@ struct CommandLine {
   bool ownWindow = true;     // show a host window as the owner of the dialogs
   bool printScript = false;  // print the script that the filter returns
   bool quiet = false;
+  bool failFast = false;  // a failed picture ends the run
 };
 
 void printNotes(const CommandLine& commandLine);

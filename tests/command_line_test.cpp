@@ -175,6 +175,7 @@ TEST_F(CommandLine, BadInputGetsOneLineAndTouchesNoOutput) {
       {"in.png out.png --blend-mode 0", 2, "--blend-mode"},
       {"in.png out.png --use-image-color maybe", 2, "--use-image-color"},
       {"in.png mask.png out.png", 2, "--output-dir"},
+      {"in.png ./in.png", 2, "--overwrite"},
       {"in.png out.png --module missing.so", 5, "missing.so"},
       {"--save-preset 'C:\\ours.cfg'", 2, "C:\\ours.cfg"},
       {"in.png out.png --preset ours.cfg:B --last-used", 2, "--last-used"},
@@ -189,12 +190,21 @@ TEST_F(CommandLine, BadInputGetsOneLineAndTouchesNoOutput) {
     EXPECT_EQ(read("out.png") + read("kept.png"), "preciousprecious") << c.arguments;
   }
   EXPECT_TRUE(fs::is_symlink(path("device.png")));
-  // What comes before a bad one is complete, and what comes after is not begun.
+  // A bad one of several is told, and the others are made, in their order.
   write("later.png", read("in.png"));
-  fs::create_directory(path("results"));
-  EXPECT_EQ(run("in.png short.png later.png --output-dir results").exitCode, 3);
-  EXPECT_EQ(read("out.txt").rfind("results/in.png: 37 x 23 pixels", 0), 0U);
-  EXPECT_EQ(std::distance(fs::directory_iterator(path("results")), {}), 1);
+  const std::string three = "in.png short.png later.png --output-dir new/results";
+  const auto made = [this] {
+    return std::distance(fs::directory_iterator(path("new/results")), {});
+  };
+  EXPECT_EQ(run(three + " --fail-fast").exitCode, 3);
+  EXPECT_EQ(read("out.txt").rfind("new/results/in.png: 37 x 23 pixels", 0), 0U);
+  EXPECT_EQ(made(), 1);
+  const Answer answer = run(three + " --skip-existing");
+  EXPECT_EQ(answer.exitCode, 1);
+  EXPECT_EQ(answer.out.rfind("new/results/later.png", 0), 0U) << answer.out;
+  EXPECT_NE(answer.err.find("1 of 2 pictures failed: short.png\n"), std::string::npos);
+  EXPECT_EQ(made(), 2);
+  EXPECT_EQ(run("short.png missing.png --output-dir new").exitCode, 3);
 }
 
 // The last byte, or a quarter of the file, finds no room.

@@ -11,6 +11,7 @@
 #include "cli/parameter_options.h"
 #include "cli/preset_options.h"
 #include "cli/printable.h"
+#include "cli/suggestion.h"
 #include "standin/system/arguments.h"
 #include "standin/system/module.h"
 
@@ -129,6 +130,17 @@ void addHostOptions(CLI::App& app, CommandLine& commandLine) {
       ->group("Host");
 }
 
+// A suggestion for the first argument that no option is called.
+std::string nearestOption(const CLI::App& app) {
+  std::vector<std::string> names;
+  for (const CLI::Option* option : app.get_options()) names.push_back(option->get_name());
+  for (const std::string& argument : app.remaining()) {
+    if (argument.rfind("--", 0) == 0)
+      return suggestion(argument.substr(0, argument.find('=')), names);
+  }
+  return "";
+}
+
 }  // namespace
 
 std::filesystem::path pathOf(const std::string& text) {
@@ -194,6 +206,8 @@ ParsedCommandLine parseCommandLine(int argc, char** argv) {
       parsed.exitCode = exitSuccess;
       return parsed;
     }
+  } catch (const CLI::ExtrasError& error) {
+    throw Failure{exitUsage, error.what() + nearestOption(app)};
   } catch (const CLI::ParseError& error) {
     if (error.get_exit_code() == 0) {
       parsed.exitCode = app.exit(error);  // help or version

@@ -5,8 +5,10 @@
 #include <charconv>
 #include <cmath>
 #include <iomanip>
+#include <optional>
 #include <stdexcept>
 
+#include "cli/suggestion.h"
 #include "parameters/number_text.h"
 #include "parameters/parameter_text.h"
 
@@ -66,9 +68,25 @@ double parseEntry(const std::string& text, const ParameterFacts& facts) {
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
   if (error != std::errc() || end != text.data() + text.size() || number < 1 ||
       number > static_cast<int>(facts.entries.size())) {
-    throw InvalidValue("'" + text + "' is none of its entries; --list-parameters tells them");
+    const std::string near = suggestion(text, {facts.entries.begin(), facts.entries.end()});
+    throw InvalidValue("'" + text + "' is none of its entries" +
+                       (near.empty() ? "; --list-parameters tells them" : near));
   }
   return number;
+}
+
+// "#ffcc00" as painting programs write it.
+std::optional<ParameterNumbers> parseHexColor(std::string_view text) {
+  if (text.size() != 7 || text[0] != '#') return std::nullopt;
+  ParameterNumbers color{};
+  for (std::size_t i = 0; i < color.size(); ++i) {
+    const char* const digits = text.data() + 1 + 2 * i;
+    std::uint8_t byte = 0;
+    const auto [end, error] = std::from_chars(digits, digits + 2, byte, 16);
+    if (error != std::errc() || end != digits + 2) return std::nullopt;
+    color[i] = byte / 255.0;
+  }
+  return color;
 }
 
 ParameterNumbers parseValue(const std::string& text, const ParameterFacts& facts) {
@@ -77,6 +95,9 @@ ParameterNumbers parseValue(const std::string& text, const ParameterFacts& facts
       return {parseSwitch(text)};
     case ParameterKind::list:
       return {parseEntry(text, facts)};
+    case ParameterKind::color:
+      if (const auto color = parseHexColor(text)) return *color;
+      return parseNumbers(text, valueCount(facts.kind));
     default:
       return parseNumbers(text, valueCount(facts.kind));
   }
@@ -87,7 +108,7 @@ std::string valueForm(const ParameterFacts& facts) {
     case ParameterKind::position:
       return "X,Y";
     case ParameterKind::color:
-      return "R,G,B";
+      return "R,G,B|#HEX";
     case ParameterKind::boolean:
       return "on|off";
     case ParameterKind::list:

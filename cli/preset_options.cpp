@@ -5,9 +5,11 @@
 
 #include "cli/command_line.h"
 #include "cli/printable.h"
+#include "cli/suggestion.h"
 #include "interface/model/remembered_settings.h"
 #include "parameters/preset_file.h"
 #include "platform/whole_file.h"
+#include "standin/system/module.h"
 
 namespace radiashafts::cli {
 namespace {
@@ -32,13 +34,18 @@ bool isDrive(const std::string& text, std::size_t colon) {
   return colon == 1 && rooted && std::isalpha(static_cast<unsigned char>(text[0])) != 0;
 }
 
-PresetLocation parseLocation(const std::string& text) {
+// The collection that stands beside the program.
+std::string shippedFile() {
+  return (standin::executablePath().parent_path() / "radiashafts.cfg").string();
+}
+
+std::optional<PresetLocation> parseLocation(const std::string& text) {
   const std::size_t colon = text.rfind(':');
   if (colon == std::string::npos || colon == 0 || colon + 1 == text.size() ||
       isDrive(text, colon)) {
-    throw Failure{exitUsage, "'" + text + "' is not FILE:NAME of a preset"};
+    return std::nullopt;
   }
-  return {text.substr(0, colon), text.substr(colon + 1)};
+  return PresetLocation{text.substr(0, colon), text.substr(colon + 1)};
 }
 
 std::string systemPath(const std::string& file, ExitCode exitCode) {
@@ -73,9 +80,14 @@ void list(pfParameters& parameters, const std::string& file) {
 }
 
 void load(pfParameters& parameters, const PresetLocation& preset) {
-  if (parameters.LoadSettings(preset.name, readablePath(parameters, preset.file), nullptr)) return;
-  throw Failure{exitInput, preset.file + ": has no preset '" + presetNameOf(preset.name) +
-                               "'; --list-presets tells what it has"};
+  const std::string path = readablePath(parameters, preset.file);
+  if (parameters.LoadSettings(preset.name, path, nullptr)) return;
+  const std::string name = presetNameOf(preset.name);
+  std::vector<std::string> names;
+  parameters.GetSettingNames(path, names, effectName);
+  const std::string near = suggestion(name, names);
+  throw Failure{exitInput, preset.file + ": has no preset '" + name + "'" +
+                               (near.empty() ? "; --list-presets tells what it has" : near)};
 }
 
 void save(pfParameters& parameters, const PresetLocation& preset, bool quiet) {
@@ -97,8 +109,10 @@ PresetOptions::PresetOptions(CLI::App& app) {
     return app.add_option(name, value, description)->type_name(form)->group("Presets");
   };
   CLI::Option* const preset =
-      add("--preset", loaded_, "FILE:NAME", "Start from this preset; other options go over it");
-  add("--list-presets", listed_, "FILE", "Tell the presets in a file");
+      add("--preset", loaded_, "[FILE:]NAME",
+          "Start from this preset, without FILE one of the program's; other options go over it");
+  add("--list-presets", listed_, "FILE", "Tell the presets in a file, or those of the program")
+      ->expected(0, 1);
   add("--save-preset", saved_, "FILE:NAME", "Keep the values of this call as a preset");
   app.add_flag("--last-used", lastUsed_, "Start from the values last confirmed in the interface")
       ->excludes(preset)
@@ -107,14 +121,21 @@ PresetOptions::PresetOptions(CLI::App& app) {
 
 standin::Script PresetOptions::apply(const ParameterOptions& parameters, bool quiet) const {
   EffectCollection values;
-  if (listed_) list(values.parameters, *listed_);
-  if (loaded_) load(values.parameters, parseLocation(*loaded_));
+  if (listed_) list(values.parameters, listed_->empty() ? shippedFile() : *listed_);
+  if (loaded_) {
+    load(values.parameters,
+         parseLocation(*loaded_).value_or(PresetLocation{shippedFile(), *loaded_}));
+  }
   if (lastUsed_ && !ReadLastUsedSettings(values.parameters)) {
     throw Failure{exitInput, "--last-used: no values were confirmed in the interface yet"};
   }
   parameters.applyTo(values.effect);
   standin::Script script = loaded_ || lastUsed_ ? scriptOf(values.effect) : parameters.script();
-  if (saved_) save(values.parameters, parseLocation(*saved_), quiet);
+  if (saved_) {
+    const auto location = parseLocation(*saved_);
+    if (!location) throw Failure{exitUsage, "'" + *saved_ + "' is not FILE:NAME of a preset"};
+    save(values.parameters, *location, quiet);
+  }
   return script;
 }
 

@@ -26,9 +26,9 @@ class PresetOptions {
   standin::Script apply(const ParameterOptions& parameters, bool quiet) const;
 
  private:
-  std::optional<std::string> loaded_;  // FILE:NAME
+  std::optional<std::string> loaded_;  // FILE:NAME, or NAME of a preset of the program's
   std::optional<std::string> saved_;   // FILE:NAME
-  std::optional<std::string> listed_;  // FILE
+  std::optional<std::string> listed_;  // FILE; empty for the program's
   bool lastUsed_ = false;
 };
 

@@ -181,6 +181,9 @@ TEST_F(CommandLine, BadInputGetsOneLineAndTouchesNoOutput) {
       {"in.png out.png --preset ours.cfg:B --last-used", 2, "--last-used"},
       {"in.png out.png --preset ours.cfg:B", 3, "'B'; --list-presets"},
       {"--save-preset theirs.cfg:A", 4, "filter Them"},
+      {"in.png out.png --intesity=1", 2, "--intensity?"},
+      {"in.png out.png --blend-mode screan", 2, "screen?"},
+      {"in.png out.png --preset low_warm_son", 3, "low_warm_sun?"},
   };
   for (const auto& c : cases) {
     const Answer answer = run(c.arguments);
@@ -251,6 +254,9 @@ TEST_F(CommandLine, PresetsAndLastUsedValuesAreStartedFromAndOptionsGoOverThem) 
   EXPECT_NE(answer.err.find("--radius"), std::string::npos) << answer.err;
   EXPECT_NE(answer.err.find("--hue"), std::string::npos) << answer.err;
   EXPECT_EQ(run("--list-presets p:q.cfg").out, "Z\na_b\n");
+  EXPECT_NE(run("--list-presets").out.find("low_warm_sun\n"), std::string::npos);
+  EXPECT_EQ(rendered("--preset low_warm_sun --color-low '#ff6600'"),
+            rendered("--preset " RADIASHAFTS_PRESETS ":low_warm_sun --color-low 1,0.4,0"));
   const std::size_t plain = rendered("--intensity 0.25" + morning);
   const std::size_t strong = rendered("--intensity 3" + morning);
   EXPECT_NE(plain, strong);

@@ -94,6 +94,7 @@ class Batch {
   std::future<standin::WriteResult> writing_;
   Rendered rendered_{};                               // what is written
   std::vector<std::pair<const Job*, int>> failures_;  // with their exit codes
+  bool cancelled_ = false;                            // by the user, in the filter's dialog
 };
 
 void Batch::run() {
@@ -143,7 +144,8 @@ std::optional<Failure> Batch::failureOf(const Job& job, const Work& work) {
 }
 
 void Batch::report(const Job& job, const Failure& failure) {
-  if (wasInterrupted() || commandLine_.failFast || commandLine_.jobs.size() == 1) throw failure;
+  const bool endsRun = wasInterrupted() || cancelled_ || commandLine_.failFast;
+  if (endsRun || commandLine_.jobs.size() == 1) throw failure;
   printMessage("radiashafts: " + failure.text);
   failures_.push_back({&job, failure.exitCode});
 }
@@ -221,6 +223,7 @@ double Batch::filter(const Job& job, standin::Picture& picture) {
   if (commandLine_.printScript) printScript(std::cout, result.script);
   if (wasInterrupted()) throw Failure{standin::interruptCode(), interrupted};
   if (result.status == hostapi::userCanceledError) {
+    cancelled_ = true;
     throw Failure{exitRender, job.input.string() + ": the filter was cancelled, status -128"};
   }
   if (result.status != 0) {

@@ -93,9 +93,13 @@ void DialogControls::setEntries(int id, const std::vector<std::string>& entries,
   send(id, CB_SETCURSEL, static_cast<WPARAM>(selected));
 }
 
+bool isClass(HWND control, const char* name) {
+  char found[16] = "";
+  return GetClassNameA(control, found, sizeof found) != 0 && lstrcmpiA(found, name) == 0;
+}
+
 bool isEdit(HWND control) {
-  char name[8] = "";
-  return GetClassNameA(control, name, sizeof name) != 0 && lstrcmpiA(name, "Edit") == 0;
+  return isClass(control, "Edit");
 }
 
 bool isFirstPress(LPARAM parameter) {

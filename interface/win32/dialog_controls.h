@@ -63,6 +63,7 @@ ScreenMetrics screenMetrics();
 RECT controlRect(HWND dialog, int id);
 RECT rectInDialog(HWND dialog, HWND control);
 
+bool isClass(HWND control, const char* name);  // a name of at most 15 characters
 bool isEdit(HWND control);
 
 // Whether a WM_KEYDOWN with this parameter is not the repetition of a key that is held.

@@ -65,11 +65,6 @@ struct TextControl {
   int height() const { return rect.bottom - rect.top; }
 };
 
-bool isClass(HWND control, const char* name) {
-  char found[16] = "";
-  return GetClassNameA(control, found, sizeof found) != 0 && lstrcmpiA(found, name) == 0;
-}
-
 std::vector<TextControl> textControls(HWND dialog, int templateLineHeight) {
   std::vector<TextControl> controls;
   for (HWND child = GetWindow(dialog, GW_CHILD); child != nullptr;

@@ -1,10 +1,10 @@
 // Prints times of one process, in milliseconds: module_times MODULE [NAME=NUMBER...]. Names are
-// width, height, depth, colors, alpha, renders, copies, rest (milliseconds before each render), and
-// the four letters of a script's keys.
-// "render" lines are whole renders, the first of the process first; "copy" lines copy as many bytes
-// as the render works on, and "touch" is the first write to fresh ones, all on two threads; without
-// copies neither is there.
-// Needs no benchmark library, so it also builds on Windows.
+// width, height, depth, colors, alpha, renders, copies, rest (milliseconds before each render),
+// keeps (whether the host keeps disposed buffers for later ones), and the four letters of a
+// script's keys. "render" lines are whole renders, the first of the process first; "copy" lines
+// copy as many bytes as the render works on, and "touch" is the first write to fresh ones, all on
+// two threads; without copies neither is there. Needs no benchmark library, so it also builds on
+// Windows.
 
 #include <chrono>
 #include <cstdio>
@@ -16,6 +16,7 @@
 #include <thread>
 
 #include "bench/generated_picture.h"
+#include "standin/host_buffer_suite.h"
 #include "standin/stand_in_host.h"
 #include "standin/system/arguments.h"
 #include "standin/system/module.h"
@@ -81,6 +82,7 @@ void printRenders(standin::EntryPoint entry, const Numbers& numbers) {
         key, isList ? standin::ScriptValue(static_cast<int>(value)) : standin::ScriptValue(value));
   }
   standin::Picture output = input;
+  if (number("keeps") != 0) standin::keepDisposedBuffers();
   for (int i = 0; i < number("renders"); ++i) {
     standin::StandInHost host(input, nullptr);
     std::int16_t status = 0;
@@ -96,8 +98,9 @@ void printRenders(standin::EntryPoint entry, const Numbers& numbers) {
 int main(int argc, char** argv) {
   using namespace radiashafts;
   const std::vector<std::string> arguments = standin::programArguments(argc, argv);
-  bench::Numbers numbers{{"width", 6000}, {"height", 4000}, {"depth", 8},  {"colors", 3},
-                         {"alpha", 0},    {"renders", 3},   {"copies", 3}, {"rest", 0}};
+  bench::Numbers numbers{{"width", 6000}, {"height", 4000}, {"depth", 8},
+                         {"colors", 3},   {"alpha", 0},     {"renders", 3},
+                         {"copies", 3},   {"rest", 0},      {"keeps", 0}};
   try {
     if (arguments.empty()) throw std::runtime_error("the path of a module is missing");
     for (std::size_t i = 1; i < arguments.size(); ++i) {

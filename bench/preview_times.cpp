@@ -70,14 +70,14 @@ void measure() {
   test::eventually([preview] { return IsWindowVisible(preview) != FALSE; });
   SetWindowPos(preview, nullptr, 400, 40, 1066, 1066, SWP_NOZORDER | SWP_NOACTIVATE);
   const RECT frame = test::settledRect(preview);
-  SendMessageA(panel, WM_COMMAND, ID_HIDE_HANDLE, 0);
+  PostMessageA(panel, WM_COMMAND, ID_HIDE_HANDLE, 0);
   previewProcedure = reinterpret_cast<WNDPROC>(
       SetWindowLongPtrA(preview, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(notePainting)));
   const HWND percentage = GetDlgItem(panel, ID_PERCENTAGE);
   for (const char* zoom : {"16.67%", "6.667%"}) {
     for (; test::textOf(percentage) != zoom; Sleep(500)) {
       const bool isSmaller = percentageOf(test::textOf(percentage)) < percentageOf(zoom);
-      SendMessageA(panel, WM_COMMAND, isSmaller ? ID_ZOOM_IN : ID_ZOOM_OUT, 0);
+      PostMessageA(panel, WM_COMMAND, isSmaller ? ID_ZOOM_IN : ID_ZOOM_OUT, 0);
     }
     for (const DWORD rest : {0U, 400U}) {
       test::moveMouse({(frame.left + frame.right) / 2, (frame.top + frame.bottom) / 2});

@@ -1,6 +1,8 @@
 #include "standin/host_buffer_suite.h"
 
 #include <algorithm>
+#include <map>
+#include <mutex>
 #include <new>
 
 #include "standin/descriptors.h"
@@ -30,12 +32,44 @@ bool isGuard(const std::uint8_t* from, const std::uint8_t* to) {
   return std::all_of(from, to, [](std::uint8_t byte) { return byte == guardByte; });
 }
 
+struct DisposedBlocks {
+  std::mutex mutex;
+  bool areKept = false;
+  std::multimap<std::size_t, std::uint8_t*> bySize;
+};
+
+DisposedBlocks& disposedBlocks() {
+  static DisposedBlocks blocks;
+  return blocks;
+}
+
+std::uint8_t* newBlock(std::size_t size) {
+  DisposedBlocks& disposed = disposedBlocks();
+  const std::lock_guard lock(disposed.mutex);
+  if (const auto kept = disposed.bySize.extract(size)) return kept.mapped();
+  return static_cast<std::uint8_t*>(
+      ::operator new(size, std::align_val_t(guardSize), std::nothrow));
+}
+
+void disposeBlock(std::uint8_t* block, std::size_t size) {
+  DisposedBlocks& disposed = disposedBlocks();
+  const std::lock_guard lock(disposed.mutex);
+  if (disposed.areKept) {
+    disposed.bySize.emplace(size, block);
+  } else {
+    ::operator delete(block, std::align_val_t(guardSize));
+  }
+}
+
+std::size_t blockSize(std::size_t size) {
+  return (size + 2 * guardSize + guardSize - 1) / guardSize * guardSize;
+}
+
 void* newBuffer(std::uint32_t* requestedSize, std::uint32_t minimumSize) {
   if (callFails(Service::buffers)) return nullptr;
   const std::size_t size = std::max(requestedSize != nullptr ? *requestedSize : 0, minimumSize);
-  const std::size_t total = (size + 2 * guardSize + guardSize - 1) / guardSize * guardSize;
-  auto* block =
-      static_cast<std::uint8_t*>(::operator new(total, std::align_val_t(guardSize), std::nothrow));
+  const std::size_t total = blockSize(size);
+  std::uint8_t* block = newBlock(total);
   if (block == nullptr) return nullptr;
   standin::preferHugePages(block, total);
   std::fill_n(block, guardSize, guardByte);
@@ -54,7 +88,7 @@ void disposeBuffer(void** buffer) {
     bufferGuardsIntact() = false;
   }
   --liveObjects().buffers;
-  ::operator delete(block, std::align_val_t(guardSize));
+  disposeBlock(block, blockSize(sizeOf(*buffer)));
   *buffer = nullptr;
 }
 
@@ -77,6 +111,10 @@ std::atomic<bool>& bufferGuardsIntact() {
 const hostapi::BufferSuite1* bufferSuite() {
   static const hostapi::BufferSuite1 suite{newBuffer, disposeBuffer, sizeOf, bufferSpace};
   return &suite;
+}
+
+void keepDisposedBuffers() {
+  disposedBlocks().areKept = true;
 }
 
 const hostapi::HandleSuite2* handleSuite() {

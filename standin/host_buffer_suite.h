@@ -13,4 +13,8 @@ std::atomic<bool>& bufferGuardsIntact();
 const hostapi::BufferSuite1* bufferSuite();
 const hostapi::HandleSuite2* handleSuite();
 
+// From now on disposed buffers are kept for later ones of their size, as image editors do. Without
+// this the system gives fresh pages to each large buffer.
+void keepDisposedBuffers();
+
 }  // namespace radiashafts::standin

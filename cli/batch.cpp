@@ -1,20 +1,23 @@
 #include "cli/batch.h"
 
+#include <algorithm>
 #include <chrono>
+#include <deque>
 #include <future>
-#include <iomanip>
 #include <iostream>
+#include <memory>
 #include <new>
 #include <optional>
-#include <sstream>
 #include <type_traits>
 #include <utility>
 #include <vector>
 
 #include "cli/host_window.h"
+#include "cli/mask_scaling.h"
 #include "cli/parameter_options.h"
-#include "cli/printable.h"
 #include "cli/progress_bar.h"
+#include "cli/report.h"
+#include "cli/standard_streams.h"
 #include "standin/picture_file.h"
 #include "standin/system/interrupt.h"
 
@@ -38,16 +41,14 @@ auto start(const Work& work) {
 }
 
 template <class Result>
-bool isUnfinished(const std::future<Result>& result) {
-  return result.valid() && result.wait_for(0s) != std::future_status::ready;
+bool isReady(const std::future<Result>& result) {
+  return result.wait_for(0s) == std::future_status::ready;
 }
 
-std::string writtenMessage(const Job& job, const standin::Picture& picture, double seconds) {
-  std::ostringstream message;
-  message << printable(job.output.string()) << ": " << picture.width << " x " << picture.height
-          << " pixels, " << picture.depth << " bits a channel, rays in " << std::fixed
-          << std::setprecision(2) << seconds << " s\n";
-  return message.str();
+// Not when it starts only when the result is asked for.
+template <class Result>
+bool isRunning(const std::future<Result>& result) {
+  return result.wait_for(0s) == std::future_status::timeout;
 }
 
 void makeDirectory(const std::filesystem::path& path) {
@@ -59,73 +60,105 @@ void makeDirectory(const std::filesystem::path& path) {
 class Batch {
  public:
   Batch(const CommandLine& commandLine, standin::EntryPoint entry, const standin::Mask* mask)
-      : commandLine_(commandLine), entry_(entry), mask_(mask) {}
-  ~Batch() { awaitReader(); }  // also after any failure, and an interrupt ends even this
+      : commandLine_(commandLine), entry_(entry), mask_(mask), report_(commandLine) {}
+  ~Batch() {  // also after any failure, and an interrupt ends even this
+    for (; !reading_.empty(); reading_.pop_front()) {
+      if (isRunning(reading_.front())) awaitReader();
+    }
+  }
   Batch(const Batch&) = delete;
   Batch& operator=(const Batch&) = delete;
 
   void run();
 
  private:
-  struct Rendered {
+  struct Input {
+    standin::PictureFile file;
+    std::optional<standin::Mask> mask;  // of this picture alone
+  };
+  struct Output {
     const Job* job;
     standin::PictureFile file;
-    std::string message;  // for a picture that has been written
+    PictureReport report;
+    std::unique_ptr<TemporaryPicture> standardOutput;
+    std::future<standin::WriteResult> result;  // its work uses the members above
+
+    const std::filesystem::path& path() const {
+      return standardOutput ? standardOutput->path() : job->output;
+    }
+    // The text of a message with the name that the user gave.
+    std::string named(const std::string& text) const {
+      return standardOutput ? standardOutput->named(text) : text;
+    }
   };
 
   template <class Work>
   static std::optional<Failure> failureOf(const Job& job, const Work& work);
-  // Prints and remembers a failure, or throws it where no other picture is to be tried.
+  void renderNext(const Job& job);
+  // Tells and remembers a failure, or throws it where no other picture is to be tried.
   void report(const Job& job, const Failure& failure);
   Failure summary() const;
-  void startReading(std::size_t index);  // nothing after the last job
+  void startReading();  // nothing after the last job
+  Input read(const Job& job) const;
   void awaitReader();
+  void render(const Job& job, Input& input, Output& output);
+  // The mask in the picture's size; null for none.
+  const standin::Mask* maskFor(const Job& job, Input& input, PictureReport& report) const;
   // Returns the filter's run time in seconds.
-  double render(const Job& job, standin::Picture& picture);
-  double filter(const Job& job, standin::Picture& picture);
-  void checkMask(const standin::Picture& picture) const;
-  void startWriting();
-  void finishWriting();
+  double filter(const Job& job, standin::Picture& picture, const standin::Mask* mask);
+  void startWriting(Output& output);
+  void finishWriting();  // of the oldest output
+  void finishAllWriting() {
+    while (!writing_.empty()) finishWriting();
+  }
 
   const CommandLine& commandLine_;
   standin::EntryPoint entry_;
   const standin::Mask* mask_;
-  std::future<standin::PictureFile> reading_;
-  std::future<standin::WriteResult> writing_;
-  Rendered rendered_{};                               // what is written
+  Report report_;
+  std::optional<TemporaryPicture> standardInput_;
+  std::size_t nextToRead_ = 0;
+  std::deque<std::future<Input>> reading_;
+  std::deque<Output> writing_;
   std::vector<std::pair<const Job*, int>> failures_;  // with their exit codes
   bool cancelled_ = false;                            // by the user, in the filter's dialog
 };
 
 void Batch::run() {
+  for (const Job& job : commandLine_.skipped) report_.skipped(job);
   const std::vector<Job>& jobs = commandLine_.jobs;
+  if (!jobs.empty() && jobs[0].input == standardStream) {
+    standardInput_.emplace("standard input", "", exitInput);
+    receive(*standardInput_);
+  }
   try {
-    startReading(0);
-    for (std::size_t i = 0; i < jobs.size(); ++i) {
-      awaitReader();
-      standin::PictureFile file;
-      std::string message;
-      const auto render = [&] {
-        const auto seconds = this->render(jobs[i], file.picture);
-        message = writtenMessage(jobs[i], file.picture, seconds);
-      };
-      std::optional<Failure> failure = failureOf(jobs[i], [&] { file = reading_.get(); });
-      startReading(i + 1);
-      if (!failure) failure = failureOf(jobs[i], render);
-      finishWriting();
-      if (failure) {
-        report(jobs[i], *failure);
-      } else {
-        rendered_ = {&jobs[i], std::move(file), std::move(message)};
-        startWriting();
-      }
-    }
-    finishWriting();
+    for (int i = 0; i < commandLine_.filesAtOnce; ++i) startReading();
+    for (const Job& job : jobs) renderNext(job);
+    finishAllWriting();
   } catch (...) {
-    if (writing_.valid()) writing_.wait();
+    for (const Output& output : writing_) {
+      if (output.result.valid()) output.result.wait();
+    }
     throw;
   }
   if (!failures_.empty()) throw summary();
+}
+
+void Batch::renderNext(const Job& job) {
+  awaitReader();
+  Input input;
+  Output output{&job, {}, {}, {}, {}};
+  std::optional<Failure> failure = failureOf(job, [&] { input = reading_.front().get(); });
+  reading_.pop_front();
+  startReading();
+  if (!failure) failure = failureOf(job, [&] { render(job, input, output); });
+  if (failure) {
+    finishAllWriting();
+    return report(job, *failure);
+  }
+  while (writing_.size() >= static_cast<std::size_t>(commandLine_.filesAtOnce)) finishWriting();
+  output.file = std::move(input.file);
+  startWriting(output);
 }
 
 // What ends the work on a picture, but not always that on the others.
@@ -145,8 +178,11 @@ std::optional<Failure> Batch::failureOf(const Job& job, const Work& work) {
 
 void Batch::report(const Job& job, const Failure& failure) {
   const bool endsRun = wasInterrupted() || cancelled_ || commandLine_.failFast;
-  if (endsRun || commandLine_.jobs.size() == 1) throw failure;
-  printMessage("radiashafts: " + failure.text);
+  if (endsRun || commandLine_.jobs.size() == 1) {
+    report_.failedAtLast(job, failure);
+    throw failure;
+  }
+  report_.failed(job, failure);
   failures_.push_back({&job, failure.exitCode});
 }
 
@@ -161,37 +197,70 @@ Failure Batch::summary() const {
                         " pictures failed: " + names};
 }
 
-void Batch::startReading(std::size_t index) {
-  if (index == commandLine_.jobs.size()) return;
-  reading_ =
-      start([&job = commandLine_.jobs[index]] { return standin::readPictureFile(job.input); });
+void Batch::startReading() {
+  if (nextToRead_ == commandLine_.jobs.size()) return;
+  reading_.push_back(start([this, &job = commandLine_.jobs[nextToRead_]] { return read(job); }));
+  ++nextToRead_;
 }
 
-// An interrupt ends the program here at once, since reading may take forever; but not before the
-// encoder, which stops by itself, has removed its file.
-void Batch::awaitReader() {
-  while (isUnfinished(reading_) && isUnfinished(writing_)) writing_.wait_for(10ms);
-  if (!isUnfinished(reading_)) return;
-  const standin::ExitOnInterrupt exitOnInterrupt(interruptedLine);
-  reading_.wait();
-}
-
-double Batch::render(const Job& job, standin::Picture& picture) {
-  if (mask_ != nullptr) checkMask(picture);
+Batch::Input Batch::read(const Job& job) const {
+  std::optional<standin::Mask> mask;
+  if (job.mask) mask = standin::readMaskFile(*job.mask);
+  if (!standardInput_) return {standin::readPictureFile(job.input), std::move(mask)};
   try {
-    standin::checkWritable(job.output, picture);
+    return {standin::readPictureFile(standardInput_->path()), std::move(mask)};
   } catch (const standin::PictureFileError& error) {
-    throw Failure{exitOutput, error.what()};
+    throw Failure{exitInput, standardInput_->named(error.what())};
   }
-  return filter(job, picture);
 }
 
-void Batch::checkMask(const standin::Picture& picture) const {
-  if (mask_->width == picture.width && mask_->height == picture.height) return;
-  throw Failure{exitInput,
-                commandLine_.mask->string() + ": the mask is " + std::to_string(mask_->width) +
-                    " x " + std::to_string(mask_->height) + " and the picture " +
-                    std::to_string(picture.width) + " x " + std::to_string(picture.height)};
+// An interrupt ends the program here at once, since reading may take forever; but not while there
+// are temporary files: before the encoders, which stop by themselves, have removed theirs, and
+// where standard input is in one.
+void Batch::awaitReader() {
+  const auto running = [](const Output& output) { return isRunning(output.result); };
+  while (!isReady(reading_.front())) {
+    const auto output = std::find_if(writing_.begin(), writing_.end(), running);
+    if (output == writing_.end()) break;
+    output->result.wait_for(10ms);
+  }
+  if (isReady(reading_.front()) || standardInput_) return;
+  const standin::ExitOnInterrupt exitOnInterrupt(interruptedLine);
+  reading_.front().wait();
+}
+
+void Batch::render(const Job& job, Input& input, Output& output) {
+  standin::Picture& picture = input.file.picture;
+  const standin::Mask* const mask = maskFor(job, input, output.report);
+  if (job.output == standardStream) {
+    output.standardOutput =
+        std::make_unique<TemporaryPicture>("standard output", input.file.extension, exitOutput);
+  }
+  try {
+    standin::checkWritable(output.path(), picture);
+  } catch (const standin::PictureFileError& error) {
+    throw Failure{exitOutput, output.named(error.what())};
+  }
+  output.report.seconds = filter(job, picture, mask);
+  output.report.width = picture.width;
+  output.report.height = picture.height;
+  output.report.depth = picture.depth;
+}
+
+const standin::Mask* Batch::maskFor(const Job& job, Input& input, PictureReport& report) const {
+  const standin::Mask* const mask = input.mask ? &*input.mask : mask_;
+  const standin::Picture& picture = input.file.picture;
+  if (mask == nullptr || (mask->width == picture.width && mask->height == picture.height)) {
+    return mask;
+  }
+  const std::string text = job.mask.value_or(commandLine_.mask.value_or("")).string() +
+                           ": the mask is " + std::to_string(mask->width) + " x " +
+                           std::to_string(mask->height) + " and the picture " +
+                           std::to_string(picture.width) + " x " + std::to_string(picture.height);
+  if (commandLine_.strict) throw Failure{exitInput, text};
+  report.notes.push_back(text + "; it is scaled");
+  input.mask = scaledMask(*mask, picture.width, picture.height);
+  return &*input.mask;
 }
 
 std::string causeOf(std::int16_t status) {
@@ -200,7 +269,7 @@ std::string causeOf(std::int16_t status) {
 }
 
 // Replaces the picture with the filtered one and returns the filter's run time in seconds.
-double Batch::filter(const Job& job, standin::Picture& picture) {
+double Batch::filter(const Job& job, standin::Picture& picture, const standin::Mask* mask) {
   ProgressBar bar(job.input.filename().string(), !commandLine_.quiet);
   standin::HostTraits traits = commandLine_.traits;
   std::optional<standin::PictureWindow> window;
@@ -209,7 +278,7 @@ double Batch::filter(const Job& job, standin::Picture& picture) {
                    shownPicture(picture, standin::PictureWindow::maximumSize()));
     traits.ownerWindow = window->handle();
   }
-  standin::StandInHost host(picture, mask_, traits);
+  standin::StandInHost host(picture, mask, traits);
   host.chooseColor = [this](std::array<std::int16_t, 3>& color) {
     if (commandLine_.pickedColor) color = *commandLine_.pickedColor;
     return commandLine_.pickedColor.has_value();
@@ -233,29 +302,33 @@ double Batch::filter(const Job& job, standin::Picture& picture) {
   return seconds.count();
 }
 
-void Batch::startWriting() {
-  writing_ = start([this] {
-    return standin::writePictureFile(rendered_.job->output, std::move(rendered_.file),
-                                     wasInterrupted);
+void Batch::startWriting(Output& output) {
+  Output& kept = writing_.emplace_back(std::move(output));
+  kept.result = start([&kept] {
+    return standin::writePictureFile(kept.path(), std::move(kept.file), wasInterrupted);
   });
 }
 
-// Prints what is to be said of the written picture.
+// Tells what is to be said of the written picture.
 void Batch::finishWriting() {
-  if (!writing_.valid()) return;
-  const Job& job = *rendered_.job;
-  standin::WriteResult result;
-  try {
-    result = writing_.get();
-  } catch (const standin::PictureFileError& error) {
-    return report(job, {exitOutput, error.what()});
-  } catch (const std::bad_alloc&) {
-    return report(job, {exitRender, job.output.string() + ": not enough memory"});
+  Output& output = writing_.front();
+  const Job& job = *output.job;
+  const auto finish = [&output] {
+    try {
+      standin::WriteResult result = output.result.get();
+      if (!result.written) throw Failure{standin::interruptCode(), interrupted};
+      for (std::string& note : result.notes) output.report.notes.push_back(output.named(note));
+    } catch (const standin::PictureFileError& error) {
+      throw Failure{exitOutput, output.named(error.what())};
+    }
+    if (output.standardOutput) send(*output.standardOutput);
+  };
+  if (const std::optional<Failure> failure = failureOf(job, finish)) {
+    report(job, *failure);
+  } else {
+    report_.made(job, output.report);
   }
-  if (!result.written) throw Failure{standin::interruptCode(), interrupted};
-  if (commandLine_.quiet) return;
-  for (const std::string& note : result.notes) printMessage("note: " + note);
-  std::cout << rendered_.message << std::flush;
+  writing_.pop_front();
 }
 
 }  // namespace

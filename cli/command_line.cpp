@@ -2,12 +2,11 @@
 
 #include <algorithm>
 #include <iostream>
-#include <map>
 #include <memory>
-#include <set>
 
 #include <CLI/CLI.hpp>
 
+#include "cli/help_text.h"
 #include "cli/parameter_options.h"
 #include "cli/preset_options.h"
 #include "cli/printable.h"
@@ -26,66 +25,45 @@ constexpr char footer[] =
     "130 interrupted, 143 and 129 ended by SIGTERM and SIGHUP. An output is written beside its "
     "place and renamed onto it when complete.";
 
-class Formatter final : public CLI::Formatter {
-  std::string make_usage(const CLI::App*, std::string) const override {
-    return "Usage: " RADIASHAFTS_PROGRAM_NAME
-           " [OPTIONS] INPUT OUTPUT\n"
-           "       " RADIASHAFTS_PROGRAM_NAME " [OPTIONS] INPUT... --output-dir DIR\n";
-  }
-};
-
-// Which files to read and write.
-struct Files {
-  std::vector<std::string> paths;
-  std::string outputDirectory;
-  bool overwrite = false;     // inputs
-  bool skipExisting = false;  // outputs
-};
-
-// Pairs each input with its output. Throws a CLI::Error when the arguments contradict each other.
-std::vector<Job> jobsOf(const Files& files) {
-  const std::vector<std::string>& paths = files.paths;
-  std::vector<Job> jobs;
-  if (paths.empty()) throw CLI::RequiredError("INPUT");
-  if (files.outputDirectory.empty()) {
-    if (paths.size() == 1) throw CLI::RequiredError("OUTPUT, or --output-dir,");
-    if (paths.size() > 2) throw CLI::ValidationError("several inputs need --output-dir");
-    jobs.push_back({pathOf(paths[0]), pathOf(paths[1])});
-  } else {
-    std::map<fs::path, std::string> inputOf;
-    for (const std::string& path : paths) {
-      const fs::path output = pathOf(files.outputDirectory) / pathOf(path).filename();
-      const auto [existing, inserted] = inputOf.emplace(output, path);
-      if (!inserted) {
-        throw CLI::ValidationError(existing->second + " and " + path + " would both become " +
-                                   output.string());
-      }
-      jobs.push_back({pathOf(path), output});
-    }
-  }
-  return jobs;
-}
-
-void checkInputsStay(const std::vector<Job>& jobs) {
-  std::error_code error;
-  std::set<fs::path> inputs;
-  for (const Job& job : jobs) inputs.insert(fs::weakly_canonical(job.input, error));
-  for (const Job& job : jobs) {
-    if (inputs.contains(fs::weakly_canonical(job.output, error))) {
-      throw CLI::ValidationError(job.output.string() +
-                                 " is an input, too; --overwrite allows to replace it");
-    }
-  }
-}
-
-// Drops the jobs whose outputs are there. They are complete: an output comes in one step.
+// Takes the jobs whose outputs are there off the list. They are complete: an output comes in one
+// step.
 void skipExisting(CommandLine& commandLine) {
-  std::erase_if(commandLine.jobs, [&commandLine](const Job& job) {
+  std::vector<Job>& jobs = commandLine.jobs;
+  const auto first = std::stable_partition(jobs.begin(), jobs.end(), [](const Job& job) {
     std::error_code error;
-    if (!fs::exists(job.output, error)) return false;
-    commandLine.notes.push_back(job.output.string() + " exists, and is skipped");
-    return true;
+    return !fs::exists(job.output, error);
   });
+  commandLine.skipped.assign(first, jobs.end());
+  jobs.erase(first, jobs.end());
+}
+
+void addFileOptions(CLI::App& app, FileOptions& files, CommandLine& commandLine) {
+  app.add_option("paths", files.paths)->option_text("INPUT... OUTPUT")->group("");
+  const auto add = [&app](const char* name, auto& value, const char* description) {
+    return app.add_option(name, value, description)->group(fileGroup);
+  };
+  const auto addFlag = [&app](const char* name, bool& value, const char* description) {
+    app.add_flag(name, value, description)->group(fileGroup);
+  };
+  add("--output-dir", files.outputDirectory,
+      "Write each output here, under its input's name or that of --name")
+      ->type_name("DIR");
+  add("--name", files.name,
+      "How outputs are called: {stem} stands for the input's name and {ext} for its extension with "
+      "the dot, as in '{stem}-rays{ext}'; without --output-dir they stand beside the inputs")
+      ->type_name("PATTERN");
+  addFlag("--overwrite", files.overwrite, "Allow outputs in the place of inputs");
+  addFlag("--fail-fast", commandLine.failFast, "End at the first picture that fails");
+  add("--jobs", commandLine.filesAtOnce,
+      "Read this many files, and write as many, beside a render; each is a picture in memory "
+      "(default 1)")
+      ->check(CLI::Range(1, 64).description(""))
+      ->type_name("NUMBER");
+  add("--mask", files.mask,
+      "Selection: a grey picture, white is selected; a pattern as that of --name gives each input "
+      "one of its own")
+      ->type_name("FILE");
+  addFlag("--strict", commandLine.strict, "Refuse a mask of another size, which is else scaled");
 }
 
 // Options that simulate hosts with different features.
@@ -93,7 +71,7 @@ void addHostOptions(CLI::App& app, CommandLine& commandLine) {
   standin::HostTraits& traits = commandLine.traits;
   constexpr int padding = 52;  // bytes; a multiple of the sample size at every depth
   const auto add = [&app](const char* name, const char* description, auto action) {
-    app.add_flag_callback(name, action, description)->group("Host");
+    app.add_flag_callback(name, action, description)->group(hostGroup);
   };
   add("--no-suites", "Give no memory suites", [&traits] { traits.suites = false; });
   add("--no-descriptors", "Give no scripting: as chosen from the menu",
@@ -122,12 +100,12 @@ void addHostOptions(CLI::App& app, CommandLine& commandLine) {
          },
          "The window under the dialogs, by the system's handle")
       ->type_name("HANDLE")
-      ->group("Host");
+      ->group(hostGroup);
   app.add_option("--picked-color", commandLine.pickedColor,
                  "What the host's colour picker answers; else it is cancelled")
       ->type_name("R,G,B")
       ->delimiter(',')
-      ->group("Host");
+      ->group(hostGroup);
 }
 
 // A suggestion for the first argument that no option is called.
@@ -143,10 +121,6 @@ std::string nearestOption(const CLI::App& app) {
 
 }  // namespace
 
-std::filesystem::path pathOf(const std::string& text) {
-  return std::u8string(text.begin(), text.end());
-}
-
 void printNotes(const CommandLine& commandLine) {
   if (commandLine.quiet) return;
   for (const std::string& note : commandLine.notes) printMessage("note: " + note);
@@ -157,35 +131,42 @@ ParsedCommandLine parseCommandLine(int argc, char** argv) {
   CommandLine& commandLine = parsed.commandLine;
   CLI::App app("Paints soft rays of light streaming out of one point of a picture.",
                RADIASHAFTS_PROGRAM_NAME);
-  app.formatter(std::make_shared<Formatter>());
+  app.formatter(std::make_shared<HelpText>());
   app.footer(footer);
   app.allow_windows_style_options(false);  // a path may begin with a slash
-  app.set_version_flag("--version", "radiashafts " RADIASHAFTS_VERSION);
+  app.set_help_flag("-h,--help", "Print this help")->group(otherGroup);
+  app.set_help_all_flag("--help-host", "Print the options that simulate other hosts")
+      ->group(otherGroup);
+  app.set_version_flag("--version", "radiashafts " RADIASHAFTS_VERSION, "Print the version")
+      ->group(otherGroup);
 
-  Files files;
-  std::string mask;
+  FileOptions files;
+  bool skipsExisting = false;
+  addFileOptions(app, files, commandLine);
+  app.add_flag("--skip-existing", skipsExisting, "Leave out pictures whose output is there")
+      ->group(fileGroup);
   std::string module;
   bool listRequested = false;
-  app.add_option("paths", files.paths, "Pictures to read, and the one to write")
-      ->option_text("INPUT... OUTPUT");
-  app.add_option("--output-dir", files.outputDirectory,
-                 "Write each output here under its input's name")
-      ->type_name("DIR");
-  app.add_flag("--skip-existing", files.skipExisting, "Leave out pictures whose output is there");
-  app.add_flag("--overwrite", files.overwrite, "Allow outputs in the place of inputs");
-  app.add_flag("--fail-fast", commandLine.failFast, "End at the first picture that fails");
-  app.add_option("--mask", mask, "Selection: an 8-bit grey picture of the input's size")
-      ->type_name("FILE");
-  app.add_option("--module", module, "The filter module to run")->type_name("FILE");
+  app.add_flag("--list-parameters", listRequested, "Print names, defaults, ranges and entries")
+      ->group(otherGroup);
+  app.add_flag("--quiet", commandLine.quiet, "Print errors only")->group(otherGroup);
+  app.add_flag("--json", commandLine.json, "Print one line of JSON for each input")
+      ->group(otherGroup);
+  app.add_option("--module", module, "The filter module to run")
+      ->type_name("FILE")
+      ->group(otherGroup);
   addHostOptions(app, commandLine);
-  app.add_flag("--list-parameters", listRequested, "Tell names, defaults, ranges and entries");
-  app.add_flag("--quiet", commandLine.quiet, "Print errors only");
   const PresetOptions presets(app);
   const ParameterOptions parameters(app);
 
   try {
     std::vector<std::string> arguments = standin::programArguments(argc, argv);
     std::reverse(arguments.begin(), arguments.end());  // parse() takes them in reverse order
+    if (arguments.empty()) {
+      std::cerr << firstSteps;
+      parsed.exitCode = exitUsage;
+      return parsed;
+    }
     app.parse(arguments);
     if (listRequested) {
       listParameters(std::cout);
@@ -195,13 +176,12 @@ ParsedCommandLine parseCommandLine(int argc, char** argv) {
     commandLine.notes = parameters.notes();
     if (!presets.canRunWithoutPictures() || !files.paths.empty()) {
       commandLine.jobs = jobsOf(files);
-      if (!files.overwrite) checkInputsStay(commandLine.jobs);
-      if (files.skipExisting) skipExisting(commandLine);
+      if (skipsExisting) skipExisting(commandLine);
       if (!files.outputDirectory.empty())
         commandLine.outputDirectory = pathOf(files.outputDirectory);
     }
     commandLine.script = presets.apply(parameters, commandLine.quiet);
-    if (commandLine.jobs.empty()) {
+    if (commandLine.jobs.empty() && commandLine.skipped.empty()) {
       printNotes(commandLine);
       parsed.exitCode = exitSuccess;
       return parsed;
@@ -216,7 +196,7 @@ ParsedCommandLine parseCommandLine(int argc, char** argv) {
     }
     return parsed;
   }
-  if (!mask.empty()) commandLine.mask = pathOf(mask);
+  if (!files.mask.empty() && !isPattern(files.mask)) commandLine.mask = pathOf(files.mask);
   std::error_code error;
   commandLine.module = module.empty()
                            ? standin::executablePath().parent_path() / RADIASHAFTS_MODULE_NAME

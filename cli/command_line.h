@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "cli/job_list.h"
 #include "standin/script.h"
 #include "standin/stand_in_host.h"
 
@@ -29,18 +30,11 @@ struct Failure {
   std::string text;
 };
 
-// Converts a UTF-8 argument to a path; the system's paths may use another encoding.
-std::filesystem::path pathOf(const std::string& text);
-
-struct Job {
-  std::filesystem::path input;
-  std::filesystem::path output;
-};
-
 struct CommandLine {
   std::vector<Job> jobs;
+  std::vector<Job> skipped;                              // their outputs are there
   std::optional<std::filesystem::path> outputDirectory;  // made where there is none
-  std::optional<std::filesystem::path> mask;
+  std::optional<std::filesystem::path> mask;             // of all pictures
   std::filesystem::path module;
   standin::Script script;
   standin::HostTraits traits;
@@ -50,7 +44,10 @@ struct CommandLine {
   bool ownWindow = true;     // show a host window as the owner of the dialogs
   bool printScript = false;  // print the script that the filter returns
   bool quiet = false;
+  bool json = false;      // one line for each input
   bool failFast = false;  // a failed picture ends the run
+  bool strict = false;    // a mask of another size than its picture is a failure
+  int filesAtOnce = 1;    // read, and written, beside a render
 };
 
 void printNotes(const CommandLine& commandLine);

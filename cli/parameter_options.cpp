@@ -8,6 +8,7 @@
 #include <optional>
 #include <stdexcept>
 
+#include "cli/help_text.h"
 #include "cli/suggestion.h"
 #include "parameters/number_text.h"
 #include "parameters/parameter_text.h"
@@ -31,6 +32,14 @@ std::string optionName(const ParameterFacts& facts) {
     name += static_cast<char>(std::tolower(static_cast<unsigned char>(*c)));
   }
   return name;
+}
+
+const char* groupOf(const ParameterFacts& facts) {
+  const std::string_view name = facts.name;
+  if (name.starts_with("Selection")) return selectionGroup;
+  const bool isColor = name.find("Color") != std::string_view::npos || name == "Hue" ||
+                       name == "Saturation" || name == "Lightness";
+  return isColor ? colorGroup : lightGroup;
 }
 
 double numberIn(std::string_view text) {
@@ -164,11 +173,12 @@ ParameterOptions::ParameterOptions(CLI::App& app) {
       }
       return true;
     };
-    const std::string help = std::string(facts.help) + " (" + rangeText(facts) + ")";
+    const std::string help =
+        std::string(facts.help) + " (" + rangeText(facts) + "; default " + defaultText(facts) + ")";
     app.add_option(optionName(facts), parse, help)
         ->type_name(valueForm(facts))
         ->expected(1)
-        ->group("Parameters");
+        ->group(groupOf(facts));
   }
 }
 

@@ -4,6 +4,7 @@
 #include <iostream>
 
 #include "cli/command_line.h"
+#include "cli/help_text.h"
 #include "cli/printable.h"
 #include "cli/suggestion.h"
 #include "interface/model/remembered_settings.h"
@@ -106,17 +107,17 @@ void save(pfParameters& parameters, const PresetLocation& preset, bool quiet) {
 PresetOptions::PresetOptions(CLI::App& app) {
   const auto add = [&app](const char* name, std::optional<std::string>& value, const char* form,
                           const char* description) {
-    return app.add_option(name, value, description)->type_name(form)->group("Presets");
+    return app.add_option(name, value, description)->type_name(form)->group(presetGroup);
   };
   CLI::Option* const preset =
       add("--preset", loaded_, "[FILE:]NAME",
           "Start from this preset, without FILE one of the program's; other options go over it");
-  add("--list-presets", listed_, "FILE", "Tell the presets in a file, or those of the program")
+  add("--list-presets", listed_, "[FILE]", "Tell the presets in a file, or those of the program")
       ->expected(0, 1);
   add("--save-preset", saved_, "FILE:NAME", "Keep the values of this call as a preset");
   app.add_flag("--last-used", lastUsed_, "Start from the values last confirmed in the interface")
       ->excludes(preset)
-      ->group("Presets");
+      ->group(presetGroup);
 }
 
 standin::Script PresetOptions::apply(const ParameterOptions& parameters, bool quiet) const {

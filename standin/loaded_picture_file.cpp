@@ -8,20 +8,23 @@
 namespace radiashafts::standin {
 namespace {
 
-// Stays loaded: the metadata of pictures and the libraries' threads need it.
-const PictureLibrary& pictureLibrary() {
-  static Module& module = *new Module;
-  static const PictureLibrary* library = nullptr;
+// Throws when there is none; the next call tries again.
+const PictureLibrary& loadPictureLibrary() {
+  static Module& module = *new Module;  // stays loaded: metadata and the libraries' threads need it
+  if (!module.load(executablePath().parent_path() / RADIASHAFTS_PICTURE_LIBRARY)) {
+    throw PictureFileError("picture files cannot be read or written: " + module.error());
+  }
+  const auto* library = static_cast<const PictureLibrary*>(module.symbol(pictureLibrarySymbol));
   if (library == nullptr) {
-    if (!module.load(executablePath().parent_path() / RADIASHAFTS_PICTURE_LIBRARY)) {
-      throw PictureFileError("picture files cannot be read or written: " + module.error());
-    }
-    library = static_cast<const PictureLibrary*>(module.symbol(pictureLibrarySymbol));
-    if (library == nullptr) {
-      throw PictureFileError(std::string(RADIASHAFTS_PICTURE_LIBRARY) + " is not this program's");
-    }
+    throw PictureFileError(std::string(RADIASHAFTS_PICTURE_LIBRARY) + " is not this program's");
   }
   return *library;
+}
+
+// Several threads may ask at once.
+const PictureLibrary& pictureLibrary() {
+  static const PictureLibrary& library = loadPictureLibrary();
+  return library;
 }
 
 }  // namespace

@@ -148,6 +148,18 @@ std::string extensionOf(const fs::path& path) {
   return extension.substr(0, extension.find('?'));
 }
 
+// The usual extension of a format's files, with the dot.
+std::string extensionOf(const ImageInput& input) {
+  const std::string name = std::string(input.format_name()) + ':';
+  for (const std::string& format :
+       OIIO::Strutil::splits(OIIO::get_string_attribute("extension_list"), ";")) {
+    if (format.rfind(name, 0) == 0) {
+      return '.' + format.substr(name.size(), format.find(',') - name.size());
+    }
+  }
+  return "";
+}
+
 // Opens a picture file, also one with a question mark in its name, for which every format is tried.
 // On failure returns null; OIIO::geterror() has the reason.
 std::unique_ptr<ImageInput> tryOpen(const fs::path& path) {
@@ -202,7 +214,8 @@ std::unique_ptr<ImageInput> openInput(const fs::path& path, ImageSpec& spec) {
   auto input = tryOpen(path);
   if (input == nullptr) {
     const std::string reason = OIIO::geterror();
-    fail(path, reason.empty() ? "no picture of a format that can be read" : reason);
+    const bool isUnknown = reason.empty() || reason.find("find a format reader") != reason.npos;
+    fail(path, isUnknown ? "no picture of a format that can be read" : reason);
   }
   spec = input->spec();
   if (spec.width > hostapi::maximumSide || spec.height > hostapi::maximumSide) {
@@ -407,6 +420,7 @@ PictureFile readPictureFile(const fs::path& path) {
     divideByAlpha(file.picture);
   }
   rescaleWords(file.picture, hostWord);
+  file.extension = path.has_extension() ? path.extension().string() : extensionOf(*input);
   metadata->hasFurtherPages = input->seek_subimage(1, 0);
   file.metadata = std::move(metadata);
   return file;
@@ -416,9 +430,7 @@ Mask readMaskFile(const fs::path& path) {
   limitLibraryThreads();
   ImageSpec spec;
   const auto input = openInput(path, spec);
-  if (spec.nchannels != 1 || spec.format != TypeDesc::UINT8) {
-    fail(path, "a mask is an 8-bit grey picture");
-  }
+  if (spec.nchannels != 1) fail(path, "a mask is a grey picture without alpha");
   Mask mask{spec.width, spec.height, {}};
   mask.bytes.resize(static_cast<std::size_t>(spec.width) * static_cast<std::size_t>(spec.height));
   if (!input->read_image(0, 0, 0, 1, TypeDesc::UINT8, mask.bytes.data())) {

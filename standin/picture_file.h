@@ -27,13 +27,14 @@ struct PictureMetadata {
 struct PictureFile {
   Picture picture;
   std::shared_ptr<const PictureMetadata> metadata;
+  std::string extension;  // with a dot; for a file without one that of its format
 };
 
 // Reads the file's first picture at its own depth. Throws PictureFileError, also if a side is
 // longer than 32767 pixels.
 PictureFile readPictureFile(const std::filesystem::path& path);
 
-// Reads an 8-bit grey picture as a mask.
+// Reads a grey picture of any depth as a mask.
 Mask readMaskFile(const std::filesystem::path& path);
 
 // Throws PictureFileError if the picture cannot be written to the path. Called before filtering, so

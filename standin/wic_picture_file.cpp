@@ -352,7 +352,8 @@ void verify(const fs::path& path, const fs::path& target, const Picture& picture
 }  // namespace
 
 PictureFile readPictureFile(const fs::path& path) {
-  return {isFloatMap(path) ? readFloatMap(path) : readWithCodec(path), nullptr};
+  return {isFloatMap(path) ? readFloatMap(path) : readWithCodec(path), nullptr,
+          path.extension().string()};
 }
 
 Mask readMaskFile(const fs::path& path) {

@@ -165,7 +165,10 @@ TEST_F(CommandLine, BadInputGetsOneLineAndTouchesNoOutput) {
       {"missing.png out.png", 3, "missing.png"},
       {"short.png out.png", 3, "short.png"},
       {"short.jpg out.png", 3, "short.jpg"},
-      {"in.png out.png --mask mask.png", 3, "mask.png"},
+      {"in.png out.png --mask mask.png --strict", 3, "mask.png"},
+      {"in.png out.png --mask in.png", 3, "grey"},
+      {"- out.png <short.png", 3, "standard input"},
+      {"in.png --name '{stem}{x}'", 2, "{x}"},
       {"in.png out.nothing", 4, "out.nothing"},
       {"in.png kept.png", 4, "kept.png"},
       {"in.png device.png", 4, "device.png"},
@@ -211,6 +214,35 @@ TEST_F(CommandLine, BadInputGetsOneLineAndTouchesNoOutput) {
 }
 
 // The last byte, or a quarter of the file, finds no room.
+TEST_F(CommandLine, PipesPatternsAndManyFilesAtOnceMakeTheSamePictures) {
+  writePicture("a.png", 3, TypeDesc::UINT8);
+  ASSERT_EQ(run("a.png plain.png --quiet").exitCode, 0);
+  fs::create_directory(path("temporary"));
+  EXPECT_EQ(run("- -", "cat a.png | TMPDIR=temporary").out, read("plain.png"));
+  EXPECT_TRUE(fs::is_empty(path("temporary")));
+  EXPECT_EQ(run("- out.png", "TMPDIR=missing").exitCode, 3);
+  EXPECT_EQ(read("err.txt").rfind("radiashafts: standard input: no folder for temp", 0), 0U);
+
+  // Scaled masks, of 16 bits and of 8: all of b, and some rows of c as of d.
+  for (const char* name : {"b.png", "c.png", "d.png", "e.png"}) write(name, read("a.png"));
+  write("b.mask", "P5 3 2 65535\n" + std::string(12, '\xFF'));
+  std::string rows(23, '\0'), pixels;
+  std::fill_n(rows.begin() + 2, 6, '\xFF');
+  for (const char row : rows) pixels += std::string(37, row);
+  write("c.mask", "P5 1 23 255\n" + rows);
+  write("d.mask", "P5 37 23 255\n" + pixels);
+  const Answer answer =
+      run("b.png c.png d.png e.png --jobs 3 --json --name '{stem}-rays.png' --mask '{stem}.mask'");
+  EXPECT_EQ(answer.exitCode, 1);
+  EXPECT_EQ(answer.out.rfind(R"({"input":"b.png","output":"b-rays.png","width":37,)", 0), 0U);
+  const std::size_t second = answer.out.find("c.mask: the mask is 1 x 23"),
+                    last = answer.out.find(R"("error":"e.mask: no such file","exitCode":3})");
+  EXPECT_TRUE(second < last && last != std::string::npos) << answer.out;
+  EXPECT_EQ(read("b-rays.png"), read("plain.png"));
+  EXPECT_EQ(read("c-rays.png"), read("d-rays.png"));
+  EXPECT_NE(read("d-rays.png"), read("plain.png"));
+}
+
 TEST_F(CommandLine, AFullDiskLeavesTheOldPicture) {
   writePicture("in.tif", 3, TypeDesc::UINT8);
   fs::create_directory(path("results"));

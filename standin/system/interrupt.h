@@ -4,7 +4,8 @@
 namespace radiashafts::standin {
 
 // Installs the handlers. Signals that were ignored at program start stay ignored. On Linux SIGXFSZ
-// is ignored as well, so that exceeding the file size limit is a write error.
+// and SIGPIPE are ignored as well: exceeding the file size limit and a closed pipe are write
+// errors.
 void catchInterrupts();
 
 // The exit code after an interrupt: 128 plus the signal's number. 0 if there was none.

@@ -34,6 +34,7 @@ void catchInterrupts() {
     sigaction(signal, &action, nullptr);
   }
   std::signal(SIGXFSZ, SIG_IGN);
+  std::signal(SIGPIPE, SIG_IGN);
 }
 
 void exitAtOnce(const char* line, int code) {

@@ -1,0 +1,28 @@
+// How --help looks.
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+namespace radiashafts::cli {
+
+// The groups of options, in their order.
+inline constexpr char lightGroup[] = "Light";
+inline constexpr char colorGroup[] = "Colors of the rays";
+inline constexpr char selectionGroup[] = "What shines";
+inline constexpr char presetGroup[] = "Presets";
+inline constexpr char fileGroup[] = "Files";
+inline constexpr char otherGroup[] = "Other";
+inline constexpr char hostGroup[] = "Hosts, for tests";  // in --help-host alone
+
+// What is printed when the program is called without an argument.
+extern const char firstSteps[];
+
+class HelpText final : public CLI::Formatter {
+ public:
+  std::string make_help(const CLI::App* app, std::string name,
+                        CLI::AppFormatMode mode) const override;
+  std::string make_usage(const CLI::App* app, std::string name) const override;
+  std::string make_option(const CLI::Option* option, bool positional) const override;
+};
+
+}  // namespace radiashafts::cli

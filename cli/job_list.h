@@ -1,0 +1,37 @@
+// Which files a call reads and writes.
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace radiashafts::cli {
+
+// A file name that stands for standard input or standard output.
+inline constexpr char standardStream[] = "-";
+
+struct Job {
+  std::filesystem::path input;
+  std::filesystem::path output;
+  std::optional<std::filesystem::path> mask;  // of this picture alone
+};
+
+struct FileOptions {
+  std::vector<std::string> paths;
+  std::string outputDirectory;
+  std::string name;  // pattern of the outputs' names
+  std::string mask;  // a file, or the pattern of one file for each input
+  bool overwrite = false;
+};
+
+// Converts a UTF-8 argument to a path; the system's paths may use another encoding.
+std::filesystem::path pathOf(const std::string& text);
+
+// Whether the text holds "{stem}" or "{ext}", which stand for an input's name.
+bool isPattern(const std::string& text);
+
+// Pairs each input with its output. Throws a CLI::Error when the arguments contradict each other.
+std::vector<Job> jobsOf(const FileOptions& options);
+
+}  // namespace radiashafts::cli

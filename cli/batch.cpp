@@ -180,7 +180,7 @@ void Batch::report(const Job& job, const Failure& failure) {
   const bool endsRun = wasInterrupted() || cancelled_ || commandLine_.failFast;
   if (endsRun || commandLine_.jobs.size() == 1) {
     report_.failedAtLast(job, failure);
-    throw failure;
+    throw Failure(failure);
   }
   report_.failed(job, failure);
   failures_.push_back({&job, failure.exitCode});

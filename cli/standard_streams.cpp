@@ -16,7 +16,7 @@ namespace fs = std::filesystem;
 
 fs::path newFolder(const std::string& name, ExitCode exitCode) {
   std::error_code error;
-  const fs::path folder =
+  fs::path folder =
       fs::temp_directory_path(error) / ("radiashafts-" + std::to_string(std::random_device()()));
   const bool made = !error && fs::create_directory(folder, error);
   if (!made) {

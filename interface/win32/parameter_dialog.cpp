@@ -142,9 +142,7 @@ bool ParameterDialog::takeStep(const MSG& message) {
   int steps = 0;
   bool isNewStep = true;
   if (isWheel) {
-    wheel_ += GET_WHEEL_DELTA_WPARAM(message.wParam);
-    steps = wheel_ / WHEEL_DELTA;
-    wheel_ -= steps * WHEEL_DELTA;
+    steps = wheel_.turn(GET_WHEEL_DELTA_WPARAM(message.wParam));
   } else {
     constexpr std::pair<WPARAM, int> keys[] = {
         {VK_UP, 1}, {VK_DOWN, -1}, {VK_PRIOR, 10}, {VK_NEXT, -10}};

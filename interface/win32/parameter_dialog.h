@@ -14,6 +14,7 @@
 #include "interface/win32/preset_controls.h"
 #include "interface/win32/preview_dialog.h"
 #include "interface/win32/tooltips.h"
+#include "interface/win32/wheel_notches.h"
 
 namespace radiashafts {
 
@@ -50,7 +51,7 @@ class ParameterDialog final : public Dialog {
   DialogControls controls_;
   PresetControlsWin32 presets_{*this};
   DialogScroll scroll_;
-  int wheel_ = 0;  // turned, less than a notch
+  WheelNotches wheel_;
 };
 
 }  // namespace radiashafts

@@ -184,9 +184,7 @@ void PreviewDialog::onCharacter(WPARAM character) {
 
 // The point is on the screen.
 void PreviewDialog::onWheel(int delta, POINT point) {
-  wheel_ += delta;
-  const int notches = wheel_ / WHEEL_DELTA;
-  wheel_ -= notches * WHEEL_DELTA;
+  const int notches = wheel_.turn(delta);
   ScreenToClient(window(), &point);
   if (notches != 0) view_.ZoomTo(view_.requestedFactor() - notches, Point{point.x, point.y});
 }

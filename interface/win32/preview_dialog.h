@@ -16,6 +16,7 @@
 #include "interface/win32/module_cursor.h"
 #include "interface/win32/pipette_cursor.h"
 #include "interface/win32/preview_painting.h"
+#include "interface/win32/wheel_notches.h"
 
 namespace radiashafts {
 
@@ -70,7 +71,7 @@ class PreviewDialog final : public Dialog {
   HWND keyTarget_ = nullptr;
   bool bShowHandle = true;
   int dotsPerInch_ = USER_DEFAULT_SCREEN_DPI;
-  int wheel_ = 0;  // turned by less than a notch
+  WheelNotches wheel_;
   bool isMaximized_ = false;
   // While the user moves or resizes the window: the frame's size before, where the picture fits it.
   std::optional<Extent> fittedBefore_;

@@ -11,8 +11,9 @@
 #include "cli/preset_options.h"
 #include "cli/printable.h"
 #include "cli/suggestion.h"
+#include "standin/program_file.h"
 #include "standin/system/arguments.h"
-#include "standin/system/module.h"
+#include "standin/system/picture_window.h"
 
 namespace radiashafts::cli {
 namespace {
@@ -66,6 +67,12 @@ void addFileOptions(CLI::App& app, FileOptions& files, CommandLine& commandLine)
   addFlag("--strict", commandLine.strict, "Refuse a mask of another size, which is else scaled");
 }
 
+// For options that make the filter ask by its dialogs.
+void requireDialogs(const char* option) {
+  if (standin::hasWindows) return;
+  throw CLI::ValidationError(option, "the filter has no dialogs on this system");
+}
+
 // Options that simulate hosts with different features.
 void addHostOptions(CLI::App& app, CommandLine& commandLine) {
   standin::HostTraits& traits = commandLine.traits;
@@ -74,8 +81,10 @@ void addHostOptions(CLI::App& app, CommandLine& commandLine) {
     app.add_flag_callback(name, action, description)->group(hostGroup);
   };
   add("--no-suites", "Give no memory suites", [&traits] { traits.suites = false; });
-  add("--no-descriptors", "Give no scripting: as chosen from the menu",
-      [&traits] { traits.descriptors = false; });
+  add("--no-descriptors", "Give no scripting: as chosen from the menu", [&traits] {
+    requireDialogs("--no-descriptors");
+    traits.descriptors = false;
+  });
   add("--no-handle-procs", "Give no handle procs", [&traits] { traits.handleProcs = false; });
   add("--no-display-pixels", "Give no drawing proc", [&traits] { traits.displayPixels = false; });
   add("--no-color-services", "Give no colour picker", [&traits] { traits.colorServices = false; });
@@ -85,7 +94,10 @@ void addHostOptions(CLI::App& app, CommandLine& commandLine) {
     traits.outputPadding = 2 * padding;
     traits.maskPadding = 1;
   });
-  add("--dialog", "Ask for the interface", [&traits] { traits.playInfo = hostapi::playDisplay; });
+  add("--dialog", "Ask for the interface", [&traits] {
+    requireDialogs("--dialog");
+    traits.playInfo = hostapi::playDisplay;
+  });
   add("--no-owner-window", "Have no window of its own",
       [&commandLine] { commandLine.ownWindow = false; });
   add("--multichannel", "Show the picture as channels without a meaning",
@@ -198,9 +210,8 @@ ParsedCommandLine parseCommandLine(int argc, char** argv) {
   }
   if (!files.mask.empty() && !isPattern(files.mask)) commandLine.mask = pathOf(files.mask);
   std::error_code error;
-  commandLine.module = module.empty()
-                           ? standin::executablePath().parent_path() / RADIASHAFTS_MODULE_NAME
-                           : std::filesystem::absolute(pathOf(module), error);
+  commandLine.module = module.empty() ? standin::programLibrary(RADIASHAFTS_MODULE_NAME)
+                                      : std::filesystem::absolute(pathOf(module), error);
   return parsed;
 }
 

@@ -10,7 +10,7 @@
 #include "interface/model/remembered_settings.h"
 #include "parameters/preset_file.h"
 #include "platform/whole_file.h"
-#include "standin/system/module.h"
+#include "standin/program_file.h"
 
 namespace radiashafts::cli {
 namespace {
@@ -35,9 +35,8 @@ bool isDrive(const std::string& text, std::size_t colon) {
   return colon == 1 && rooted && std::isalpha(static_cast<unsigned char>(text[0])) != 0;
 }
 
-// The collection that stands beside the program.
 std::string shippedFile() {
-  return (standin::executablePath().parent_path() / "radiashafts.cfg").string();
+  return standin::programData("radiashafts.cfg").string();
 }
 
 std::optional<PresetLocation> parseLocation(const std::string& text) {

@@ -2,6 +2,7 @@
 // of their own.
 
 #include "standin/picture_library.h"
+#include "standin/program_file.h"
 #include "standin/system/module.h"
 #include "standin/system/standard_error.h"
 
@@ -11,7 +12,7 @@ namespace {
 // Throws when there is none; the next call tries again.
 const PictureLibrary& loadPictureLibrary() {
   static Module& module = *new Module;  // stays loaded: metadata and the libraries' threads need it
-  if (!module.load(executablePath().parent_path() / RADIASHAFTS_PICTURE_LIBRARY)) {
+  if (!module.load(programLibrary(RADIASHAFTS_PICTURE_LIBRARY))) {
     throw PictureFileError("picture files cannot be read or written: " + module.error());
   }
   const auto* library = static_cast<const PictureLibrary*>(module.symbol(pictureLibrarySymbol));

@@ -35,9 +35,10 @@ struct Answer {
 
 class CommandLine : public testing::Test, protected TestFolder {
  protected:
-  Answer run(const std::string& arguments, const std::string& runner = "") const {
-    const std::string command = "cd " + folder() + " && XDG_CONFIG_HOME=$PWD " + runner +
-                                " " RADIASHAFTS_PROGRAM " " + arguments + " >out.txt 2>err.txt";
+  Answer run(const std::string& arguments, const std::string& runner = "",
+             const std::string& program = RADIASHAFTS_PROGRAM) const {
+    const std::string command = "cd " + folder() + " && XDG_CONFIG_HOME=$PWD " + runner + " " +
+                                program + " " + arguments + " >out.txt 2>err.txt";
     const int status = std::system(command.c_str());
     return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, read("out.txt"), read("err.txt")};
   }
@@ -180,6 +181,7 @@ TEST_F(CommandLine, BadInputGetsOneLineAndTouchesNoOutput) {
       {"in.png mask.png out.png", 2, "--output-dir"},
       {"in.png ./in.png", 2, "--overwrite"},
       {"in.png out.png --module missing.so", 5, "missing.so"},
+      {"in.png out.png --dialog", 2, "--dialog: the filter has no dialogs"},
       {"--save-preset 'C:\\ours.cfg'", 2, "C:\\ours.cfg"},
       {"in.png out.png --preset ours.cfg:B --last-used", 2, "--last-used"},
       {"in.png out.png --preset ours.cfg:B", 3, "'B'; --list-presets"},
@@ -211,6 +213,24 @@ TEST_F(CommandLine, BadInputGetsOneLineAndTouchesNoOutput) {
   EXPECT_NE(answer.err.find("1 of 2 pictures failed: short.png\n"), std::string::npos);
   EXPECT_EQ(made(), 2);
   EXPECT_EQ(run("short.png missing.png --output-dir new").exitCode, 3);
+}
+
+// Reached by a link; also without /proc, a home or a temporary folder.
+TEST_F(CommandLine, InstalledAnywhereItFindsItsFiles) {
+  writePicture("in.png", 3, TypeDesc::UINT8);
+  const std::string options = "--preset low_warm_sun";
+  const std::size_t built = rendered(options);
+  const std::string install = "cmake --install " RADIASHAFTS_BUILD " --prefix " + path("usr");
+  ASSERT_EQ(std::system((install + " >" + path("install.txt")).c_str()), 0);
+  fs::create_symlink("usr/bin/radiashafts", path("linked"));
+  const std::string bare =
+      "unshare --map-root-user --mount sh -c 'mount -t tmpfs none /proc && "
+      "exec env -i TMPDIR=/nowhere \"$@\"' sh";
+  for (const std::string& runner : {std::string(), bare}) {
+    EXPECT_EQ(run("in.png out.png --quiet " + options, runner, "./linked").err, "");
+    EXPECT_EQ(std::hash<std::string>()(read("out.png")), built) << runner;
+    fs::remove(path("out.png"));
+  }
 }
 
 // The last byte, or a quarter of the file, finds no room.

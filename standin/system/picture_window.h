@@ -7,6 +7,9 @@
 
 namespace radiashafts::standin {
 
+// Whether this system has windows, and so the filter its dialogs: true on Windows only.
+extern const bool hasWindows;
+
 // A picture to show: blue-green-red bytes, rows from the top, each padded to 4 bytes.
 struct ShownPicture {
   int width = 0;

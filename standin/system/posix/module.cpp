@@ -1,6 +1,7 @@
 #include "standin/system/module.h"
 
 #include <dlfcn.h>
+#include <sys/auxv.h>
 
 namespace radiashafts::standin {
 
@@ -21,7 +22,13 @@ void* Module::symbol(const char* name) const {
 }
 
 std::filesystem::path executablePath() {
-  return std::filesystem::read_symlink("/proc/self/exe");
+  std::error_code error;
+  std::filesystem::path path = std::filesystem::read_symlink("/proc/self/exe", error);
+  if (!error) return path;
+  // /proc is not mounted: the path by which the program was started, from the working folder.
+  const auto* const started = reinterpret_cast<const char*>(getauxval(AT_EXECFN));
+  if (started == nullptr) return {};
+  return std::filesystem::weakly_canonical(started, error);
 }
 
 }  // namespace radiashafts::standin

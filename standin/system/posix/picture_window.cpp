@@ -2,6 +2,8 @@
 
 namespace radiashafts::standin {
 
+const bool hasWindows = false;
+
 struct PictureWindow::State {};
 
 ShownPicture PictureWindow::maximumSize() {

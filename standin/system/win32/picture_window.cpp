@@ -37,6 +37,8 @@ void registerClass() {
 
 }  // namespace
 
+const bool hasWindows = true;
+
 struct PictureWindow::State {
   ShownPicture picture;
   HWND window = nullptr;

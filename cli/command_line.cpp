@@ -7,6 +7,7 @@
 #include <CLI/CLI.hpp>
 
 #include "cli/help_text.h"
+#include "cli/option_list.h"
 #include "cli/parameter_options.h"
 #include "cli/preset_options.h"
 #include "cli/printable.h"
@@ -159,6 +160,7 @@ ParsedCommandLine parseCommandLine(int argc, char** argv) {
       ->group(fileGroup);
   std::string module;
   bool listRequested = false;
+  bool optionsRequested = false;
   app.add_flag("--list-parameters", listRequested, "Print names, defaults, ranges and entries")
       ->group(otherGroup);
   app.add_flag("--quiet", commandLine.quiet, "Print errors only")->group(otherGroup);
@@ -168,6 +170,7 @@ ParsedCommandLine parseCommandLine(int argc, char** argv) {
       ->type_name("FILE")
       ->group(otherGroup);
   addHostOptions(app, commandLine);
+  app.add_flag("--list-options", optionsRequested)->group("");  // for other programs
   const PresetOptions presets(app);
   const ParameterOptions parameters(app);
 
@@ -180,8 +183,9 @@ ParsedCommandLine parseCommandLine(int argc, char** argv) {
       return parsed;
     }
     app.parse(arguments);
-    if (listRequested) {
-      listParameters(std::cout);
+    if (listRequested || optionsRequested) {
+      if (listRequested) listParameters(std::cout);
+      if (optionsRequested) listOptions(std::cout, app);
       parsed.exitCode = exitSuccess;
       return parsed;
     }

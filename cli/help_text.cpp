@@ -57,8 +57,7 @@ std::string HelpText::make_help(const CLI::App* app, std::string name,
   // The library's help for everything serves as the help for hosts.
   const bool usual = mode != CLI::AppFormatMode::All;
   const std::vector<std::string> groups =
-      usual ? std::vector<std::string>{lightGroup,  colorGroup, selectionGroup,
-                                       presetGroup, fileGroup,  otherGroup}
+      usual ? std::vector<std::string>{usualGroups.begin(), usualGroups.end()}
             : std::vector<std::string>{hostGroup};
   std::string text = make_description(app) + make_usage(app, std::move(name));
   for (const std::string& group : groups) {

@@ -1,6 +1,8 @@
 // How --help looks.
 #pragma once
 
+#include <array>
+
 #include <CLI/CLI.hpp>
 
 namespace radiashafts::cli {
@@ -12,6 +14,8 @@ inline constexpr char selectionGroup[] = "What shines";
 inline constexpr char presetGroup[] = "Presets";
 inline constexpr char fileGroup[] = "Files";
 inline constexpr char otherGroup[] = "Other";
+inline constexpr std::array<const char*, 6> usualGroups{lightGroup,  colorGroup, selectionGroup,
+                                                        presetGroup, fileGroup,  otherGroup};
 inline constexpr char hostGroup[] = "Hosts, for tests";  // in --help-host alone
 
 // What is printed when the program is called without an argument.

@@ -213,6 +213,18 @@ std::vector<std::string> ParameterOptions::notes() const {
   return notes;
 }
 
+std::string parameterEntries(const CLI::Option& option) {
+  std::string entries;
+  for (const ParameterFacts& facts : effectTable) {
+    if (!hasOption(facts) || !option.check_name(optionName(facts))) continue;
+    for (const char* entry : facts.entries) {
+      if (!entries.empty()) entries += '|';
+      entries += entry;
+    }
+  }
+  return entries;
+}
+
 void printScript(std::ostream& out, const standin::Script& script) {
   for (const ParameterFacts& facts : effectTable) {
     std::string text;

@@ -37,6 +37,9 @@ class ParameterOptions {
   std::array<Value, effectTable.size()> values_;
 };
 
+// The entries of an option's list, with "|" between them; empty where it has none.
+std::string parameterEntries(const CLI::Option& option);
+
 // Prints a recorded script, one option and its value per line.
 void printScript(std::ostream& out, const standin::Script& script);
 

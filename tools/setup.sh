@@ -3,11 +3,11 @@
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 
 build_packages=(g++ cmake ninja-build pkg-config libopenimageio-dev libcli11-dev
-  nlohmann-json3-dev libgtest-dev libbenchmark-dev)
+  nlohmann-json3-dev libgtest-dev libbenchmark-dev python3)
 picture_packages=(mate-backgrounds)
 windows_packages=(g++-mingw-w64-x86-64-posix)
-test_packages=(clang-format clang-tidy cppcheck fonts-wine googletest icoutils openbox wine64
-  xauth xvfb)
+test_packages=(bash-completion clang-format clang-tidy cppcheck fonts-wine googletest icoutils
+  openbox wine64 xauth xvfb zsh)
 
 say() { printf '== %s\n' "$*" >&2; }
 

@@ -1,6 +1,7 @@
 # Sourced by the other scripts: functions that install packages and build presets.
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+version=$(sed -n 's/^project(radiashafts VERSION \([0-9.]*\).*/\1/p' "$root/CMakeLists.txt")
 
 build_packages=(g++ cmake ninja-build pkg-config libopenimageio-dev libcli11-dev
   nlohmann-json3-dev libgtest-dev libbenchmark-dev python3)

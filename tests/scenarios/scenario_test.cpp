@@ -325,10 +325,12 @@ class Player {
     return info.hwndFocus;
   }
 
+  // The key is lost where the window manager gives the keyboard to another window.
   void nextControl() const {
+    bringToFront(dialog_);
     const HWND before = focused();
     pressKey("Tab");
-    eventually([&] { return focused() != before; }, 5);
+    eventually([&] { return focused() != before || GetForegroundWindow() != dialog_; }, 30);
   }
 
   void focus(Text name) const {
@@ -341,9 +343,13 @@ class Player {
 
   void write(Text text) const {
     const HWND edit = focused();
-    // Once more where the window manager has given the keyboard to another window in between.
+    const RECT rect = rectOf(edit);
+    const POINT middle{(rect.left + rect.right) / 2, (rect.top + rect.bottom) / 2};
+    // Once more where the window manager has given the keyboard to another window in between. Keys
+    // that are still under way, such as Tab, come before the click.
     const auto isWritten = [&] {
       bringToFront(dialog_);
+      test::drag(middle, middle);
       pressKey("End");
       pressKey("Shift+Home");
       typeText(text);

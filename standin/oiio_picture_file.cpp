@@ -15,6 +15,7 @@
 #include <OpenImageIO/strutil.h>
 
 #include "standin/oiio_threads.h"
+#include "standin/orientation.h"
 #include "standin/partial_file.h"
 #include "standin/picture_file.h"
 #include "standin/word_scale.h"
@@ -130,6 +131,17 @@ void setLayout(Picture& picture, const ImageSpec& spec) {
       spec.nchannels > picture.colorPlanes &&
       (spec.alpha_channel == picture.colorPlanes || spec.channelnames.at(firstExtraChannel) == "A");
   picture.depth = depthOf(spec.format);
+}
+
+// Turns the picture as its file asks for; from then on the file's request is fulfilled.
+void makeUpright(Picture& picture, ImageSpec& spec) {
+  const int orientation = spec.get_int_attribute("Orientation", 1);
+  turnUpright(picture, orientation);
+  if (orientation == 1) return;
+  spec.attribute("Orientation", 1);
+  spec.full_x = spec.x = spec.full_y = spec.y = 0;
+  spec.full_width = picture.width;
+  spec.full_height = picture.height;
 }
 
 // The JPEG decoder pads a truncated file without an error. In a complete file the end marker
@@ -372,9 +384,6 @@ void verify(const fs::path& written, const fs::path& path, const ImageOutput& ou
   const auto* metadata = dynamic_cast<const OiioMetadata*>(file.metadata.get());
   if (metadata == nullptr) return;
   const ImageSpec& requested = metadata->spec;
-  if (requested.get_int_attribute("Orientation", 1) != spec.get_int_attribute("Orientation", 1)) {
-    noteLoss("orientation");
-  }
   if (requested.find_attribute("ICCProfile") != nullptr &&
       spec.find_attribute("ICCProfile") == nullptr) {
     noteLoss("colour profile");
@@ -420,6 +429,7 @@ PictureFile readPictureFile(const fs::path& path) {
     divideByAlpha(file.picture);
   }
   rescaleWords(file.picture, hostWord);
+  makeUpright(file.picture, metadata->spec);
   file.extension = path.has_extension() ? path.extension().string() : extensionOf(*input);
   metadata->hasFurtherPages = input->seek_subimage(1, 0);
   file.metadata = std::move(metadata);
@@ -431,12 +441,16 @@ Mask readMaskFile(const fs::path& path) {
   ImageSpec spec;
   const auto input = openInput(path, spec);
   if (spec.nchannels != 1) fail(path, "a mask is a grey picture without alpha");
-  Mask mask{spec.width, spec.height, {}};
-  mask.bytes.resize(static_cast<std::size_t>(spec.width) * static_cast<std::size_t>(spec.height));
-  if (!input->read_image(0, 0, 0, 1, TypeDesc::UINT8, mask.bytes.data())) {
+  Picture picture;
+  picture.width = spec.width;
+  picture.height = spec.height;
+  picture.planes = picture.colorPlanes = 1;
+  picture.allocate();
+  if (!input->read_image(0, 0, 0, 1, TypeDesc::UINT8, picture.bytes.data())) {
     fail(path, input->geterror());
   }
-  return mask;
+  makeUpright(picture, spec);
+  return {picture.width, picture.height, std::move(picture.bytes)};
 }
 
 void checkWritable(const fs::path& path, const Picture&) {

@@ -30,7 +30,8 @@ struct PictureFile {
   std::string extension;  // with a dot; for a file without one that of its format
 };
 
-// Reads the file's first picture at its own depth. Throws PictureFileError, also if a side is
+// Reads the file's first picture at its own depth, turned upright where the file says how its camera
+// was held. Throws PictureFileError, also if a side is
 // longer than 32767 pixels.
 PictureFile readPictureFile(const std::filesystem::path& path);
 

@@ -131,17 +131,39 @@ TEST_F(CommandLine, MetadataSurvivesAndWhatTheFormatCannotHoldIsTold) {
     const std::array<std::uint8_t, 4> profile{1, 2, 3, 4};
     spec.attribute("ICCProfile", TypeDesc(TypeDesc::UINT8, 4), profile.data());
     spec.attribute("XResolution", 240.0F);
-    spec.attribute("Orientation", 6);
   });
   ASSERT_EQ(run("in.tif out.tif --quiet").exitCode, 0);
   ImageSpec spec;
   words("out.tif", &spec);
   EXPECT_NE(spec.find_attribute("ICCProfile"), nullptr);
   EXPECT_EQ(spec.get_float_attribute("XResolution"), 240.0F);
-  EXPECT_EQ(spec.get_int_attribute("Orientation"), 6);
   const std::string notes = run("in.tif out.jpg").err;
   EXPECT_NE(notes.find("3 of the picture's 4 channels"), std::string::npos) << notes;
   EXPECT_NE(notes.find("depth is changed"), std::string::npos) << notes;
+}
+
+// A mask lies where the user sees the picture, and a format without the tag has it upright, too.
+TEST_F(CommandLine, PicturesAreTurnedUpright) {
+  // By the number of the orientation.
+  constexpr const char* stored[] = {"",       "ABCDEF", "CBAFED", "FEDCBA", "DEFABC",
+                                    "ADBECF", "CFBEAD", "FCEBDA", "DAEBFC"};
+  for (int orientation = 1; orientation <= 8; ++orientation) {
+    const bool onItsSide = orientation >= 5;
+    ImageSpec spec(onItsSide ? 2 : 3, onItsSide ? 3 : 2, 1, TypeDesc::UINT8);
+    spec.attribute("Orientation", orientation);
+    const auto output = OIIO::ImageOutput::create(path("in.tif"));
+    ASSERT_TRUE(output->open(path("in.tif"), spec));
+    ASSERT_TRUE(output->write_image(TypeDesc::UINT8, stored[orientation]) && output->close());
+    for (const char* name : {"out.tif", "out.pgm"}) {
+      ASSERT_EQ(run(std::string("in.tif ") + name + untouched).exitCode, 0);
+      std::string found;
+      for (const std::uint16_t word : words(name, &spec)) found += static_cast<char>(word / 257);
+      EXPECT_EQ(found, "ABCDEF") << orientation;
+      EXPECT_EQ(spec.width * 10 + spec.height, 32) << orientation;
+      EXPECT_EQ(spec.get_int_attribute("Orientation", 1), 1) << orientation;
+    }
+    EXPECT_EQ(standin::readMaskFile(path("in.tif")).width, 3) << orientation;
+  }
 }
 
 // One line that names the culprit, the exit code that the help tells, and the output as it was.

@@ -237,7 +237,7 @@ void Batch::render(const Job& job, Input& input, Output& output) {
         std::make_unique<TemporaryPicture>("standard output", input.file.extension, exitOutput);
   }
   try {
-    standin::checkWritable(output.path(), picture);
+    standin::checkWritable(output.path(), picture, commandLine_.encoding);
   } catch (const standin::PictureFileError& error) {
     throw Failure{exitOutput, output.named(error.what())};
   }
@@ -304,8 +304,9 @@ double Batch::filter(const Job& job, standin::Picture& picture, const standin::M
 
 void Batch::startWriting(Output& output) {
   Output& kept = writing_.emplace_back(std::move(output));
-  kept.result = start([&kept] {
-    return standin::writePictureFile(kept.path(), std::move(kept.file), wasInterrupted);
+  kept.result = start([this, &kept] {
+    return standin::writePictureFile(kept.path(), std::move(kept.file), commandLine_.encoding,
+                                     wasInterrupted);
   });
 }
 

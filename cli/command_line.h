@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "cli/job_list.h"
+#include "standin/picture_file.h"
 #include "standin/script.h"
 #include "standin/stand_in_host.h"
 
@@ -36,6 +37,7 @@ struct CommandLine {
   std::optional<std::filesystem::path> outputDirectory;  // made where there is none
   std::optional<std::filesystem::path> mask;             // of all pictures
   std::filesystem::path module;
+  standin::EncodingOptions encoding;
   standin::Script script;
   standin::HostTraits traits;
   std::vector<std::string> notes;  // for the user, one line each

@@ -30,9 +30,9 @@ const PictureLibrary& pictureLibrary() {
 
 }  // namespace
 
-PictureFile readPictureFile(const std::filesystem::path& path) {
+PictureFile readPictureFile(const std::filesystem::path& path, const ReadingOptions& options) {
   const SilencedStandardError silenced;
-  return pictureLibrary().read(path);
+  return pictureLibrary().read(path, options);
 }
 
 Mask readMaskFile(const std::filesystem::path& path) {
@@ -40,15 +40,16 @@ Mask readMaskFile(const std::filesystem::path& path) {
   return pictureLibrary().readMask(path);
 }
 
-void checkWritable(const std::filesystem::path& path, const Picture& picture) {
+void checkWritable(const std::filesystem::path& path, const Picture& picture,
+                   const EncodingOptions& options) {
   const SilencedStandardError silenced;
-  pictureLibrary().check(path, picture);
+  pictureLibrary().check(path, picture, options);
 }
 
 WriteResult writePictureFile(const std::filesystem::path& path, PictureFile&& file,
-                             const std::function<bool()>& aborted) {
+                             const EncodingOptions& options, const std::function<bool()>& aborted) {
   const SilencedStandardError silenced;
-  return pictureLibrary().write(path, std::move(file), aborted);
+  return pictureLibrary().write(path, std::move(file), options, aborted);
 }
 
 }  // namespace radiashafts::standin

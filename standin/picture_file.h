@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -30,17 +31,31 @@ struct PictureFile {
   std::string extension;  // with a dot; for a file without one that of its format
 };
 
-// Reads the file's first picture at its own depth, turned upright where the file says how its camera
-// was held. Throws PictureFileError, also if a side is
-// longer than 32767 pixels.
-PictureFile readPictureFile(const std::filesystem::path& path);
+// How a picture is read where its file leaves a choice.
+struct ReadingOptions {
+  int page = 0;                   // counts from 1; 0 is the file's main picture
+  std::filesystem::path profile;  // ICC file for RGB, to which colours are converted; or empty
+};
+
+// How a picture is written where that is not to be as in its input, or as is good for the format.
+struct EncodingOptions {
+  std::optional<int> quality;  // 1 to 100
+  std::optional<int> depth;    // bits of a sample: 8, 10, 12, 16 or 32
+  std::string compression;     // by the format's name for it
+  std::string format;          // an extension without the dot, instead of the path's
+};
+
+// Reads a picture at its own depth, turned upright where the file says how its camera was held.
+// Throws PictureFileError, also if a side is longer than 32767 pixels.
+PictureFile readPictureFile(const std::filesystem::path& path, const ReadingOptions& options = {});
 
 // Reads a grey picture of any depth as a mask.
 Mask readMaskFile(const std::filesystem::path& path);
 
 // Throws PictureFileError if the picture cannot be written to the path. Called before filtering, so
 // that the error is reported early.
-void checkWritable(const std::filesystem::path& path, const Picture& picture);
+void checkWritable(const std::filesystem::path& path, const Picture& picture,
+                   const EncodingOptions& options = {});
 
 // Writes the picture to a temporary file, in the format given by the path's extension, and renames
 // it to the path when it is complete. Modifies file.picture. Each note says what the format cannot
@@ -51,6 +66,6 @@ struct WriteResult {
   std::vector<std::string> notes;
 };
 WriteResult writePictureFile(const std::filesystem::path& path, PictureFile&& file,
-                             const std::function<bool()>& aborted);
+                             const EncodingOptions& options, const std::function<bool()>& aborted);
 
 }  // namespace radiashafts::standin

@@ -351,7 +351,7 @@ void verify(const fs::path& path, const fs::path& target, const Picture& picture
 
 }  // namespace
 
-PictureFile readPictureFile(const fs::path& path) {
+PictureFile readPictureFile(const fs::path& path, const ReadingOptions&) {
   return {isFloatMap(path) ? readFloatMap(path) : readWithCodec(path), nullptr,
           path.extension().string()};
 }
@@ -362,7 +362,7 @@ Mask readMaskFile(const fs::path& path) {
   return {picture.width, picture.height, picture.bytes};
 }
 
-void checkWritable(const fs::path& path, const Picture& picture) {
+void checkWritable(const fs::path& path, const Picture& picture, const EncodingOptions&) {
   if (const std::string reason = PartialFile::obstacle(path); !reason.empty()) fail(path, reason);
   if (isFloatMap(path)) {
     if (picture.depth != 32 || picture.hasAlpha) {
@@ -375,7 +375,7 @@ void checkWritable(const fs::path& path, const Picture& picture) {
   startEncoding(path, stream.get(), picture);
 }
 
-WriteResult writePictureFile(const fs::path& path, PictureFile&& file,
+WriteResult writePictureFile(const fs::path& path, PictureFile&& file, const EncodingOptions&,
                              const std::function<bool()>& aborted) {
   PartialFile partial(path);
   if (isFloatMap(path)) {

@@ -128,8 +128,9 @@ TEST_F(CommandLine, RendersWhatTheModuleRenders) {
 
 TEST_F(CommandLine, MetadataSurvivesAndWhatTheFormatCannotHoldIsTold) {
   writePicture("in.tif", 4, TypeDesc::UINT16, [](ImageSpec& spec) {
-    const std::array<std::uint8_t, 4> profile{1, 2, 3, 4};
-    spec.attribute("ICCProfile", TypeDesc(TypeDesc::UINT8, 4), profile.data());
+    std::string profile(132, '\0');  // a header and no tags
+    profile.replace(3, 1, "\204").replace(16, 4, "RGB ").replace(36, 4, "acsp");
+    spec.attribute("ICCProfile", TypeDesc(TypeDesc::UINT8, 132), profile.data());
     spec.attribute("XResolution", 240.0F);
   });
   ASSERT_EQ(run("in.tif out.tif --quiet").exitCode, 0);

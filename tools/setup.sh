@@ -3,7 +3,8 @@
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 version=$(sed -n 's/^project(radiashafts VERSION \([0-9.]*\).*/\1/p' "$root/CMakeLists.txt")
 
-build_packages=(g++ cmake ninja-build pkg-config libopenimageio-dev libcli11-dev
+build_packages=(g++ cmake ninja-build pkg-config libopenimageio-dev
+  libjpeg62-turbo-dev libpng-dev libwebp-dev libheif-dev liblcms2-dev libcli11-dev
   nlohmann-json3-dev libgtest-dev libbenchmark-dev python3)
 picture_packages=(mate-backgrounds)
 windows_packages=(g++-mingw-w64-x86-64-posix)

@@ -169,18 +169,30 @@ Image imageOf(const Picture& picture, int bits) {
   return image;
 }
 
+// AVIF decoders take all of these, those of HEIC in hardware the default alone, which is 4:2:0.
+const char* avifChroma(int bits, int quality) {
+  constexpr int tenBits = 10;
+  if (bits == tenBits) return "422";  // the encoder ends the program for any other
+  constexpr int fineQuality = 90;
+  return quality >= fineQuality ? "444" : "420";
+}
+
 void encodeHeif(const fs::path& path, const EncodedPicture& encoded) {
   const Picture& picture = encoded.picture;
   const FileMetadata& metadata = encoded.metadata;
+  const bool isAvif = encoded.extension == ".avif";
+  constexpr int goodQuality = 90;
+  const int quality = encoded.options.quality.value_or(goodQuality);
   const Context context(heif_context_alloc());
   const HeifEncoder encoder = make<HeifEncoder>([&](heif_encoder** out) {
-    const bool isAvif = encoded.extension == ".avif";
     return heif_context_get_encoder_for_format(
         context.get(), isAvif ? heif_compression_AV1 : heif_compression_HEVC, out);
   });
-  constexpr int goodQuality = 90;
-  check(
-      heif_encoder_set_lossy_quality(encoder.get(), encoded.options.quality.value_or(goodQuality)));
+  check(heif_encoder_set_lossy_quality(encoder.get(), quality));
+  if (isAvif) {
+    check(heif_encoder_set_parameter_string(encoder.get(), "chroma",
+                                            avifChroma(encoded.bits, quality)));
+  }
   const Image image = imageOf(picture, encoded.bits);
   if (!metadata.profile.empty()) {
     check(heif_image_set_raw_color_profile(image.get(), "prof", metadata.profile.data(),

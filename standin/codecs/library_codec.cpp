@@ -310,7 +310,8 @@ StoredSamples encodeWithLibrary(ImageOutput& output, const fs::path& path,
   const std::string format = output.format_name();
   if (!output.open(path.string(), spec)) throw std::runtime_error(output.geterror());
   const TypeDesc stored = output.spec().format;
-  if (stored != spec.format) {
+  const bool holdsAll = stored == TypeDesc::HALF && picture.depth == 8;
+  if (stored != spec.format && !holdsAll) {
     encoded.notes.push_back(format + " holds " + stored.c_str() + " samples and not " +
                             spec.format.c_str() + "; the depth is changed");
   }

@@ -103,7 +103,8 @@ class Batch {
   void awaitReader();
   void render(const Job& job, Input& input, Output& output);
   // The mask in the picture's size; null for none.
-  const standin::Mask* maskFor(const Job& job, Input& input, PictureReport& report) const;
+  const standin::Mask* maskFor(const Job& job, Input& input, const standin::Picture& picture,
+                               PictureReport& report) const;
   // Returns the filter's run time in seconds.
   double filter(const Job& job, standin::Picture& picture, const standin::Mask* mask);
   void startWriting(Output& output);
@@ -206,9 +207,11 @@ void Batch::startReading() {
 Batch::Input Batch::read(const Job& job) const {
   std::optional<standin::Mask> mask;
   if (job.mask) mask = standin::readMaskFile(*job.mask);
-  if (!standardInput_) return {standin::readPictureFile(job.input), std::move(mask)};
+  if (!standardInput_)
+    return {standin::readPictureFile(job.input, commandLine_.reading), std::move(mask)};
   try {
-    return {standin::readPictureFile(standardInput_->path()), std::move(mask)};
+    return {standin::readPictureFile(standardInput_->path(), commandLine_.reading),
+            std::move(mask)};
   } catch (const standin::PictureFileError& error) {
     throw Failure{exitInput, standardInput_->named(error.what())};
   }
@@ -231,25 +234,28 @@ void Batch::awaitReader() {
 
 void Batch::render(const Job& job, Input& input, Output& output) {
   standin::Picture& picture = input.file.picture;
-  const standin::Mask* const mask = maskFor(job, input, output.report);
   if (job.output == standardStream) {
     output.standardOutput =
         std::make_unique<TemporaryPicture>("standard output", input.file.extension, exitOutput);
   }
   try {
-    standin::checkWritable(output.path(), picture, commandLine_.encoding);
+    standin::checkWritable(output.path(), input.file, commandLine_.encoding);
   } catch (const standin::PictureFileError& error) {
     throw Failure{exitOutput, output.named(error.what())};
   }
-  output.report.seconds = filter(job, picture, mask);
+  output.report.seconds = filter(job, picture, maskFor(job, input, picture, output.report));
+  for (standin::PictureFile& page : input.file.furtherPages) {
+    const standin::Mask* const mask = maskFor(job, input, page.picture, output.report);
+    output.report.seconds += filter(job, page.picture, mask);
+  }
   output.report.width = picture.width;
   output.report.height = picture.height;
   output.report.depth = picture.depth;
 }
 
-const standin::Mask* Batch::maskFor(const Job& job, Input& input, PictureReport& report) const {
+const standin::Mask* Batch::maskFor(const Job& job, Input& input, const standin::Picture& picture,
+                                    PictureReport& report) const {
   const standin::Mask* const mask = input.mask ? &*input.mask : mask_;
-  const standin::Picture& picture = input.file.picture;
   if (mask == nullptr || (mask->width == picture.width && mask->height == picture.height)) {
     return mask;
   }

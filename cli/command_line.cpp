@@ -6,6 +6,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include "cli/encoding_options.h"
 #include "cli/help_text.h"
 #include "cli/option_list.h"
 #include "cli/parameter_options.h"
@@ -158,6 +159,7 @@ ParsedCommandLine parseCommandLine(int argc, char** argv) {
   addFileOptions(app, files, commandLine);
   app.add_flag("--skip-existing", skipsExisting, "Leave out pictures whose output is there")
       ->group(fileGroup);
+  addEncodingOptions(app, commandLine.reading, commandLine.encoding);
   std::string module;
   bool listRequested = false;
   bool optionsRequested = false;
@@ -191,6 +193,7 @@ ParsedCommandLine parseCommandLine(int argc, char** argv) {
     }
     commandLine.notes = parameters.notes();
     if (!presets.canRunWithoutPictures() || !files.paths.empty()) {
+      files.format = commandLine.encoding.format;
       commandLine.jobs = jobsOf(files);
       if (skipsExisting) skipExisting(commandLine);
       if (!files.outputDirectory.empty())

@@ -37,6 +37,7 @@ struct CommandLine {
   std::optional<std::filesystem::path> outputDirectory;  // made where there is none
   std::optional<std::filesystem::path> mask;             // of all pictures
   std::filesystem::path module;
+  standin::ReadingOptions reading;
   standin::EncodingOptions encoding;
   standin::Script script;
   standin::HostTraits traits;

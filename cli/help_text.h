@@ -13,6 +13,7 @@ inline constexpr char colorGroup[] = "Colors of the rays";
 inline constexpr char selectionGroup[] = "What shines";
 inline constexpr char presetGroup[] = "Presets";
 inline constexpr char fileGroup[] = "Files";
+inline constexpr char encodingGroup[] = "Formats";
 inline constexpr char otherGroup[] = "Other";
 inline constexpr std::array<const char*, 6> usualGroups{lightGroup,  colorGroup, selectionGroup,
                                                         presetGroup, fileGroup,  otherGroup};

@@ -34,9 +34,11 @@ fs::path expanded(const std::string& option, const std::string& pattern, const f
 }
 
 fs::path outputOf(const FileOptions& options, const fs::path& input) {
-  fs::path name = input.filename();
+  fs::path source = input;
+  if (!options.format.empty()) source.replace_extension(pathOf(options.format));
+  fs::path name = source.filename();
   if (!options.name.empty()) {
-    name = expanded("--name", options.name, input);
+    name = expanded("--name", options.name, source);
     if (name != name.filename()) {
       throw CLI::ValidationError("--name", "'" + options.name + "' is no file's name alone");
     }

@@ -20,8 +20,9 @@ struct Job {
 struct FileOptions {
   std::vector<std::string> paths;
   std::string outputDirectory;
-  std::string name;  // pattern of the outputs' names
-  std::string mask;  // a file, or the pattern of one file for each input
+  std::string name;    // pattern of the outputs' names
+  std::string format;  // extension of outputs that are called after their inputs
+  std::string mask;    // a file, or the pattern of one file for each input
   bool overwrite = false;
 };
 

@@ -40,10 +40,10 @@ Mask readMaskFile(const std::filesystem::path& path) {
   return pictureLibrary().readMask(path);
 }
 
-void checkWritable(const std::filesystem::path& path, const Picture& picture,
+void checkWritable(const std::filesystem::path& path, const PictureFile& file,
                    const EncodingOptions& options) {
   const SilencedStandardError silenced;
-  pictureLibrary().check(path, picture, options);
+  pictureLibrary().check(path, file, options);
 }
 
 WriteResult writePictureFile(const std::filesystem::path& path, PictureFile&& file,

@@ -29,11 +29,13 @@ struct PictureFile {
   Picture picture;
   std::shared_ptr<const PictureMetadata> metadata;
   std::string extension;  // with a dot; for a file without one that of its format
+  std::vector<PictureFile> furtherPages;
 };
 
 // How a picture is read where its file leaves a choice.
 struct ReadingOptions {
   int page = 0;                   // counts from 1; 0 is the file's main picture
+  bool allPages = false;          // the first one and furtherPages
   std::filesystem::path profile;  // ICC file for RGB, to which colours are converted; or empty
 };
 
@@ -52,15 +54,15 @@ PictureFile readPictureFile(const std::filesystem::path& path, const ReadingOpti
 // Reads a grey picture of any depth as a mask.
 Mask readMaskFile(const std::filesystem::path& path);
 
-// Throws PictureFileError if the picture cannot be written to the path. Called before filtering, so
-// that the error is reported early.
-void checkWritable(const std::filesystem::path& path, const Picture& picture,
+// Throws PictureFileError if the pictures cannot be written to the path. Called before filtering,
+// so that the error is reported early.
+void checkWritable(const std::filesystem::path& path, const PictureFile& file,
                    const EncodingOptions& options = {});
 
 // Writes the picture to a temporary file, in the format given by the path's extension, and renames
-// it to the path when it is complete. Modifies file.picture. Each note says what the format cannot
-// store. Throws PictureFileError. If aborted returns true, the result's written is false. In both
-// cases the temporary file is deleted.
+// it to the path when it is complete. Modifies the file's pictures. Each note says what the format
+// cannot store. Throws PictureFileError. If aborted returns true, the result's written is false. In
+// both cases the temporary file is deleted.
 struct WriteResult {
   bool written = false;
   std::vector<std::string> notes;

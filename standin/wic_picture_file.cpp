@@ -349,11 +349,18 @@ void verify(const fs::path& path, const fs::path& target, const Picture& picture
   if (!same) fail(target, "the written file does not hold the picture");
 }
 
+void refuse(const fs::path& path, bool asked) {
+  if (asked) fail(path, "the options for formats, profiles and pages work on Linux alone");
+}
+
 }  // namespace
 
-PictureFile readPictureFile(const fs::path& path, const ReadingOptions&) {
-  return {isFloatMap(path) ? readFloatMap(path) : readWithCodec(path), nullptr,
-          path.extension().string()};
+PictureFile readPictureFile(const fs::path& path, const ReadingOptions& options) {
+  refuse(path, options.page != 0 || options.allPages || !options.profile.empty());
+  return {isFloatMap(path) ? readFloatMap(path) : readWithCodec(path),
+          nullptr,
+          path.extension().string(),
+          {}};
 }
 
 Mask readMaskFile(const fs::path& path) {
@@ -362,7 +369,10 @@ Mask readMaskFile(const fs::path& path) {
   return {picture.width, picture.height, picture.bytes};
 }
 
-void checkWritable(const fs::path& path, const Picture& picture, const EncodingOptions&) {
+void checkWritable(const fs::path& path, const PictureFile& file, const EncodingOptions& options) {
+  refuse(path, options.quality || options.depth || !options.compression.empty() ||
+                   !options.format.empty());
+  const Picture& picture = file.picture;
   if (const std::string reason = PartialFile::obstacle(path); !reason.empty()) fail(path, reason);
   if (isFloatMap(path)) {
     if (picture.depth != 32 || picture.hasAlpha) {

@@ -28,6 +28,7 @@ struct EncodedPicture {
   const EncodingOptions& options;
   std::string_view extension;            // of the format, with a dot
   int bits;                              // of a sample
+  int page;                              // counts from 0
   const std::function<bool()>& aborted;  // asked now and then; encoders then return
   std::vector<std::string>& notes;
 };
@@ -56,6 +57,9 @@ extern const Codec webpCodec;
 extern const Codec heifCodec;
 
 // ---- What the codecs share. Functions that fail throw std::runtime_error with the cause.
+
+// What a file of another format than TIFF and the like is told when a page is asked for.
+inline constexpr char noPages[] = "holds one picture, and no pages to choose from";
 
 void checkSides(std::uint64_t width, std::uint64_t height);
 

@@ -40,7 +40,7 @@ Owner make(const Make& function) {
 
 Handle pageOf(heif_context* context, int page, FileMetadata& metadata) {
   const int count = heif_context_get_number_of_top_level_images(context);
-  metadata.hasFurtherPages = count > 1;
+  metadata.hasNextPage = std::max(page, 1) < count;
   if (page == 0) {
     return make<Handle>([&](heif_image_handle** handle) {
       return heif_context_get_primary_image_handle(context, handle);

@@ -47,6 +47,10 @@ bool codecPremultiplies(std::string_view format) {
   return format == "openexr" || format == "webp";
 }
 
+bool holdsPages(std::string_view format) {
+  return format == "tiff" || format == "gif" || format == "openexr" || format == "webp";
+}
+
 // Whether the colours read from this file are premultiplied. TIFF files have a tag for it.
 bool isPremultiplied(std::string_view format, const ImageSpec& spec) {
   return codecPremultiplies(format) ||
@@ -84,7 +88,6 @@ ImageSpec outputSpec(const EncodedPicture& encoded, const ImageOutput& output) {
   if (!picture.hasAlpha) spec.alpha_channel = -1;
   const auto* input = std::any_cast<ImageSpec>(&metadata.spec);
   const std::string_view format = output.format_name();
-  const bool isSame = input != nullptr && metadata.format == format;
   if (input != nullptr) {
     if (depthOf(input->format) == picture.depth) spec.set_format(input->format);
     if (input->nchannels == picture.planes) {
@@ -114,8 +117,20 @@ ImageSpec outputSpec(const EncodedPicture& encoded, const ImageOutput& output) {
       if (format != "tiff" || isEncoding) spec.extra_attribs.push_back(attribute);
     }
   }
+  if (format == "openexr" && encoded.options.depth) {
+    constexpr int halfBits = 16;
+    spec.set_format(encoded.bits <= halfBits ? TypeDesc::HALF : TypeDesc::FLOAT);
+  }
+  std::string compression = encoded.options.compression;
+  if (compression.empty()) compression = spec.get_string_attribute("compression");
+  if (encoded.options.quality) {
+    compression = compression.substr(0, compression.find(':'));
+    compression += ':' + std::to_string(*encoded.options.quality);
+  }
+  if (!compression.empty()) spec.attribute("compression", compression);
   // Packed samples, such as 10-bit ones, were widened on reading.
-  if (!isSame || format != "dpx" || picture.depth != 16) spec.erase_attribute("oiio:BitsPerSample");
+  spec.erase_attribute("oiio:BitsPerSample");
+  if (format == "dpx" && encoded.bits % 8 != 0) spec.attribute("oiio:BitsPerSample", encoded.bits);
   spec.erase_attribute("oiio:subimages");
   spec.erase_attribute("ICCProfile");
   if (format == "tiff") return spec;
@@ -167,10 +182,11 @@ bool contentMatches(ImageInput& input, const Picture& picture, const StoredSampl
     const int end = std::min(y + rowsAtOnce, spec.height);
     const bool read =
         spec.tile_width == 0
-            ? input.read_scanlines(0, 0, spec.y + y, spec.y + end, 0, 0, spec.nchannels,
-                                   stored.type, rows.data())
-            : input.read_tiles(0, 0, spec.x, spec.x + spec.width, spec.y + y, spec.y + end, spec.z,
-                               spec.z + 1, 0, spec.nchannels, stored.type, rows.data());
+            ? input.read_scanlines(input.current_subimage(), 0, spec.y + y, spec.y + end, 0, 0,
+                                   spec.nchannels, stored.type, rows.data())
+            : input.read_tiles(input.current_subimage(), 0, spec.x, spec.x + spec.width, spec.y + y,
+                               spec.y + end, spec.z, spec.z + 1, 0, spec.nchannels, stored.type,
+                               rows.data());
     if (!read) {
       static_cast<void>(input.geterror());
       return false;
@@ -253,7 +269,8 @@ DecodedPicture decodeWithLibrary(const fs::path& path, int page) {
     const bool isUnknown = reason.empty() || reason.find("find a format reader") != reason.npos;
     throw std::runtime_error(isUnknown ? "no picture of a format that can be read" : reason);
   }
-  if (index > 0 && !input->seek_subimage(index, 0)) {
+  if (page > 0 && !holdsPages(input->format_name())) throw std::runtime_error(noPages);
+  if (!input->seek_subimage(index, 0)) {
     static_cast<void>(input->geterror());
     throw std::runtime_error("has no page " + std::to_string(page));
   }
@@ -267,13 +284,14 @@ DecodedPicture decodeWithLibrary(const fs::path& path, int page) {
     throw std::runtime_error(input->geterror());
   }
   metadata.format = input->format_name();
+  metadata.bits = spec.format == TypeDesc::HALF ? 16 : spec.get_int_attribute("oiio:BitsPerSample");
   decoded.isPremultiplied = decoded.picture.hasAlpha && isPremultiplied(metadata.format, spec);
   decoded.orientation = spec.get_int_attribute("Orientation", 1);
   if (const auto* profile = spec.find_attribute("ICCProfile");
       metadata.profile.empty() && profile) {
     metadata.profile.assign(static_cast<const char*>(profile->data()), profile->datasize());
   }
-  metadata.hasFurtherPages = input->seek_subimage(1, 0);
+  metadata.hasNextPage = input->seek_subimage(index + 1, 0);
   if (decoded.orientation != 1) {
     spec.attribute("Orientation", 1);
     spec.full_x = spec.x = spec.full_y = spec.y = 0;
@@ -308,7 +326,8 @@ StoredSamples encodeWithLibrary(ImageOutput& output, const fs::path& path,
                                 const EncodedPicture& encoded, Picture& picture) {
   const ImageSpec spec = outputSpec(encoded, output);
   const std::string format = output.format_name();
-  if (!output.open(path.string(), spec)) throw std::runtime_error(output.geterror());
+  const auto mode = encoded.page == 0 ? ImageOutput::Create : ImageOutput::AppendSubimage;
+  if (!output.open(path.string(), spec, mode)) throw std::runtime_error(output.geterror());
   const TypeDesc stored = output.spec().format;
   const bool holdsAll = stored == TypeDesc::HALF && picture.depth == 8;
   if (stored != spec.format && !holdsAll) {
@@ -322,22 +341,29 @@ StoredSamples encodeWithLibrary(ImageOutput& output, const fs::path& path,
   const bool complete = output.write_image(
       typeOf(picture.depth), picture.bytes.data(), OIIO::AutoStride, OIIO::AutoStride,
       OIIO::AutoStride, isCancelled, const_cast<std::function<bool()>*>(&encoded.aborted));
-  const StoredSamples samples{stored, isExact(output)};
-  if (encoded.aborted()) return samples;
-  if (!complete || !output.close()) throw std::runtime_error(output.geterror());
-  if (format == "tiff") {
-    const TagsWritten written = writeTiffTags(path, encoded.metadata);
-    if (written == TagsWritten::failed) throw std::runtime_error("its tags cannot be written");
-    if (written == TagsWritten::fileTooLarge) {
-      encoded.notes.emplace_back("a file above 4 GB keeps neither profile nor other metadata");
-    }
-  }
-  return samples;
+  if (!complete && !encoded.aborted()) throw std::runtime_error(output.geterror());
+  return {stored, isExact(output)};
 }
 
-ImageSpec verify(const fs::path& path, const Picture& picture, const StoredSamples& stored) {
+void finishWithLibrary(ImageOutput& output, const fs::path& path,
+                       const std::vector<FileMetadata>& pages, std::vector<std::string>& notes) {
+  const std::string_view format = output.format_name();
+  if (!output.close()) throw std::runtime_error(output.geterror());
+  for (int page = 0; format == "tiff" && page < static_cast<int>(pages.size()); ++page) {
+    const TagsWritten written = writeTiffTags(path, page, pages[static_cast<std::size_t>(page)]);
+    if (written == TagsWritten::failed) throw std::runtime_error("its tags cannot be written");
+    if (written == TagsWritten::fileTooLarge) {
+      notes.emplace_back("a file above 4 GB keeps neither profile nor other metadata");
+      return;
+    }
+  }
+}
+
+ImageSpec verify(const fs::path& path, int page, const Picture& picture,
+                 const StoredSamples& stored) {
   const auto input = tryOpen(path);
-  if (input == nullptr || !contentMatches(*input, picture, stored) || !canAppendByte(path)) {
+  if (input == nullptr || !input->seek_subimage(page, 0) ||
+      !contentMatches(*input, picture, stored) || !canAppendByte(path)) {
     static_cast<void>(OIIO::geterror());
     throw std::runtime_error("the written file does not hold the picture");
   }

@@ -27,12 +27,17 @@ struct StoredSamples {
   OIIO::TypeDesc type;
   bool exact;
 };
-// Modifies the picture, of which encoded has a view, where the encoder wants premultiplied alpha.
+// Adds a page to the file that the output writes, or begins it. Modifies the picture, of which
+// encoded has a view, where the encoder wants premultiplied alpha.
 StoredSamples encodeWithLibrary(OIIO::ImageOutput& output, const std::filesystem::path& path,
                                 const EncodedPicture& encoded, Picture& picture);
+// Ends the file and adds the metadata of its pages where the library does not write it.
+void finishWithLibrary(OIIO::ImageOutput& output, const std::filesystem::path& path,
+                       const std::vector<FileMetadata>& pages, std::vector<std::string>& notes);
 
-// Reads the file back and returns its spec: not all encoders report a full disk.
-OIIO::ImageSpec verify(const std::filesystem::path& path, const Picture& picture,
+// Reads a page of the file, from 0 on, back and returns its spec: not all encoders report a full
+// disk.
+OIIO::ImageSpec verify(const std::filesystem::path& path, int page, const Picture& picture,
                        const StoredSamples& stored);
 
 OIIO::TypeDesc typeOf(int depth);

@@ -5,8 +5,8 @@
 #include <algorithm>
 #include <array>
 #include <cctype>
-#include <cmath>
 #include <fstream>
+#include <map>
 #include <sstream>
 
 #include <OpenImageIO/imageio.h>
@@ -166,49 +166,103 @@ void fitChannels(Picture& picture, const Encoder& encoder, std::vector<std::stri
   }
 }
 
+// The bits of a stored sample, of those that are wanted.
+int storedBits(const Encoder& encoder, int wanted) {
+  const bool isPacked = wanted % 8 != 0;
+  if (encoder.codec == &heifCodec) return wanted <= 8 ? 8 : wanted == 12 ? 12 : 10;
+  if (encoder.codec != nullptr) {
+    return std::min(isPacked ? 16 : wanted, encoder.codec->limits.depth);
+  }
+  return isPacked && wanted > 8 && encoder.format != "dpx" ? 16 : wanted;
+}
+
 // Brings the samples to the depth that is asked for and that the format holds. Returns the bits of
 // a stored sample.
 int fitDepth(Picture& picture, const Encoder& encoder, const FileMetadata& metadata,
              const EncodingOptions& options, std::vector<std::string>& notes) {
-  const int before = metadata.bits != 0 && picture.depth == 16 ? metadata.bits : picture.depth;
-  int bits = options.depth.value_or(before);
-  if (encoder.codec != nullptr) bits = std::min(bits, encoder.codec->limits.depth);
-  if (encoder.codec == &heifCodec && bits > 8) {
-    constexpr int goodBits = 10;
-    bits = bits == 12 ? 12 : goodBits;
-  }
-  const int depth = bits <= 8 ? 8 : bits <= 16 ? 16 : 32;
+  const int wanted = options.depth.value_or(metadata.bits != 0 ? metadata.bits : picture.depth);
+  const int bits = storedBits(encoder, wanted);
+  // The picture library makes half floats of floats, not of words.
+  const bool staysFloat = picture.depth == 32 && encoder.library != nullptr &&
+                          (!options.depth || encoder.format == "openexr");
+  const int depth = staysFloat || bits > 16 ? 32 : bits > 8 ? 16 : 8;
   if (depth != picture.depth) convertDepth(picture, depth);
-  if (bits < before && bits != options.depth) {
+  if (bits < wanted || (options.depth && bits != wanted)) {
     notes.push_back(encoder.format + " holds " + std::to_string(bits) + " bits a channel and not " +
-                    std::to_string(before) + "; the depth is changed");
+                    std::to_string(wanted) + "; the depth is changed");
   }
   return bits;
 }
 
-// Reads the written file back and notes what it has lost.
-void checkWritten(const fs::path& written, const Picture& picture, const StoredSamples& stored,
-                  const Encoder& encoder, const FileMetadata& metadata,
+// Refuses a compression that the format does not have.
+void checkCompression(const fs::path& path, const Encoder& encoder, const std::string& name) {
+  static const std::map<std::string, std::vector<std::string_view>> compressions{
+      {"tiff", {"none", "lzw", "zip", "packbits", "jpeg"}},
+      {"openexr", {"none", "rle", "zips", "zip", "piz", "pxr24", "b44", "b44a", "dwaa", "dwab"}},
+      {"webp", {"lossless", "lossy"}}};
+  if (name.empty()) return;
+  const auto found = compressions.find(encoder.format);
+  if (found == compressions.end() ||
+      std::find(found->second.begin(), found->second.end(), name) == found->second.end()) {
+    fail(path, encoder.format + " has no compression '" + name + "'");
+  }
+}
+
+// One page on its way into a file.
+struct Page {
+  Picture picture;
+  FileMetadata metadata;
+  StoredSamples stored{};
+};
+
+// Fits the page to the format and encodes it.
+void encodePage(Page& page, int number, const Encoder& encoder, const fs::path& path,
+                const EncodingOptions& options, const std::function<bool()>& aborted,
+                std::vector<std::string>& notes) {
+  Picture& picture = page.picture;
+  notes.insert(notes.end(), page.metadata.notes.begin(), page.metadata.notes.end());
+  rescaleWords(picture, fileWord);
+  fitChannels(picture, encoder, notes);
+  const int bits = fitDepth(picture, encoder, page.metadata, options, notes);
+  dropUnkept(page.metadata, encoder.format, picture.colorPlanes, notes);
+  const EncodedPicture encoded{picture, page.metadata, options, encoder.extension,
+                               bits,    number,        aborted, notes};
+  if (encoder.library != nullptr) {
+    page.stored = encodeWithLibrary(*encoder.library, path, encoded, picture);
+  } else {
+    encoder.codec->encode(path, encoded);
+    page.stored = {typeOf(picture.depth), encoder.codec == &pngCodec};
+  }
+}
+
+// Reads a written page back and notes what it has lost.
+void checkWritten(const fs::path& written, const Page& page, int number, const Encoder& encoder,
                   std::vector<std::string>& notes) {
-  const OIIO::ImageSpec spec = verify(written, picture, stored);
-  if (encoder.library != nullptr && !metadata.profile.empty() &&
+  const OIIO::ImageSpec spec = verify(written, number, page.picture, page.stored);
+  if (encoder.library != nullptr && !page.metadata.profile.empty() &&
       spec.find_attribute("ICCProfile") == nullptr) {
     notes.push_back(encoder.format + " does not keep the colour profile");
   }
 }
 
-}  // namespace
+// The file's picture and further pages.
+std::vector<Page> pagesOf(PictureFile&& file) {
+  std::vector<Page> pages;
+  const auto add = [&pages](PictureFile& from) {
+    const auto* read = dynamic_cast<const FileMetadata*>(from.metadata.get());
+    pages.push_back({std::move(from.picture), read != nullptr ? *read : FileMetadata(), {}});
+  };
+  add(file);
+  for (PictureFile& page : file.furtherPages) add(page);
+  return pages;
+}
 
-PictureFile readPictureFile(const fs::path& path, const ReadingOptions& options) {
-  limitLibraryThreads();
-  const Codec* codec = inputCodec(path);
-  requireThreads(path, codec);
+PictureFile readPage(const fs::path& path, const Codec* codec, int page,
+                     const ReadingOptions& options) {
   DecodedPicture decoded = namingFile(path, [&] {
-    if (codec == nullptr) return decodeWithLibrary(path, options.page);
-    if (options.page > 1 && codec != &heifCodec) {
-      throw std::runtime_error("has no page " + std::to_string(options.page));
-    }
-    DecodedPicture found = codec->decode(path, options.page);
+    if (codec == nullptr) return decodeWithLibrary(path, page);
+    if (page > 0 && codec != &heifCodec) throw std::runtime_error(noPages);
+    DecodedPicture found = codec->decode(path, page);
     found.metadata->format = codec->format;
     if (const auto orientation = found.metadata->exif.number(tagOrientation)) {
       found.orientation = static_cast<int>(*orientation);
@@ -219,12 +273,34 @@ PictureFile readPictureFile(const fs::path& path, const ReadingOptions& options)
   makeUpright(decoded);
   namingFile(path, [&] { convertToProfile(decoded, options.profile); });
   rescaleWords(decoded.picture, hostWord);
+  if (!options.allPages && (page > 1 || decoded.metadata->hasNextPage)) {
+    decoded.metadata->notes.emplace_back("holds one of the input's pages alone");
+  }
   std::string extension = path.extension().string();
   if (extension.empty()) {
     extension =
         codec != nullptr ? codec->extensions.front() : usualExtension(decoded.metadata->format);
   }
-  return {std::move(decoded.picture), std::move(decoded.metadata), std::move(extension)};
+  return {std::move(decoded.picture), std::move(decoded.metadata), std::move(extension), {}};
+}
+
+bool hasNextPage(const PictureFile& file) {
+  return dynamic_cast<const FileMetadata&>(*file.metadata).hasNextPage;
+}
+
+}  // namespace
+
+PictureFile readPictureFile(const fs::path& path, const ReadingOptions& options) {
+  limitLibraryThreads();
+  const Codec* codec = inputCodec(path);
+  requireThreads(path, codec);
+  PictureFile file = readPage(path, codec, options.allPages ? 1 : options.page, options);
+  bool hasNext = options.allPages && hasNextPage(file);
+  for (int page = 2; hasNext; ++page) {
+    file.furtherPages.push_back(readPage(path, codec, page, options));
+    hasNext = hasNextPage(file.furtherPages.back());
+  }
+  return file;
 }
 
 Mask readMaskFile(const fs::path& path) {
@@ -235,14 +311,20 @@ Mask readMaskFile(const fs::path& path) {
   return {picture.width, picture.height, std::move(picture.bytes)};
 }
 
-void checkWritable(const fs::path& path, const Picture& picture, const EncodingOptions& options) {
+void checkWritable(const fs::path& path, const PictureFile& file, const EncodingOptions& options) {
   if (const std::string reason = PartialFile::obstacle(path); !reason.empty()) fail(path, reason);
   const Encoder encoder = encoderFor(path, options);
+  const Picture& picture = file.picture;
   const int side = std::max(picture.width, picture.height);
   if (encoder.codec != nullptr && side > encoder.codec->limits.side) {
     fail(path, encoder.format + " holds sides of " + std::to_string(encoder.codec->limits.side) +
                    " pixels and not " + std::to_string(side));
   }
+  if (!file.furtherPages.empty() && encoder.format != "tiff") {
+    fail(path, encoder.format + " holds one page and not " +
+                   std::to_string(file.furtherPages.size() + 1) + "; TIFF holds all");
+  }
+  checkCompression(path, encoder, options.compression);
 }
 
 WriteResult writePictureFile(const fs::path& path, PictureFile&& file,
@@ -250,28 +332,24 @@ WriteResult writePictureFile(const fs::path& path, PictureFile&& file,
   limitLibraryThreads();
   PartialFile partial(path);
   const Encoder encoder = encoderFor(path, options);
-  Picture& picture = file.picture;
-  FileMetadata metadata;
-  if (const auto* read = dynamic_cast<const FileMetadata*>(file.metadata.get())) metadata = *read;
-  std::vector<std::string> notes = metadata.notes;
-  if (metadata.hasFurtherPages) notes.emplace_back("holds one of the input's pages alone");
-  rescaleWords(picture, fileWord);
-  fitChannels(picture, encoder, notes);
-  const int bits = fitDepth(picture, encoder, metadata, options, notes);
-  dropUnkept(metadata, encoder.format, picture.colorPlanes, notes);
-  const EncodedPicture encoded{picture, metadata, options, encoder.extension, bits, aborted, notes};
-  const bool written = namingFile(path, [&] {
-    StoredSamples stored{typeOf(picture.depth), encoder.codec == &pngCodec};
-    if (encoder.codec != nullptr) {
-      encoder.codec->encode(partial.path(), encoded);
-    } else {
-      stored = encodeWithLibrary(*encoder.library, partial.path(), encoded, picture);
+  std::vector<Page> pages = pagesOf(std::move(file));
+  std::vector<std::string> notes;
+  const auto write = [&] {
+    for (std::size_t i = 0; i < pages.size(); ++i) {
+      encodePage(pages[i], static_cast<int>(i), encoder, partial.path(), options, aborted, notes);
+      if (aborted()) return false;
     }
-    if (aborted()) return false;
-    checkWritten(partial.path(), picture, stored, encoder, metadata, notes);
+    if (encoder.library != nullptr) {
+      std::vector<FileMetadata> metadata;
+      for (const Page& page : pages) metadata.push_back(page.metadata);
+      finishWithLibrary(*encoder.library, partial.path(), metadata, notes);
+    }
+    for (std::size_t i = 0; i < pages.size(); ++i) {
+      checkWritten(partial.path(), pages[i], static_cast<int>(i), encoder, notes);
+    }
     return !aborted();
-  });
-  if (!written) return {};
+  };
+  if (!namingFile(path, write)) return {};
   if (const std::string error = partial.renameToTarget(); !error.empty()) fail(path, error);
   for (std::string& note : notes) note.insert(0, path.string() + ": ");
   return {true, std::move(notes)};

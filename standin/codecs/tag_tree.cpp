@@ -88,16 +88,19 @@ std::optional<TagTree> TagTree::read(std::istream& bytes, int number) {
   tree.bigEndian_ = header->front() == 'M';
   constexpr std::uint32_t version = 42;
   if (tree.getNumber(*header, 2, 2) != version) return std::nullopt;
-  std::uint32_t offset = tree.getNumber(*header, 4, 4);
-  for (; number > 0 && offset != 0; --number) {
+  tree.pointerAt_ = 4;
+  std::uint32_t offset = tree.getNumber(*header, tree.pointerAt_, 4);
+  for (;; --number) {
     const auto count = source.read(offset, 2);
-    if (!count) return std::nullopt;
-    const auto end = static_cast<std::uint32_t>(2 + tree.getNumber(*count, 0, 2) * entrySize);
-    const auto next = source.read(offset + end, 4);
-    if (!next) return std::nullopt;
-    offset = tree.getNumber(*next, 0, 4);
+    if (!count || offset == 0) return std::nullopt;
+    const auto nextAt =
+        static_cast<std::uint32_t>(offset + 2 + tree.getNumber(*count, 0, 2) * entrySize);
+    const auto next = source.read(nextAt, 4);
+    tree.next_ = next ? tree.getNumber(*next, 0, 4) : 0;
+    if (number == 0) break;
+    tree.pointerAt_ = nextAt;
+    offset = tree.next_;
   }
-  if (offset == 0) return std::nullopt;
   tree.tags_ = tree.readDirectory(source, offset, 0);
   if (tree.tags_.empty()) return std::nullopt;
   return tree;

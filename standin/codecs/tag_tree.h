@@ -57,6 +57,10 @@ class TagTree {
   static std::optional<TagTree> read(std::istream& bytes, int number = 0);
   static std::optional<TagTree> read(std::string_view bytes);
 
+  // Where the offset of the directory is stored, and what offset the next one has, or 0.
+  std::uint32_t pointerAt() const { return pointerAt_; }
+  std::uint32_t next() const { return next_; }
+
   bool isDamaged() const { return damaged_; }  // something was left out
   bool empty() const { return tags_.empty(); }
 
@@ -104,6 +108,8 @@ class TagTree {
   static void swapValues(Tags& tags);
 
   bool bigEndian_ = false;
+  std::uint32_t pointerAt_ = 0;
+  std::uint32_t next_ = 0;
   bool damaged_ = false;
   Tags tags_;  // by number
 };

@@ -43,9 +43,10 @@ bool readTiffTags(const std::filesystem::path& path, int page, FileMetadata& met
   return isCmyk;
 }
 
-TagsWritten writeTiffTags(const std::filesystem::path& path, const FileMetadata& metadata) {
+TagsWritten writeTiffTags(const std::filesystem::path& path, int page,
+                          const FileMetadata& metadata) {
   std::fstream stream(path, std::ios::binary | std::ios::in | std::ios::out);
-  auto tree = TagTree::read(stream);
+  auto tree = TagTree::read(stream, page);
   if (!tree) return TagsWritten::fileTooLarge;
   stream.clear();
   stream.seekg(0, std::ios::end);
@@ -68,12 +69,11 @@ TagsWritten writeTiffTags(const std::filesystem::path& path, const FileMetadata&
   set(tagImageResources, typeByte, metadata.resources.others);
   set(tagProfile, typeUndefined, metadata.profile);
   std::string added;
-  const std::uint32_t directory = tree->append(added, size, 0);
+  const std::uint32_t directory = tree->append(added, size, tree->next());
   if (size + added.size() > UINT32_MAX) return TagsWritten::fileTooLarge;
   stream.seekp(0, std::ios::end);
   stream.write(added.data(), static_cast<std::streamsize>(added.size()));
-  constexpr std::streamoff firstDirectoryAt = 4;
-  stream.seekp(firstDirectoryAt);
+  stream.seekp(tree->pointerAt());
   const std::string offset = tree->bytesOf(directory);
   stream.write(offset.data(), static_cast<std::streamsize>(offset.size()));
   stream.close();

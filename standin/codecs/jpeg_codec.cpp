@@ -71,7 +71,9 @@ void readMarkers(Decoder& decoder, FileMetadata& metadata) {
       return marker->marker == number && data.substr(0, header.size()) == header;
     };
     if (marker->marker == JPEG_COM) {
-      metadata.texts.push_back({commentKeyword, std::string(data), -1, "", ""});
+      // Nothing tells the encoding; what is more than ASCII is UTF-8 today.
+      const bool isAscii = std::all_of(data.begin(), data.end(), [](char c) { return c >= 0; });
+      metadata.texts.push_back({commentKeyword, std::string(data), isAscii ? -1 : 1, "", ""});
     } else if (startsWith(markerExif, exifHeader) && metadata.exif.empty()) {
       readExif(data.substr(exifHeader.size()), metadata);
     } else if (startsWith(markerExif, xmpHeader)) {
@@ -154,6 +156,20 @@ DecodedPicture decodeJpeg(const fs::path& path, int) {
   return decoded;
 }
 
+std::string utf8Of(const PictureText& text) {
+  if (text.compression > 0) return text.text;
+  std::string utf8;
+  for (const char character : text.text) {  // of Latin-1
+    const auto code = static_cast<unsigned char>(character);
+    if (code < 0x80) {
+      utf8 += character;
+    } else {
+      utf8 += {static_cast<char>(0xC0 | code >> 6), static_cast<char>(0x80 | (code & 0x3F))};
+    }
+  }
+  return utf8;
+}
+
 // The input's tables and sampling, or those of the quality that is asked for.
 void setQuality(Encoder& encoder, const JpegEncoding* input, const EncodingOptions& options) {
   const bool likeInput =
@@ -212,7 +228,7 @@ void writeMarkers(Encoder& encoder, const EncodedPicture& encoded) {
                            static_cast<unsigned>(metadata.profile.size()));
   }
   for (const PictureText& text : metadata.texts) {
-    if (text.keyword == commentKeyword) write(JPEG_COM, "", text.text, "comment");
+    if (text.keyword == commentKeyword) write(JPEG_COM, "", utf8Of(text), "comment");
   }
 }
 

@@ -108,7 +108,6 @@ void makeUpright(DecodedPicture& decoded) {
   turnUpright(decoded.picture, decoded.orientation);
   FileMetadata& metadata = *decoded.metadata;
   metadata.exif.replaceNumber(tagOrientation, 1);
-  if (decoded.orientation == 1) return;
   for (const char* before : {"tiff:Orientation=\"", "tiff:Orientation>"}) {
     const std::size_t at = metadata.xmp.find(before);
     if (at == std::string::npos) continue;

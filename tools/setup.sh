@@ -8,6 +8,9 @@ build_packages=(g++ cmake ninja-build pkg-config libopenimageio-dev
   nlohmann-json3-dev libgtest-dev libbenchmark-dev python3)
 picture_packages=(mate-backgrounds)
 windows_packages=(g++-mingw-w64-x86-64-posix)
+# What tests/picture_formats makes and judges files with.
+format_packages=(colord-data imagemagick libgs-common libheif-examples libimage-exiftool-perl
+  libjpeg-turbo-progs openimageio-tools python3 webp)
 test_packages=(bash-completion clang-format clang-tidy cppcheck fonts-wine googletest icoutils
   openbox wine64 xauth xvfb zsh)
 

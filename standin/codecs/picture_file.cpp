@@ -340,6 +340,7 @@ WriteResult writePictureFile(const fs::path& path, PictureFile&& file,
     }
     if (encoder.library != nullptr) {
       std::vector<FileMetadata> metadata;
+      metadata.reserve(pages.size());
       for (const Page& page : pages) metadata.push_back(page.metadata);
       finishWithLibrary(*encoder.library, partial.path(), metadata, notes);
     }

@@ -128,6 +128,7 @@ DecodedPicture decodePng(const fs::path& path, int) {
   picture.colorPlanes = picture.planes - (picture.hasAlpha ? 1 : 0);
   picture.allocate();
   std::vector<png_bytep> rows;
+  rows.reserve(static_cast<std::size_t>(picture.height));
   for (int y = 0; y < picture.height; ++y) {
     rows.push_back(&picture.bytes[static_cast<std::size_t>(y) * picture.rowBytes()]);
   }

@@ -36,13 +36,15 @@ struct TagTree::LaterValue {
   const std::string* value;
 };
 
-// The bytes that are read. Values that overlap would otherwise become many times as large.
+// The bytes that are read. Tags may share values, but not so many that a small file becomes a large
+// tree.
 class TagTree::Source {
  public:
   explicit Source(std::istream& stream) : stream_(stream) {
     stream_.clear();
     stream_.seekg(0, std::ios::end);
-    size_ = remaining_ = static_cast<std::uint64_t>(std::max<std::streamoff>(stream_.tellg(), 0));
+    size_ = static_cast<std::uint64_t>(std::max<std::streamoff>(stream_.tellg(), 0));
+    remaining_ = 4 * size_;
   }
   std::optional<std::string> read(std::uint32_t offset, std::size_t count) {
     if (offset > size_ || count > size_ - offset || count > remaining_) return std::nullopt;

@@ -518,7 +518,8 @@ class Scenario : public testing::Test {
       ADD_FAILURE_AT(file_.string().c_str(), number) << line << "\n" << error.what();
       const RECT all{0, 0, GetSystemMetrics(SM_CXSCREEN), GetSystemMetrics(SM_CYSCREEN)};
       standin::writePictureFile(RADIASHAFTS_SCREENSHOTS "/" + file_.stem().string() + ".png",
-                                {screenPicture(all), nullptr, ".png"}, [] { return false; });
+                                {screenPicture(all), nullptr, ".png", {}}, {},
+                                [] { return false; });
     }
   }
 

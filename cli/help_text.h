@@ -15,8 +15,8 @@ inline constexpr char presetGroup[] = "Presets";
 inline constexpr char fileGroup[] = "Files";
 inline constexpr char encodingGroup[] = "Formats";
 inline constexpr char otherGroup[] = "Other";
-inline constexpr std::array<const char*, 6> usualGroups{lightGroup,  colorGroup, selectionGroup,
-                                                        presetGroup, fileGroup,  otherGroup};
+inline constexpr std::array usualGroups{lightGroup, colorGroup,    selectionGroup, presetGroup,
+                                        fileGroup,  encodingGroup, otherGroup};
 inline constexpr char hostGroup[] = "Hosts, for tests";  // in --help-host alone
 
 // What is printed when the program is called without an argument.

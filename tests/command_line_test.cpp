@@ -141,6 +141,13 @@ TEST_F(CommandLine, MetadataSurvivesAndWhatTheFormatCannotHoldIsTold) {
   const std::string notes = run("in.tif out.jpg").err;
   EXPECT_NE(notes.find("3 of the picture's 4 channels"), std::string::npos) << notes;
   EXPECT_NE(notes.find("depth is changed"), std::string::npos) << notes;
+  // Nothing is said of an EXIF block without tags.
+  const std::string block(
+      "\xFF\xE1\0\x16"
+      "Exif\0\0II*\0\x08\0\0\0\0\0\0\0\0\0",
+      24);
+  write("in.jpg", read("out.jpg").insert(2, block));
+  EXPECT_EQ(run("in.jpg out.jpg").err, "");
 }
 
 // A mask lies where the user sees the picture, and a format without the tag has it upright, too.

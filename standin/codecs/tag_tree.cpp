@@ -104,7 +104,7 @@ std::optional<TagTree> TagTree::read(std::istream& bytes, int number) {
     offset = tree.next_;
   }
   tree.tags_ = tree.readDirectory(source, offset, 0);
-  if (tree.tags_.empty()) return std::nullopt;
+  if (tree.tags_.empty() && tree.damaged_) return std::nullopt;
   return tree;
 }
 
@@ -113,7 +113,7 @@ TagTree::Tags TagTree::readDirectory(Source& source, std::uint32_t offset, int d
   const auto countBytes = source.read(offset, 2);
   const std::size_t count = countBytes ? getNumber(*countBytes, 0, 2) : 0;
   const auto entries = source.read(offset + 2, count * entrySize);
-  if (count == 0 || !entries) {
+  if (!countBytes || !entries) {
     damaged_ = true;
     return tags;
   }

@@ -12,6 +12,7 @@
 #include <utility>
 #include <vector>
 
+#include "cli/auto_values.h"
 #include "cli/host_window.h"
 #include "cli/mask_scaling.h"
 #include "cli/parameter_options.h"
@@ -105,8 +106,13 @@ class Batch {
   // The mask in the picture's size; null for none.
   const standin::Mask* maskFor(const Job& job, Input& input, const standin::Picture& picture,
                                PictureReport& report) const;
+  void renderPage(const Job& job, Input& input, standin::Picture& picture, PictureReport& report);
+  void filterWithAutoValues(const Job& job, const standin::Picture& picture,
+                            const standin::Mask* mask, standin::Picture& rendered,
+                            PictureReport& report);
   // Returns the filter's run time in seconds.
-  double filter(const Job& job, standin::Picture& picture, const standin::Mask* mask);
+  double filter(const Job& job, const standin::Picture& picture, const standin::Mask* mask,
+                const standin::Script& script, standin::Picture& rendered);
   void startWriting(Output& output);
   void finishWriting();  // of the oldest output
   void finishAllWriting() {
@@ -243,14 +249,26 @@ void Batch::render(const Job& job, Input& input, Output& output) {
   } catch (const standin::PictureFileError& error) {
     throw Failure{exitOutput, output.named(error.what())};
   }
-  output.report.seconds = filter(job, picture, maskFor(job, input, picture, output.report));
+  renderPage(job, input, picture, output.report);
   for (standin::PictureFile& page : input.file.furtherPages) {
-    const standin::Mask* const mask = maskFor(job, input, page.picture, output.report);
-    output.report.seconds += filter(job, page.picture, mask);
+    renderPage(job, input, page.picture, output.report);
   }
   output.report.width = picture.width;
   output.report.height = picture.height;
   output.report.depth = picture.depth;
+}
+
+// Replaces the picture with the filtered one.
+void Batch::renderPage(const Job& job, Input& input, standin::Picture& picture,
+                       PictureReport& report) {
+  const standin::Mask* const mask = maskFor(job, input, picture, report);
+  standin::Picture rendered;
+  if (commandLine_.choosesValues) {
+    filterWithAutoValues(job, picture, mask, rendered, report);
+  } else {
+    report.seconds += filter(job, picture, mask, commandLine_.script, rendered);
+  }
+  picture = std::move(rendered);
 }
 
 const standin::Mask* Batch::maskFor(const Job& job, Input& input, const standin::Picture& picture,
@@ -274,8 +292,25 @@ std::string causeOf(std::int16_t status) {
   return "the filter answered " + std::to_string(status);
 }
 
-// Replaces the picture with the filtered one and returns the filter's run time in seconds.
-double Batch::filter(const Job& job, standin::Picture& picture, const standin::Mask* mask) {
+void Batch::filterWithAutoValues(const Job& job, const standin::Picture& picture,
+                                 const standin::Mask* mask, standin::Picture& rendered,
+                                 PictureReport& report) {
+  AutoValues values(picture, mask, commandLine_.script, commandLine_.givenValues, entry_,
+                    wasInterrupted);
+  std::string text = job.input.string() + ": auto: ";
+  if (!values.lightFound()) text += "finds no light";
+  if (!values.lightFound() && commandLine_.strict) throw Failure{exitInput, text};
+  const bool userDecides = commandLine_.traits.playInfo == hostapi::playDisplay;
+  do {
+    report.seconds += filter(job, picture, mask, values.script(), rendered);
+  } while (!userDecides && values.lowerIntensity(rendered));
+  const std::string options = values.options();
+  if (!values.lightFound() && !options.empty()) text += "; ";
+  report.notes.push_back(text + options);
+}
+
+double Batch::filter(const Job& job, const standin::Picture& picture, const standin::Mask* mask,
+                     const standin::Script& script, standin::Picture& rendered) {
   ProgressBar bar(job.input.filename().string(), !commandLine_.quiet);
   standin::HostTraits traits = commandLine_.traits;
   std::optional<standin::PictureWindow> window;
@@ -291,9 +326,8 @@ double Batch::filter(const Job& job, standin::Picture& picture, const standin::M
   };
   host.onProgress = [&bar](std::int32_t done, std::int32_t total) { bar.show(done, total); };
   host.abortWanted = wasInterrupted;
-  standin::Picture output;
   const auto begin = std::chrono::steady_clock::now();
-  const standin::RunResult result = host.run(entry_, commandLine_.script, output);
+  const standin::RunResult result = host.run(entry_, script, rendered);
   const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - begin;
   if (commandLine_.printScript) printScript(std::cout, result.script);
   if (wasInterrupted()) throw Failure{standin::interruptCode(), interrupted};
@@ -304,7 +338,6 @@ double Batch::filter(const Job& job, standin::Picture& picture, const standin::M
   if (result.status != 0) {
     throw Failure{exitRender, job.input.string() + ": " + causeOf(result.status)};
   }
-  picture = std::move(output);
   return seconds.count();
 }
 

@@ -66,7 +66,10 @@ void addFileOptions(CLI::App& app, FileOptions& files, CommandLine& commandLine)
       "Selection: a grey picture, white is selected; a pattern as that of --name gives each input "
       "one of its own")
       ->type_name("FILE");
-  addFlag("--strict", commandLine.strict, "Refuse a mask of another size, which is else scaled");
+  addFlag(
+      "--strict", commandLine.strict,
+      "Refuse a mask of another size, which is else scaled, and a picture in which --auto finds "
+      "no light");
 }
 
 // For options that make the filter ask by its dialogs.
@@ -173,6 +176,12 @@ ParsedCommandLine parseCommandLine(int argc, char** argv) {
       ->group(otherGroup);
   addHostOptions(app, commandLine);
   app.add_flag("--list-options", optionsRequested)->group("");  // for other programs
+  app.add_flag(
+         "--auto", commandLine.choosesValues,
+         "Find the light in each picture, choose origin and selection low, lower the intensity "
+         "until at most 1 % more of the pixels clip, and print all as options; values given by "
+         "hand stay. Without a light only the intensity is lowered")
+      ->group(lightGroup);
   const PresetOptions presets(app);
   const ParameterOptions parameters(app);
 
@@ -200,6 +209,7 @@ ParsedCommandLine parseCommandLine(int argc, char** argv) {
         commandLine.outputDirectory = pathOf(files.outputDirectory);
     }
     commandLine.script = presets.apply(parameters, commandLine.quiet);
+    commandLine.givenValues = parameters.script();
     if (commandLine.jobs.empty() && commandLine.skipped.empty()) {
       printNotes(commandLine);
       parsed.exitCode = exitSuccess;

@@ -40,6 +40,7 @@ struct CommandLine {
   standin::ReadingOptions reading;
   standin::EncodingOptions encoding;
   standin::Script script;
+  standin::Script givenValues;  // of the script, those of parameter options
   standin::HostTraits traits;
   std::vector<std::string> notes;  // for the user, one line each
   std::optional<std::array<std::int16_t, 3>>
@@ -49,8 +50,9 @@ struct CommandLine {
   bool quiet = false;
   bool json = false;      // one line for each input
   bool failFast = false;  // a failed picture ends the run
-  bool strict = false;    // a mask of another size than its picture is a failure
-  int filesAtOnce = 1;    // read, and written, beside a render
+  bool strict = false;    // a mask of another size, and a picture without a light, are failures
+  bool choosesValues = false;  // for each picture, but not those that are given
+  int filesAtOnce = 1;         // read, and written, beside a render
 };
 
 void printNotes(const CommandLine& commandLine);

@@ -1,7 +1,10 @@
 // The command line as a user meets it: the program is run, its files and messages are looked at.
 
+#include <algorithm>
 #include <array>
+#include <cmath>
 #include <csignal>
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <functional>
@@ -62,6 +65,44 @@ class CommandLine : public testing::Test, protected TestFolder {
     const auto output = OIIO::ImageOutput::create(path(name));
     EXPECT_TRUE(output != nullptr && output->open(path(name), spec));
     EXPECT_TRUE(output->write_image(format, samples.data()) && output->close());
+  }
+
+  // A dark picture of 120 x 80 with a soft light, and a brighter one that is transparent.
+  void writeLight(const std::string& name, int channels, TypeDesc format, double x,
+                  double y) const {
+    ImageSpec spec(120, 80, channels, format);
+    spec.attribute("oiio:UnassociatedAlpha", 1);
+    if (channels == 2) spec.alpha_channel = 1;
+    const bool hasAlpha = channels % 2 == 0;
+    std::vector<float> samples;
+    for (int row = 0; row < spec.height; ++row) {
+      for (int column = 0; column < spec.width; ++column) {
+        const double dx = column / 119.0 - x, dy = (row / 79.0 - y) * 2 / 3;
+        const double light = 0.1 + 0.75 * std::exp(-(dx * dx + dy * dy) / 0.01);
+        const bool transparent = hasAlpha && column > 90 && row > 55;
+        const float color = transparent ? 1.0F : static_cast<float>(light);
+        samples.insert(samples.end(), static_cast<std::size_t>(channels), color);
+        if (hasAlpha) samples.back() = transparent ? 0.0F : 1.0F;
+      }
+    }
+    if (format == TypeDesc::FLOAT) samples[samples.size() / 5] = std::nanf("");
+    const auto output = OIIO::ImageOutput::create(path(name));
+    EXPECT_TRUE(output != nullptr && output->open(path(name), spec));
+    EXPECT_TRUE(output->write_image(TypeDesc::FLOAT, samples.data()) && output->close());
+  }
+
+  // The options that --auto has chosen for a picture.
+  static std::string chosenFor(const std::string& name, const Answer& answer) {
+    const std::string head = "note: " + name + ": auto: ";
+    const std::size_t begin = answer.err.find(head);
+    if (begin == std::string::npos) return "nothing in: " + answer.err;
+    const std::size_t end = answer.err.find('\n', begin);
+    return answer.err.substr(begin + head.size(), end - begin - head.size());
+  }
+
+  static double clippedShare(const standin::Picture& picture) {
+    const auto count = std::count(picture.bytes.begin(), picture.bytes.end(), 255);
+    return static_cast<double>(count) / static_cast<double>(picture.bytes.size());
   }
 
   // All samples as 16-bit words.
@@ -261,6 +302,65 @@ TEST_F(CommandLine, InstalledAnywhereItFindsItsFiles) {
     EXPECT_EQ(std::hash<std::string>()(read("out.png")), built) << runner;
     fs::remove(path("out.png"));
   }
+}
+
+TEST_F(CommandLine, AutoFindsTheLightOfEachPictureAtEveryDepth) {
+  struct {
+    const char* name;
+    int channels;
+    TypeDesc format;
+    double x, y;
+  } const cases[] = {
+      {"grey.png", 1, TypeDesc::UINT8, 0.3, 0.7},   {"greya.tif", 2, TypeDesc::UINT16, 0.3, 0.2},
+      {"rgb.tif", 3, TypeDesc::UINT16, 0.75, 0.25}, {"rgba.png", 4, TypeDesc::UINT8, 0.2, 0.3},
+      {"nan.exr", 3, TypeDesc::FLOAT, 0.6, 0.4},    {"edge.png", 3, TypeDesc::UINT8, 0.4, 0.0},
+  };
+  std::string inputs;
+  for (const auto& c : cases) {
+    writeLight(c.name, c.channels, c.format, c.x, c.y);
+    inputs += c.name + std::string(" ");
+  }
+  const Answer answer = run(inputs + "--auto --output-dir made --ray-length 0.5");
+  EXPECT_EQ(answer.exitCode, 0) << answer.err;
+  for (const auto& c : cases) {
+    double x = 0, y = 0;
+    const std::string options = chosenFor(c.name, answer);
+    ASSERT_EQ(std::sscanf(options.c_str(), "--origin %lf,%lf --intensity", &x, &y), 2) << options;
+    EXPECT_NEAR(x, c.x, 0.03) << c.name;
+    EXPECT_NEAR(y, c.y, 0.05) << c.name;
+  }
+  // The options that are told make the same picture.
+  const std::string options = chosenFor("rgb.tif", answer);
+  EXPECT_EQ(run("rgb.tif again.tif --ray-length 0.5 " + options).exitCode, 0);
+  EXPECT_EQ(read("again.tif"), read("made/rgb.tif"));
+}
+
+TEST_F(CommandLine, AutoHeedsTheMaskAndValuesByHandAndDoesNotClip) {
+  writeLight("in.png", 3, TypeDesc::UINT8, 0.25, 0.5);
+  std::string darkHalf;
+  for (int row = 0; row < 80; ++row) darkHalf += std::string(60, '\0') + std::string(60, '\xFF');
+  write("dark.pgm", "P5 120 80 255\n" + darkHalf);
+  EXPECT_EQ(chosenFor("in.png", run("in.png out.png --auto")).rfind("--origin 0.25,0.5 ", 0), 0U);
+  EXPECT_EQ(chosenFor("in.png", run("in.png out.png --auto --mask dark.pgm")).rfind("finds no", 0),
+            0U);
+  const standin::Picture input = standin::readPictureFile(path("in.png")).picture;
+  const auto addedClipping = [&](const std::string& options) {
+    EXPECT_EQ(run("in.png out.png --quiet " + options).exitCode, 0);
+    return clippedShare(standin::readPictureFile(path("out.png")).picture) - clippedShare(input);
+  };
+  EXPECT_GT(addedClipping("--intensity 5"), 0.05);
+  EXPECT_LE(addedClipping("--preset low_warm_sun --auto"), 0.01);
+  EXPECT_EQ(chosenFor("in.png", run("in.png out.png --auto --intensity 5 --origin 0.9,0.1"))
+                .rfind("--selection-low ", 0),
+            0U);
+  // Without a light.
+  write("flat.pgm", "P5 40 30 255\n" + std::string(std::size_t{40} * 30, 'x'));
+  const Answer answer = run("flat.pgm flat.png --auto");
+  EXPECT_EQ(answer.exitCode, 0);
+  EXPECT_NE(answer.err.find("flat.pgm: auto: finds no light"), std::string::npos) << answer.err;
+  EXPECT_EQ(answer.err.find("--origin"), std::string::npos) << answer.err;
+  EXPECT_EQ(run("flat.pgm none.png --auto --strict").exitCode, 3);
+  EXPECT_FALSE(fs::exists(path("none.png")));
 }
 
 // The last byte, or a quarter of the file, finds no room.

@@ -1,0 +1,19 @@
+// Finds the light in a picture.
+#pragma once
+
+#include <optional>
+
+#include "standin/picture.h"
+
+namespace radiashafts::cli {
+
+struct Light {
+  double x, y;  // 0 to 1 from the first pixel to the last
+  int low;      // the darkest HSL lightness that is to shine, 0 to 255
+};
+
+// The middle of the brightest soft region; none where no region stands out. What is transparent or
+// outside the mask, which may be null, counts for nothing. NaN and infinite samples are harmless.
+std::optional<Light> findLight(const standin::Picture& picture, const standin::Mask* mask);
+
+}  // namespace radiashafts::cli

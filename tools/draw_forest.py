@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Draws a misty forest against a low sun, the picture that the README puts rays on.
+"""Draws a misty forest against a low sun, a picture of the gallery and the benchmarks.
 
 Usage: draw_forest.py OUTPUT.ppm
 """

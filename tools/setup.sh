@@ -6,7 +6,6 @@ version=$(sed -n 's/^project(radiashafts VERSION \([0-9.]*\).*/\1/p' "$root/CMak
 build_packages=(g++ cmake ninja-build pkg-config libopenimageio-dev
   libjpeg62-turbo-dev libpng-dev libwebp-dev libheif-dev liblcms2-dev libcli11-dev
   nlohmann-json3-dev libgtest-dev libbenchmark-dev python3)
-picture_packages=(mate-backgrounds)
 windows_packages=(g++-mingw-w64-x86-64-posix)
 # What tests/picture_formats makes and judges files with.
 format_packages=(colord-data imagemagick libgs-common libheif-examples libimage-exiftool-perl

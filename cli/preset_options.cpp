@@ -1,10 +1,12 @@
 #include "cli/preset_options.h"
 
+#include <algorithm>
 #include <cctype>
 #include <iostream>
 
 #include "cli/command_line.h"
 #include "cli/help_text.h"
+#include "cli/preset_descriptions.h"
 #include "cli/printable.h"
 #include "cli/suggestion.h"
 #include "interface/model/remembered_settings.h"
@@ -73,10 +75,36 @@ std::string readablePath(pfParameters& parameters, const std::string& file) {
   return path;
 }
 
-void list(pfParameters& parameters, const std::string& file) {
+// What the collection's preset does, in a few words; empty for a preset added later.
+std::string_view descriptionOf(const std::string& name) {
+  const std::string start = "\n" + name + "\t";
+  const std::size_t line = presetDescriptions.find(start);
+  if (line == std::string_view::npos) return {};
+  const std::string_view rest = presetDescriptions.substr(line + start.size());
+  return rest.substr(0, rest.find('\n'));
+}
+
+std::vector<std::string> namesIn(pfParameters& parameters, const std::string& file) {
   std::vector<std::string> names;
   parameters.GetSettingNames(readablePath(parameters, file), names, effectName);
-  for (const std::string& name : names) printLine(std::cout, name);
+  return names;
+}
+
+void list(pfParameters& parameters, const std::string& file) {
+  for (const std::string& name : namesIn(parameters, file)) printLine(std::cout, name);
+}
+
+// Names have no blanks, so a script finds them in the first column.
+void listShipped(pfParameters& parameters) {
+  constexpr std::size_t column = 22;
+  for (std::string line : namesIn(parameters, shippedFile())) {
+    const std::string_view description = descriptionOf(line);
+    if (!description.empty()) {
+      line.resize(std::max(column, line.size() + 1), ' ');
+      line += description;
+    }
+    printLine(std::cout, line);
+  }
 }
 
 void load(pfParameters& parameters, const PresetLocation& preset) {
@@ -121,7 +149,8 @@ PresetOptions::PresetOptions(CLI::App& app) {
 
 standin::Script PresetOptions::apply(const ParameterOptions& parameters, bool quiet) const {
   EffectCollection values;
-  if (listed_) list(values.parameters, listed_->empty() ? shippedFile() : *listed_);
+  if (listed_ && listed_->empty()) listShipped(values.parameters);
+  if (listed_ && !listed_->empty()) list(values.parameters, *listed_);
   if (loaded_) {
     load(values.parameters,
          parseLocation(*loaded_).value_or(PresetLocation{shippedFile(), *loaded_}));

@@ -9,9 +9,13 @@ namespace radiashafts::cli {
 const char firstSteps[] =
     "To begin:\n"
     "  " PROGRAM
+    " photo.jpg rays.jpg --auto\n"
+    "finds the light in the photograph, and prints the options that it chose.\n"
+    "  " PROGRAM
     " photo.jpg rays.jpg --preset low_warm_sun --origin 0.7,0.2\n"
-    "The origin is where the light stands, 0,0 is the upper left corner and 1,1 the lower right.\n"
-    "--list-presets tells the looks to start from, --help all options.\n";
+    "takes a look from a preset. The origin is where the light stands: 0,0 is the upper left "
+    "corner\n"
+    "and 1,1 the lower right. --list-presets tells the presets, --help all options.\n";
 
 namespace {
 
@@ -22,6 +26,8 @@ constexpr char usage[] =
     " [OPTIONS] INPUT... --output-dir DIR | --name PATTERN\n"
     "       - stands for standard input and standard output.\n\n"
     "Examples:\n"
+    "  " PROGRAM
+    " photo.jpg rays.jpg --auto\n"
     "  " PROGRAM
     " photo.jpg rays.jpg --preset low_warm_sun --origin 0.7,0.2\n"
     "  " PROGRAM

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cmath>
 #include <deque>
 #include <future>
 #include <iostream>
@@ -107,6 +108,8 @@ class Batch {
   const standin::Mask* maskFor(const Job& job, Input& input, const standin::Picture& picture,
                                PictureReport& report) const;
   void renderPage(const Job& job, Input& input, standin::Picture& picture, PictureReport& report);
+  // The script with the origin of pixels.
+  standin::Script scriptFor(const standin::Picture& picture, standin::Script script) const;
   void filterWithAutoValues(const Job& job, const standin::Picture& picture,
                             const standin::Mask* mask, standin::Picture& rendered,
                             PictureReport& report);
@@ -266,9 +269,21 @@ void Batch::renderPage(const Job& job, Input& input, standin::Picture& picture,
   if (commandLine_.choosesValues) {
     filterWithAutoValues(job, picture, mask, rendered, report);
   } else {
-    report.seconds += filter(job, picture, mask, commandLine_.script, rendered);
+    const standin::Script script = scriptFor(picture, commandLine_.script);
+    report.seconds += filter(job, picture, mask, script, rendered);
   }
   picture = std::move(rendered);
+}
+
+standin::Script Batch::scriptFor(const standin::Picture& picture, standin::Script script) const {
+  // The middle of the pixel: the filter's product of a side and a quotient may lie below the pixel.
+  const auto share = [](double pixel, int side) {
+    return (pixel + std::copysign(0.5, pixel)) / side;
+  };
+  if (const auto& pixels = commandLine_.originInPixels) {
+    setOrigin(script, share((*pixels)[0], picture.width), share((*pixels)[1], picture.height));
+  }
+  return script;
 }
 
 const standin::Mask* Batch::maskFor(const Job& job, Input& input, const standin::Picture& picture,
@@ -295,8 +310,8 @@ std::string causeOf(std::int16_t status) {
 void Batch::filterWithAutoValues(const Job& job, const standin::Picture& picture,
                                  const standin::Mask* mask, standin::Picture& rendered,
                                  PictureReport& report) {
-  AutoValues values(picture, mask, commandLine_.script, commandLine_.givenValues, entry_,
-                    wasInterrupted);
+  AutoValues values(picture, mask, scriptFor(picture, commandLine_.script),
+                    scriptFor(picture, commandLine_.givenValues), entry_, wasInterrupted);
   std::string text = job.input.string() + ": auto: ";
   if (!values.lightFound()) text += "finds no light";
   if (!values.lightFound() && commandLine_.strict) throw Failure{exitInput, text};

@@ -210,6 +210,7 @@ ParsedCommandLine parseCommandLine(int argc, char** argv) {
     }
     commandLine.script = presets.apply(parameters, commandLine.quiet);
     commandLine.givenValues = parameters.script();
+    commandLine.originInPixels = parameters.originInPixels();
     if (commandLine.jobs.empty() && commandLine.skipped.empty()) {
       printNotes(commandLine);
       parsed.exitCode = exitSuccess;

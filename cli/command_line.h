@@ -40,7 +40,8 @@ struct CommandLine {
   standin::ReadingOptions reading;
   standin::EncodingOptions encoding;
   standin::Script script;
-  standin::Script givenValues;  // of the script, those of parameter options
+  standin::Script givenValues;                          // of the script, those of parameter options
+  std::optional<std::array<double, 2>> originInPixels;  // in the place of the scripts' origins
   standin::HostTraits traits;
   std::vector<std::string> notes;  // for the user, one line each
   std::optional<std::array<std::int16_t, 3>>

@@ -115,7 +115,7 @@ ParameterNumbers parseValue(const std::string& text, const ParameterFacts& facts
 std::string valueForm(const ParameterFacts& facts) {
   switch (facts.kind) {
     case ParameterKind::position:
-      return "X,Y";
+      return "X,Y[px]";
     case ParameterKind::color:
       return "R,G,B|#HEX";
     case ParameterKind::boolean:
@@ -165,8 +165,16 @@ ParameterOptions::ParameterOptions(CLI::App& app) {
     const ParameterFacts& facts = effectTable[i];
     if (!hasOption(facts)) continue;
     Value& value = values_[i];
-    const auto parse = [&facts, &value](const CLI::results_t& texts) {
+    const auto parse = [this, &facts, &value](const CLI::results_t& texts) {
       try {
+        const bool isInPixels =
+            facts.kind == ParameterKind::position && texts.back().ends_with("px");
+        if (isInPixels) {
+          const std::string text = texts.back().substr(0, texts.back().size() - 2);
+          const ParameterNumbers numbers = parseNumbers(text, valueCount(facts.kind));
+          originInPixels_ = {numbers[0], numbers[1]};
+          return true;
+        }
         value = {true, parseValue(texts.back(), facts)};
       } catch (const InvalidValue& error) {
         throw CLI::ValidationError(optionName(facts), error.what());
@@ -239,6 +247,17 @@ void printScript(std::ostream& out, const standin::Script& script) {
     if (!text.empty()) out << optionName(facts) << ' ' << text << '\n';
   }
   out.flush();
+}
+
+void setOrigin(standin::Script& script, double x, double y) {
+  const auto origin = std::find_if(effectTable.begin(), effectTable.end(), [](const auto& facts) {
+    return facts.kind == ParameterKind::position;
+  });
+  for (const ScriptTerm& term : origin->keys) {
+    if (term.code == nullptr) continue;
+    std::erase_if(script, [&term](const auto& entry) { return entry.first == scriptKey(term); });
+  }
+  addTo(script, *origin, {x, y});
 }
 
 standin::Script scriptOf(const EffectParameters& effect) {

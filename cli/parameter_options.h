@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <optional>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -26,6 +27,10 @@ class ParameterOptions {
   // Sets the parameters that were given on the command line; leaves the others alone.
   void applyTo(EffectParameters& effect) const;
 
+  // The origin where it was given in pixels, as in "700,200px". It is not among the other values,
+  // since it depends on the picture's size.
+  const std::optional<std::array<double, 2>>& originInPixels() const { return originInPixels_; }
+
   // One line for each value outside its range. The filter clamps such values.
   std::vector<std::string> notes() const;
 
@@ -35,6 +40,7 @@ class ParameterOptions {
     ParameterNumbers numbers{};
   };
   std::array<Value, effectTable.size()> values_;
+  std::optional<std::array<double, 2>> originInPixels_;
 };
 
 // The entries of an option's list, with "|" between them; empty where it has none.
@@ -42,6 +48,9 @@ std::string parameterEntries(const CLI::Option& option);
 
 // Prints a recorded script, one option and its value per line.
 void printScript(std::ostream& out, const standin::Script& script);
+
+// Replaces the origin in a script. 0 to 1 inside the picture.
+void setOrigin(standin::Script& script, double x, double y);
 
 // The values of all scriptable parameters as a script.
 standin::Script scriptOf(const EffectParameters& effect);

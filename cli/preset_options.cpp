@@ -163,6 +163,9 @@ standin::Script PresetOptions::apply(const ParameterOptions& parameters, bool qu
   if (saved_) {
     const auto location = parseLocation(*saved_);
     if (!location) throw Failure{exitUsage, "'" + *saved_ + "' is not FILE:NAME of a preset"};
+    if (parameters.originInPixels()) {
+      throw Failure{exitUsage, "--origin: a preset cannot keep pixels"};
+    }
     save(values.parameters, *location, quiet);
   }
   return script;

@@ -248,6 +248,8 @@ TEST_F(CommandLine, BadInputGetsOneLineAndTouchesNoOutput) {
       {"\"$(printf 'a\\nb\\033c\\302\\233d\\377')\" out.png", 3, "a\\nb\\x1bc\\xc2\\x9bd\\xff:"},
       {"in.png out.png --intensity nan", 2, "--intensity"},
       {"in.png out.png --origin 0.5", 2, "--origin"},
+      {"in.png out.png --origin 7,px", 2, "--origin"},
+      {"--save-preset ours.cfg:C --origin 7,9px", 2, "pixels"},
       {"in.png out.png --blend-mode 0", 2, "--blend-mode"},
       {"in.png out.png --use-image-color maybe", 2, "--use-image-color"},
       {"in.png mask.png out.png", 2, "--output-dir"},
@@ -451,6 +453,8 @@ TEST_F(CommandLine, PresetsAndLastUsedValuesAreStartedFromAndOptionsGoOverThem) 
   write("nothing.pgm", "P5 37 23 255\n" + std::string(std::size_t{37} * 23, '\0'));
   EXPECT_EQ(rendered("--mask nothing.pgm"), rendered(untouched));
   EXPECT_EQ(rendered("--preset p:q.cfg:Z"), plain);
+  EXPECT_EQ(rendered("--preset p:q.cfg:Z --origin 9,23px"),
+            rendered("--preset p:q.cfg:Z --origin 0.24324324324324326,1"));
   fs::create_directory(path("radiashafts"));
   write("radiashafts/settings",
         "[SOFTWARE\\Halvorsund\\Photoshop\\Radiashafts\\LastUsed]\nIntensity = "

@@ -253,8 +253,7 @@ std::optional<Light> findLight(const Picture& picture, const Mask* mask) {
   const Center center =
       centerAround(static_cast<int>(brightest - regions.values.begin()), *shares, small);
   const auto position = [&small](double cells, int pixels) {
-    const double pixel = (cells + 0.5) * small.cellSide - 0.5;
-    return std::clamp(pixel / std::max(pixels - 1, 1), 0.0, 1.0);
+    return std::min((cells + 0.5) * small.cellSide / pixels, 1.0);
   };
   return Light{position(center.x, picture.width), position(center.y, picture.height),
                lowestShining(small, center.lightness)};

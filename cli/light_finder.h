@@ -8,7 +8,7 @@
 namespace radiashafts::cli {
 
 struct Light {
-  double x, y;  // 0 to 1 from the first pixel to the last
+  double x, y;  // 0 to 1 inside the picture
   int low;      // the darkest HSL lightness that is to shine, 0 to 255
 };
 

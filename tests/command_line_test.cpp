@@ -78,7 +78,7 @@ class CommandLine : public testing::Test, protected TestFolder {
     std::vector<float> samples;
     for (int row = 0; row < spec.height; ++row) {
       for (int column = 0; column < spec.width; ++column) {
-        const double dx = column / 119.0 - x, dy = (row / 79.0 - y) * 2 / 3;
+        const double dx = (column + 0.5) / 120 - x, dy = ((row + 0.5) / 80 - y) * 2 / 3;
         const double light = 0.1 + 0.75 * std::exp(-(dx * dx + dy * dy) / 0.01);
         const bool transparent = hasAlpha && column > 90 && row > 55;
         const float color = transparent ? 1.0F : static_cast<float>(light);

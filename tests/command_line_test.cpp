@@ -369,7 +369,6 @@ TEST_F(CommandLine, AutoHeedsTheMaskAndValuesByHandAndDoesNotClip) {
   EXPECT_FALSE(fs::exists(path("none.png")));
 }
 
-// The last byte, or a quarter of the file, finds no room.
 TEST_F(CommandLine, PipesPatternsAndManyFilesAtOnceMakeTheSamePictures) {
   writePicture("a.png", 3, TypeDesc::UINT8);
   ASSERT_EQ(run("a.png plain.png --quiet").exitCode, 0);
@@ -399,6 +398,7 @@ TEST_F(CommandLine, PipesPatternsAndManyFilesAtOnceMakeTheSamePictures) {
   EXPECT_NE(read("d-rays.png"), read("plain.png"));
 }
 
+// The last byte, or a quarter of the file, finds no room.
 TEST_F(CommandLine, AFullDiskLeavesTheOldPicture) {
   writePicture("in.tif", 3, TypeDesc::UINT8);
   fs::create_directory(path("results"));

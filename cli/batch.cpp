@@ -20,6 +20,7 @@
 #include "cli/progress_bar.h"
 #include "cli/report.h"
 #include "cli/standard_streams.h"
+#include "hosts/library/effect_script.h"
 #include "standin/picture_file.h"
 #include "standin/system/interrupt.h"
 
@@ -281,7 +282,8 @@ standin::Script Batch::scriptFor(const standin::Picture& picture, standin::Scrip
     return (pixel + std::copysign(0.5, pixel)) / side;
   };
   if (const auto& pixels = commandLine_.originInPixels) {
-    setOrigin(script, share((*pixels)[0], picture.width), share((*pixels)[1], picture.height));
+    hosts::setOrigin(script, share((*pixels)[0], picture.width),
+                     share((*pixels)[1], picture.height));
   }
   return script;
 }

@@ -12,7 +12,7 @@
 #include "cli/parameter_options.h"
 #include "cli/preset_options.h"
 #include "cli/printable.h"
-#include "cli/suggestion.h"
+#include "hosts/library/suggestion.h"
 #include "standin/program_file.h"
 #include "standin/system/arguments.h"
 #include "standin/system/picture_window.h"
@@ -131,7 +131,7 @@ std::string nearestOption(const CLI::App& app) {
   for (const CLI::Option* option : app.get_options()) names.push_back(option->get_name());
   for (const std::string& argument : app.remaining()) {
     if (argument.rfind("--", 0) == 0)
-      return suggestion(argument.substr(0, argument.find('=')), names);
+      return hosts::suggestion(argument.substr(0, argument.find('=')), names);
   }
   return "";
 }

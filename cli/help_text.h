@@ -5,12 +5,11 @@
 
 #include <CLI/CLI.hpp>
 
+#include "parameters/parameter_text.h"
+
 namespace radiashafts::cli {
 
-// The groups of options, in their order.
-inline constexpr char lightGroup[] = "Light";
-inline constexpr char colorGroup[] = "Colors of the rays";
-inline constexpr char selectionGroup[] = "What shines";
+// The groups of options, in their order; those of parameters come first.
 inline constexpr char presetGroup[] = "Presets";
 inline constexpr char fileGroup[] = "Files";
 inline constexpr char encodingGroup[] = "Formats";

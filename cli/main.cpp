@@ -3,44 +3,23 @@
 #include "cli/batch.h"
 #include "cli/command_line.h"
 #include "cli/printable.h"
+#include "hosts/library/effect_module.h"
 #include "standin/picture_file.h"
-#include "standin/plugin_properties.h"
 #include "standin/system/interrupt.h"
-#include "standin/system/module.h"
 
 namespace radiashafts::cli {
 namespace {
 
-// Reads the entry point's name from the module file before it is loaded, as hosts do. Throws a
-// Failure when the module is refused.
-std::string entryNameOf(const std::filesystem::path& module) {
-  std::error_code error;
-  if (!std::filesystem::exists(module, error)) {
-    throw Failure{exitRender, module.string() + ": no such module"};
-  }
-  try {
-    return standin::entryPointOf(module);
-  } catch (const std::runtime_error& refusal) {
-    throw Failure{exitRender, module.string() + ": refused, " + refusal.what()};
-  }
-}
-
 void run(const CommandLine& commandLine) {
-  standin::Module module;
-  standin::EntryPoint entry = nullptr;
+  std::optional<hosts::EffectModule> module;
   std::optional<standin::Mask> mask;
   {
     const standin::ExitOnInterrupt exitOnInterrupt(interruptedLine);
-    const std::string entryName = entryNameOf(commandLine.module);
-    if (!module.load(commandLine.module)) throw Failure{exitRender, module.error()};
-    entry = reinterpret_cast<standin::EntryPoint>(module.symbol(entryName.c_str()));
-    if (entry == nullptr) {
-      throw Failure{exitRender, commandLine.module.string() + ": exports no " + entryName};
-    }
+    module.emplace(commandLine.module);
     if (commandLine.mask) mask = standin::readMaskFile(*commandLine.mask);
   }
   printNotes(commandLine);
-  runBatch(commandLine, entry, mask ? &*mask : nullptr);
+  runBatch(commandLine, module->entry(), mask ? &*mask : nullptr);
 }
 
 // Turns every exception into one error line and an exit code.

@@ -9,7 +9,8 @@
 #include <stdexcept>
 
 #include "cli/help_text.h"
-#include "cli/suggestion.h"
+#include "hosts/library/effect_script.h"
+#include "hosts/library/suggestion.h"
 #include "parameters/number_text.h"
 #include "parameters/parameter_text.h"
 
@@ -32,14 +33,6 @@ std::string optionName(const ParameterFacts& facts) {
     name += static_cast<char>(std::tolower(static_cast<unsigned char>(*c)));
   }
   return name;
-}
-
-const char* groupOf(const ParameterFacts& facts) {
-  const std::string_view name = facts.name;
-  if (name.starts_with("Selection")) return selectionGroup;
-  const bool isColor = name.find("Color") != std::string_view::npos || name == "Hue" ||
-                       name == "Saturation" || name == "Lightness";
-  return isColor ? colorGroup : lightGroup;
 }
 
 double numberIn(std::string_view text) {
@@ -77,7 +70,7 @@ double parseEntry(const std::string& text, const ParameterFacts& facts) {
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
   if (error != std::errc() || end != text.data() + text.size() || number < 1 ||
       number > static_cast<int>(facts.entries.size())) {
-    const std::string near = suggestion(text, {facts.entries.begin(), facts.entries.end()});
+    const std::string near = hosts::suggestion(text, {facts.entries.begin(), facts.entries.end()});
     throw InvalidValue("'" + text + "' is none of its entries" +
                        (near.empty() ? "; --list-parameters tells them" : near));
   }
@@ -141,23 +134,6 @@ std::string textOf(const ParameterFacts&, double value) {
   return std::string(text, result.ptr);
 }
 
-standin::ScriptValue scriptValue(const ParameterFacts& facts, double number) {
-  switch (facts.kind) {
-    case ParameterKind::boolean:
-      return number != 0.0;
-    case ParameterKind::list:
-      return static_cast<std::int32_t>(number);
-    default:
-      return number;
-  }
-}
-
-void addTo(standin::Script& script, const ParameterFacts& facts, const ParameterNumbers& numbers) {
-  for (std::size_t k = 0; k < facts.keys.size() && facts.keys[k].code != nullptr; ++k) {
-    script.emplace_back(scriptKey(facts.keys[k]), scriptValue(facts, numbers[k]));
-  }
-}
-
 }  // namespace
 
 ParameterOptions::ParameterOptions(CLI::App& app) {
@@ -193,7 +169,7 @@ ParameterOptions::ParameterOptions(CLI::App& app) {
 standin::Script ParameterOptions::script() const {
   standin::Script script;
   for (std::size_t i = 0; i < effectTable.size(); ++i) {
-    if (values_[i].given) addTo(script, effectTable[i], values_[i].numbers);
+    if (values_[i].given) hosts::addTo(script, effectTable[i], values_[i].numbers);
   }
   return script;
 }
@@ -247,25 +223,6 @@ void printScript(std::ostream& out, const standin::Script& script) {
     if (!text.empty()) out << optionName(facts) << ' ' << text << '\n';
   }
   out.flush();
-}
-
-void setOrigin(standin::Script& script, double x, double y) {
-  const auto origin = std::find_if(effectTable.begin(), effectTable.end(), [](const auto& facts) {
-    return facts.kind == ParameterKind::position;
-  });
-  for (const ScriptTerm& term : origin->keys) {
-    if (term.code == nullptr) continue;
-    std::erase_if(script, [&term](const auto& entry) { return entry.first == scriptKey(term); });
-  }
-  addTo(script, *origin, {x, y});
-}
-
-standin::Script scriptOf(const EffectParameters& effect) {
-  standin::Script script;
-  for (std::size_t i = 0; i < effectTable.size(); ++i) {
-    addTo(script, effectTable[i], NumbersOf(*effect.all[i]));
-  }
-  return script;
 }
 
 void listParameters(std::ostream& out) {

@@ -49,12 +49,6 @@ std::string parameterEntries(const CLI::Option& option);
 // Prints a recorded script, one option and its value per line.
 void printScript(std::ostream& out, const standin::Script& script);
 
-// Replaces the origin in a script. 0 to 1 inside the picture.
-void setOrigin(standin::Script& script, double x, double y);
-
-// The values of all scriptable parameters as a script.
-standin::Script scriptOf(const EffectParameters& effect);
-
 // Prints name, default, range and entries of every option.
 void listParameters(std::ostream& out);
 

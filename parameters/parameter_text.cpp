@@ -1,8 +1,18 @@
 #include "parameters/parameter_text.h"
 
+#include <string_view>
+
 #include "parameters/number_text.h"
 
 namespace radiashafts {
+
+const char* groupOf(const ParameterFacts& facts) {
+  const std::string_view name = facts.name;
+  if (name.starts_with("Selection")) return selectionGroup;
+  const bool isColor = name.find("Color") != std::string_view::npos || name == "Hue" ||
+                       name == "Saturation" || name == "Lightness";
+  return isColor ? colorGroup : lightGroup;
+}
 
 std::string defaultText(const ParameterFacts& facts) {
   if (facts.kind == ParameterKind::boolean) return facts.defaults[0] != 0.0 ? "on" : "off";

@@ -11,4 +11,8 @@ namespace radiashafts::standin {
 std::filesystem::path programLibrary(const std::string& name);
 std::filesystem::path programData(const std::string& name);
 
+// The file in the folder, or else in the other one, which is relative to it.
+std::filesystem::path besideOrIn(const std::filesystem::path& folder, const char* installedFolder,
+                                 const std::string& name);
+
 }  // namespace radiashafts::standin

@@ -1,9 +1,9 @@
-#include "cli/suggestion.h"
+#include "hosts/library/suggestion.h"
 
 #include <algorithm>
 #include <numeric>
 
-namespace radiashafts::cli {
+namespace radiashafts::hosts {
 namespace {
 
 // How many characters have to be inserted, left out or replaced (the Levenshtein distance).
@@ -33,4 +33,4 @@ std::string suggestion(const std::string& text, const std::vector<std::string>& 
   return "; did you mean " + *nearest + "?";
 }
 
-}  // namespace radiashafts::cli
+}  // namespace radiashafts::hosts

@@ -30,7 +30,7 @@ int openSessions = 0;
 EffectModule* sharedModule = nullptr;
 
 // Held while the filter runs, for its state and the stand-in's are one a process.
-std::timed_mutex renderMutex;
+std::mutex renderMutex;
 std::atomic<std::thread::id> renderingThread;
 
 [[noreturn]] void refuse(const std::string& text) {
@@ -54,8 +54,9 @@ class RenderLock {
     if (renderingThread == std::this_thread::get_id()) {
       refuse("a progress function must not render");
     }
-    while (!renderMutex.try_lock_for(50ms)) {
+    while (!renderMutex.try_lock()) {
       if (!goesOn()) cancel();
+      std::this_thread::sleep_for(2ms);
     }
     renderingThread = std::this_thread::get_id();
   }

@@ -20,8 +20,10 @@
 #ifndef RADIASHAFTS_HOST_H
 #define RADIASHAFTS_HOST_H
 
+/* NOLINTBEGIN(modernize-deprecated-headers): C compilers read this file too. */
 #include <stddef.h>
 #include <stdint.h>
+/* NOLINTEND(modernize-deprecated-headers) */
 
 #ifdef __cplusplus
 extern "C" {

@@ -13,13 +13,13 @@
 #include <utility>
 #include <vector>
 
-#include "cli/auto_values.h"
 #include "cli/host_window.h"
 #include "cli/mask_scaling.h"
 #include "cli/parameter_options.h"
 #include "cli/progress_bar.h"
 #include "cli/report.h"
 #include "cli/standard_streams.h"
+#include "hosts/library/auto_values.h"
 #include "hosts/library/effect_script.h"
 #include "standin/picture_file.h"
 #include "standin/system/interrupt.h"
@@ -312,8 +312,8 @@ std::string causeOf(std::int16_t status) {
 void Batch::filterWithAutoValues(const Job& job, const standin::Picture& picture,
                                  const standin::Mask* mask, standin::Picture& rendered,
                                  PictureReport& report) {
-  AutoValues values(picture, mask, scriptFor(picture, commandLine_.script),
-                    scriptFor(picture, commandLine_.givenValues), entry_, wasInterrupted);
+  hosts::AutoValues values(picture, mask, scriptFor(picture, commandLine_.script),
+                           scriptFor(picture, commandLine_.givenValues), entry_, wasInterrupted);
   std::string text = job.input.string() + ": auto: ";
   if (!values.lightFound()) text += "finds no light";
   if (!values.lightFound() && commandLine_.strict) throw Failure{exitInput, text};
@@ -321,7 +321,7 @@ void Batch::filterWithAutoValues(const Job& job, const standin::Picture& picture
   do {
     report.seconds += filter(job, picture, mask, values.script(), rendered);
   } while (!userDecides && values.lowerIntensity(rendered));
-  const std::string options = values.options();
+  const std::string options = optionsOf(values.chosen());
   if (!values.lightFound() && !options.empty()) text += "; ";
   report.notes.push_back(text + options);
 }

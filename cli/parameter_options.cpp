@@ -6,6 +6,7 @@
 #include <cmath>
 #include <iomanip>
 #include <optional>
+#include <sstream>
 #include <stdexcept>
 
 #include "cli/help_text.h"
@@ -223,6 +224,15 @@ void printScript(std::ostream& out, const standin::Script& script) {
     if (!text.empty()) out << optionName(facts) << ' ' << text << '\n';
   }
   out.flush();
+}
+
+std::string optionsOf(const standin::Script& script) {
+  std::ostringstream lines;
+  printScript(lines, script);
+  std::string text = lines.str();
+  std::replace(text.begin(), text.end(), '\n', ' ');
+  if (!text.empty()) text.pop_back();
+  return text;
 }
 
 void listParameters(std::ostream& out) {

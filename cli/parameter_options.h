@@ -48,6 +48,8 @@ std::string parameterEntries(const CLI::Option& option);
 
 // Prints a recorded script, one option and its value per line.
 void printScript(std::ostream& out, const standin::Script& script);
+// The same in one line.
+std::string optionsOf(const standin::Script& script);
 
 // Prints name, default, range and entries of every option.
 void listParameters(std::ostream& out);

@@ -143,6 +143,28 @@ TEST_F(HostLibrary, ThreadsTakeTurnsAndACancelledRenderLeavesTheResult) {
   radiashafts_close(nested.session);
 }
 
+TEST_F(HostLibrary, ALightIsFoundOrTheValuesStay) {
+  constexpr int width = 300, height = 200;
+  std::vector<std::uint8_t> samples(width * height, 60);
+  const radiashafts_picture picture{width, height, 8, 1, 0, {samples.data()}, 1, width};
+  const auto find = [&] {
+    return radiashafts_find_light(session_, &picture, nullptr, nullptr, nullptr);
+  };
+  EXPECT_EQ(find(), RADIASHAFTS_NOT_FOUND);
+  EXPECT_EQ(get("Origin")[0], 0.5);
+  for (int y = 0; y < height; ++y) {
+    for (int x = 0; x < width; ++x) {
+      const double distance = std::hypot(x - 210, y - 60);
+      samples[static_cast<std::size_t>(y * width + x)] =
+          static_cast<std::uint8_t>(60 + 190 * std::exp(-distance * distance / 800));
+    }
+  }
+  ASSERT_EQ(find(), RADIASHAFTS_OK) << error();
+  EXPECT_NEAR(get("Origin")[0], 0.7, 0.02);
+  EXPECT_NEAR(get("Origin")[1], 0.3, 0.02);
+  EXPECT_GT(get("SelectionLow")[0], 60);
+}
+
 TEST_F(HostLibrary, ValuesAndPresetsAreTakenByNameAndRefusedInOneLine) {
   const TestFolder folder;
   const std::string file = folder.path("own.cfg");

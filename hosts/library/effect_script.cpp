@@ -32,6 +32,21 @@ standin::Script scriptOf(const EffectParameters& effect) {
   return script;
 }
 
+void apply(const standin::Script& script, EffectParameters& effect) {
+  for (std::size_t i = 0; i < effectTable.size(); ++i) {
+    ParameterNumbers numbers = NumbersOf(*effect.all[i]);
+    for (const auto& [key, value] : script) {
+      for (std::size_t k = 0; k < numbers.size(); ++k) {
+        const bool isIts =
+            effectTable[i].keys[k].code != nullptr && scriptKey(effectTable[i].keys[k]) == key;
+        if (isIts)
+          numbers[k] = std::visit([](auto number) { return static_cast<double>(number); }, value);
+      }
+    }
+    SetNumbers(*effect.all[i], numbers);
+  }
+}
+
 void setOrigin(standin::Script& script, double x, double y) {
   const auto origin = std::find_if(effectTable.begin(), effectTable.end(), [](const auto& facts) {
     return facts.kind == ParameterKind::position;

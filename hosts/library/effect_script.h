@@ -12,6 +12,9 @@ void addTo(standin::Script& script, const ParameterFacts& facts, const Parameter
 // The values of all scriptable parameters.
 standin::Script scriptOf(const EffectParameters& effect);
 
+// Sets the values that the script holds.
+void apply(const standin::Script& script, EffectParameters& effect);
+
 // Replaces the origin in a script. 0 to 1 inside the picture.
 void setOrigin(standin::Script& script, double x, double y);
 

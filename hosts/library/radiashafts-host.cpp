@@ -201,3 +201,13 @@ radiashafts_result radiashafts_render(radiashafts_session* session,
     opened.render(*picture, mask, *result, progress, context);
   });
 }
+
+radiashafts_result radiashafts_find_light(radiashafts_session* session,
+                                          const radiashafts_picture* picture,
+                                          const radiashafts_mask* mask,
+                                          radiashafts_progress_function progress, void* context) {
+  return guarded(session, [&](Session& opened) {
+    require(picture, "the picture is null");
+    opened.findLight(*picture, mask, progress, context);
+  });
+}

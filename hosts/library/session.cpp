@@ -11,6 +11,7 @@
 #include <thread>
 #include <vector>
 
+#include "hosts/library/auto_values.h"
 #include "hosts/library/effect_module.h"
 #include "hosts/library/effect_script.h"
 #include "hosts/library/own_files.h"
@@ -178,6 +179,24 @@ void Session::render(const radiashafts_picture& picture, const radiashafts_mask*
     checkStatus(host.run(moduleEntry(), scriptOf(effect_), rendered_).status);
   }
   copyOut(rendered_, result);
+}
+
+void Session::findLight(const radiashafts_picture& picture, const radiashafts_mask* mask,
+                        radiashafts_progress_function progress, void* context) {
+  takePicture(picture, mask);
+  const auto goesOn = [&] { return progress == nullptr || progress(context, 0) != 0; };
+  const auto abortWanted = [&goesOn] { return !goesOn(); };
+  const standin::Mask* const selected = mask == nullptr ? nullptr : &mask_;
+  const RenderLock lock(goesOn);
+  AutoValues values(picture_, selected, scriptOf(effect_), {}, moduleEntry(), abortWanted);
+  if (!values.lightFound()) throw SessionError(RADIASHAFTS_NOT_FOUND, "there is no light to find");
+  do {
+    standin::StandInHost host(picture_, selected);
+    host.abortWanted = abortWanted;
+    rendered_ = picture_;
+    checkStatus(host.run(moduleEntry(), values.script(), rendered_).status);
+  } while (values.lowerIntensity(rendered_));
+  apply(values.chosen(), effect_);
 }
 
 }  // namespace radiashafts::hosts

@@ -36,6 +36,10 @@ class Session {
               const radiashafts_picture& result, radiashafts_progress_function progress,
               void* context);
 
+  // Throws a SessionError where there is no light.
+  void findLight(const radiashafts_picture& picture, const radiashafts_mask* mask,
+                 radiashafts_progress_function progress, void* context);
+
   std::string error;  // of the last call
 
  private:

@@ -1,4 +1,4 @@
-#include "cli/light_finder.h"
+#include "hosts/library/light_finder.h"
 
 #include <algorithm>
 #include <array>
@@ -9,7 +9,7 @@
 #include <type_traits>
 #include <vector>
 
-namespace radiashafts::cli {
+namespace radiashafts::hosts {
 namespace {
 
 using standin::Mask;
@@ -259,4 +259,4 @@ std::optional<Light> findLight(const Picture& picture, const Mask* mask) {
                lowestShining(small, center.lightness)};
 }
 
-}  // namespace radiashafts::cli
+}  // namespace radiashafts::hosts

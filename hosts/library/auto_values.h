@@ -1,15 +1,14 @@
-// Values chosen for one picture: --auto.
+// Values chosen for one picture.
 #pragma once
 
 #include <cstdint>
 #include <functional>
-#include <string>
 
 #include "standin/picture.h"
 #include "standin/script.h"
 #include "standin/stand_in_host.h"
 
-namespace radiashafts::cli {
+namespace radiashafts::hosts {
 
 class AutoValues {
  public:
@@ -22,8 +21,8 @@ class AutoValues {
 
   bool lightFound() const { return lightFound_; }
   const standin::Script& script() const { return script_; }
-  // What was chosen, as on the command line.
-  std::string options() const;
+  // What was chosen.
+  const standin::Script& chosen() const { return chosen_; }
 
   // Lowers the intensity and returns true when the picture rendered in full clips too much still.
   bool lowerIntensity(const standin::Picture& rendered);
@@ -37,4 +36,4 @@ class AutoValues {
   double allowedClipping_;  // share of the pixels
 };
 
-}  // namespace radiashafts::cli
+}  // namespace radiashafts::hosts

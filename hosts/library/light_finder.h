@@ -5,7 +5,7 @@
 
 #include "standin/picture.h"
 
-namespace radiashafts::cli {
+namespace radiashafts::hosts {
 
 struct Light {
   double x, y;  // 0 to 1 inside the picture
@@ -16,4 +16,4 @@ struct Light {
 // outside the mask, which may be null, counts for nothing. NaN and infinite samples are harmless.
 std::optional<Light> findLight(const standin::Picture& picture, const standin::Mask* mask);
 
-}  // namespace radiashafts::cli
+}  // namespace radiashafts::hosts

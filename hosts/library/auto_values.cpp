@@ -1,19 +1,17 @@
-#include "cli/auto_values.h"
+#include "hosts/library/auto_values.h"
 
 #include <algorithm>
 #include <cmath>
 #include <optional>
-#include <sstream>
 #include <string_view>
 #include <utility>
 #include <variant>
 #include <vector>
 
-#include "cli/light_finder.h"
-#include "cli/parameter_options.h"
+#include "hosts/library/light_finder.h"
 #include "parameters/effect_table.h"
 
-namespace radiashafts::cli {
+namespace radiashafts::hosts {
 namespace {
 
 using standin::Mask;
@@ -187,15 +185,6 @@ void AutoValues::choose(std::uint32_t key, double value) {
   set(chosen_, key, value);
 }
 
-std::string AutoValues::options() const {
-  std::ostringstream lines;
-  printScript(lines, chosen_);
-  std::string text = lines.str();
-  std::replace(text.begin(), text.end(), '\n', ' ');
-  if (!text.empty()) text.pop_back();
-  return text;
-}
-
 bool AutoValues::lowerIntensity(const Picture& rendered) {
   const double intensity = numberIn(script_, "Intensity");
   const bool isChosen = find(chosen_, keyOf("Intensity")) != nullptr;
@@ -204,4 +193,4 @@ bool AutoValues::lowerIntensity(const Picture& rendered) {
   return true;
 }
 
-}  // namespace radiashafts::cli
+}  // namespace radiashafts::hosts

@@ -12,6 +12,7 @@
 #include "cli/help_text.h"
 #include "hosts/library/effect_script.h"
 #include "hosts/library/suggestion.h"
+#include "parameters/hyphenated_name.h"
 #include "parameters/number_text.h"
 #include "parameters/parameter_text.h"
 
@@ -26,14 +27,8 @@ bool hasOption(const ParameterFacts& facts) {
   return facts.keys[0].code != nullptr;
 }
 
-// "RayLength" becomes "--ray-length".
 std::string optionName(const ParameterFacts& facts) {
-  std::string name = "--";
-  for (const char* c = facts.name; *c != '\0'; ++c) {
-    if (std::isupper(static_cast<unsigned char>(*c)) && name.size() > 2) name += '-';
-    name += static_cast<char>(std::tolower(static_cast<unsigned char>(*c)));
-  }
-  return name;
+  return "--" + hyphenatedName(facts.name);
 }
 
 double numberIn(std::string_view text) {

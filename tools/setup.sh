@@ -10,6 +10,8 @@ windows_packages=(g++-mingw-w64-x86-64-posix)
 # What tests/picture_formats makes and judges files with.
 format_packages=(colord-data imagemagick libgs-common libheif-examples libimage-exiftool-perl
   libjpeg-turbo-progs openimageio-tools python3 webp)
+# What tests the front-ends for other programs.
+host_packages=(ffmpeg melt)
 test_packages=(bash-completion clang-format clang-tidy cppcheck fonts-wine googletest icoutils
   openbox wine64 xauth xvfb zsh)
 

@@ -3,8 +3,6 @@
 #include <new>
 #include <sstream>
 
-#include "parameters/hyphenated_name.h"
-
 namespace radiashafts::hosts::frei0r {
 namespace {
 
@@ -28,32 +26,27 @@ void describeEntries(const radiashafts_parameter& list, std::ostream& text) {
   text << '.';
 }
 
-std::string explanationOf(const radiashafts_parameter& parameter, int axis) {
+std::string explanationOf(const Setting& setting) {
+  const radiashafts_parameter& parameter = *setting.parameter;
   std::ostringstream text;
   text.imbue(std::locale::classic());
   text << parameter.description;
   if (parameter.kind == RADIASHAFTS_LIST) describeEntries(parameter, text);
   if (parameter.kind == RADIASHAFTS_POSITION) {
-    text << (axis == 0 ? " 0 is the left edge, 1 the right one."
-                       : " 0 is the upper edge, 1 the lower one.");
+    text << (setting.axis == 0 ? " 0 is the left edge, 1 the right one."
+                               : " 0 is the upper edge, 1 the lower one.");
   }
   if (parameter.kind == RADIASHAFTS_NUMBER) {
-    text << " 0 stands for " << parameter.minimum << ", 1 for " << parameter.maximum;
-    text << (parameter.has_open_end != 0 ? ", and more is taken." : ".");
+    text << " 0 stands for " << parameter.minimum << ", 1 for " << parameter.maximum
+         << (parameter.has_open_end != 0 ? ", and more is taken." : ".");
   }
   return text.str();
 }
 
 std::vector<Control> makeControls() {
   std::vector<Control> made;
-  for (int i = 0; i < radiashafts_parameter_count(); ++i) {
-    const radiashafts_parameter& parameter = *radiashafts_parameter_at(i);
-    const bool isPosition = parameter.kind == RADIASHAFTS_POSITION;
-    for (int axis = 0; axis < (isPosition ? 2 : 1); ++axis) {
-      const char* const ending = !isPosition ? "" : axis == 0 ? "-x" : "-y";
-      made.push_back({&parameter, axis, typeOf(parameter.kind),
-                      hyphenatedName(parameter.name) + ending, explanationOf(parameter, axis)});
-    }
+  for (const Setting& setting : allSettings()) {
+    made.push_back({setting, typeOf(setting.parameter->kind), explanationOf(setting)});
   }
   return made;
 }
@@ -75,30 +68,26 @@ const std::vector<Control>& controls() {
   return all;
 }
 
-void takeValue(const Control& control, const void* value, double* values) {
+void takeValue(const Control& control, const void* value, SettingValues& values) {
   if (control.type == colorValue) {
     const auto& color = *static_cast<const Color*>(value);
-    values[0] = color.red;
-    values[1] = color.green;
-    values[2] = color.blue;
+    values = {color.red, color.green, color.blue};
     return;
   }
   const double number = *static_cast<const double*>(value);
-  if (control.type == switchValue) {
-    values[0] = number >= 0.5 ? 1.0 : 0.0;
-  } else {
-    values[control.axis] = control.parameter->minimum + number * rangeOf(*control.parameter);
-  }
+  values[control.axis] = control.type == switchValue
+                             ? (number >= 0.5 ? 1.0 : 0.0)
+                             : control.parameter->minimum + number * rangeOf(*control.parameter);
 }
 
-void giveValue(const Control& control, const double* values, void* value) {
+void giveValue(const Control& control, const SettingValues& values, void* value) {
   if (control.type == colorValue) {
     *static_cast<Color*>(value) = {static_cast<float>(values[0]), static_cast<float>(values[1]),
                                    static_cast<float>(values[2])};
-  } else {
-    *static_cast<double*>(value) =
-        (values[control.axis] - control.parameter->minimum) / rangeOf(*control.parameter);
+    return;
   }
+  *static_cast<double*>(value) =
+      (values[control.axis] - control.parameter->minimum) / rangeOf(*control.parameter);
 }
 
 }  // namespace radiashafts::hosts::frei0r

@@ -8,7 +8,6 @@
 #include <numeric>
 
 #include "hosts/frei0r/controls.h"
-#include "hosts/library/radiashafts-host.h"
 #include "platform/export.h"
 
 namespace radiashafts::hosts::frei0r {
@@ -22,16 +21,13 @@ class Filter {
   }
 
   void set(const Control& control, const void* value) {
-    double values[3];
-    radiashafts_get(session_.get(), control.parameter->name, values);
+    SettingValues values = valuesOf(session_.get(), control);
     takeValue(control, value, values);
-    radiashafts_set(session_.get(), control.parameter->name, values);
+    radiashafts_set(session_.get(), control.parameter->name, values.data());
   }
 
   void get(const Control& control, void* value) const {
-    double values[3];
-    radiashafts_get(session_.get(), control.parameter->name, values);
-    giveValue(control, values, value);
+    giveValue(control, valuesOf(session_.get(), control), value);
   }
 
   // A frame that cannot be rendered passes through as it is.
@@ -54,10 +50,6 @@ class Filter {
   }
 
  private:
-  struct Close {
-    void operator()(radiashafts_session* session) const { radiashafts_close(session); }
-  };
-
   // Says why frames pass through, once and not for every frame.
   void tell(radiashafts_result result) {
     if (result != RADIASHAFTS_OK && result != told_) {
@@ -68,7 +60,7 @@ class Filter {
   }
 
   unsigned width_, height_;
-  std::unique_ptr<radiashafts_session, Close> session_{radiashafts_open()};
+  std::unique_ptr<radiashafts_session, CloseSession> session_{radiashafts_open()};
   radiashafts_result told_ = RADIASHAFTS_OK;
 };
 

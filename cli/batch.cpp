@@ -109,8 +109,9 @@ class Batch {
   const standin::Mask* maskFor(const Job& job, Input& input, const standin::Picture& picture,
                                PictureReport& report) const;
   void renderPage(const Job& job, Input& input, standin::Picture& picture, PictureReport& report);
-  // The script with the origin of pixels.
-  standin::Script scriptFor(const standin::Picture& picture, standin::Script script) const;
+  // The script with the values of the job's frame and with the origin of pixels.
+  standin::Script scriptFor(const Job& job, const standin::Picture& picture,
+                            standin::Script script) const;
   void filterWithAutoValues(const Job& job, const standin::Picture& picture,
                             const standin::Mask* mask, standin::Picture& rendered,
                             PictureReport& report);
@@ -270,13 +271,14 @@ void Batch::renderPage(const Job& job, Input& input, standin::Picture& picture,
   if (commandLine_.choosesValues) {
     filterWithAutoValues(job, picture, mask, rendered, report);
   } else {
-    const standin::Script script = scriptFor(picture, commandLine_.script);
+    const standin::Script script = scriptFor(job, picture, commandLine_.script);
     report.seconds += filter(job, picture, mask, script, rendered);
   }
   picture = std::move(rendered);
 }
 
-standin::Script Batch::scriptFor(const standin::Picture& picture, standin::Script script) const {
+standin::Script Batch::scriptFor(const Job& job, const standin::Picture& picture,
+                                 standin::Script script) const {
   // The middle of the pixel: the filter's product of a side and a quotient may lie below the pixel.
   const auto share = [](double pixel, int side) {
     return (pixel + std::copysign(0.5, pixel)) / side;
@@ -285,6 +287,7 @@ standin::Script Batch::scriptFor(const standin::Picture& picture, standin::Scrip
     hosts::setOrigin(script, share((*pixels)[0], picture.width),
                      share((*pixels)[1], picture.height));
   }
+  if (commandLine_.keys) commandLine_.keys->apply(script, *job.frame);
   return script;
 }
 
@@ -312,8 +315,9 @@ std::string causeOf(std::int16_t status) {
 void Batch::filterWithAutoValues(const Job& job, const standin::Picture& picture,
                                  const standin::Mask* mask, standin::Picture& rendered,
                                  PictureReport& report) {
-  hosts::AutoValues values(picture, mask, scriptFor(picture, commandLine_.script),
-                           scriptFor(picture, commandLine_.givenValues), entry_, wasInterrupted);
+  hosts::AutoValues values(picture, mask, scriptFor(job, picture, commandLine_.script),
+                           scriptFor(job, picture, commandLine_.givenValues), entry_,
+                           wasInterrupted);
   std::string text = job.input.string() + ": auto: ";
   if (!values.lightFound()) text += "finds no light";
   if (!values.lightFound() && commandLine_.strict) throw Failure{exitInput, text};

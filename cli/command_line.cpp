@@ -72,6 +72,39 @@ void addFileOptions(CLI::App& app, FileOptions& files, CommandLine& commandLine)
       "no light");
 }
 
+void addSequenceOptions(CLI::App& app, FileOptions& files, std::string& keyFile) {
+  const auto add = [&app](const char* name, std::string& value, const char* form,
+                          const char* description) {
+    app.add_option(name, value, description)->type_name(form)->group(sequenceGroup);
+  };
+  add("--frames", files.frames, "A-B[xSTEP]",
+      "Render these frames, such as 1-2000, 1-99x2 or 1-10,25; in INPUT, OUTPUT, --name and "
+      "--mask %d, %04d or #### stands for a frame's number. Without it all frames on the disk; an "
+      "INPUT without a number is the same in all frames");
+  add("--animate", keyFile, "FILE",
+      "Move parameters by this key file: 'frame 1 Origin 0.2 0.3 Intensity 2 frame 50 Intensity "
+      "0.5', and so on. Numbers go straight from key to key; where the file begins with "
+      "'interpolation smooth', on a cubic curve that rests at the ends and stays between the keys");
+  add("--chunk", files.chunk, "K/N",
+      "Do the K-th of N parts of all inputs or frames, for several machines at once");
+}
+
+// A parameter that the keys move takes no value by hand.
+void animate(CommandLine& commandLine, const std::string& keyFile,
+             const ParameterOptions& parameters) {
+  const std::vector<Job>& jobs = commandLine.jobs;
+  if (std::any_of(jobs.begin(), jobs.end(), [](const Job& job) { return !job.frame; })) {
+    throw CLI::ValidationError("--animate", "needs frames: --frames, or an INPUT such as %04d.exr");
+  }
+  const KeyFile& keys = commandLine.keys.emplace(keyFile);
+  commandLine.notes.insert(commandLine.notes.end(), keys.notes().begin(), keys.notes().end());
+  for (std::size_t i = 0; i < effectTable.size(); ++i) {
+    if (keys.moves(i) && parameters.isGiven(i)) {
+      throw CLI::ValidationError(optionName(effectTable[i]), keys.name() + " moves it already");
+    }
+  }
+}
+
 // For options that make the filter ask by its dialogs.
 void requireDialogs(const char* option) {
   if (standin::hasWindows) return;
@@ -158,10 +191,12 @@ ParsedCommandLine parseCommandLine(int argc, char** argv) {
       ->group(otherGroup);
 
   FileOptions files;
+  std::string keyFile;
   bool skipsExisting = false;
   addFileOptions(app, files, commandLine);
   app.add_flag("--skip-existing", skipsExisting, "Leave out pictures whose output is there")
       ->group(fileGroup);
+  addSequenceOptions(app, files, keyFile);
   addEncodingOptions(app, commandLine.reading, commandLine.encoding);
   std::string module;
   bool listRequested = false;
@@ -204,6 +239,13 @@ ParsedCommandLine parseCommandLine(int argc, char** argv) {
     if (!presets.canRunWithoutPictures() || !files.paths.empty()) {
       files.format = commandLine.encoding.format;
       commandLine.jobs = jobsOf(files);
+      if (commandLine.jobs.empty()) {
+        commandLine.notes.push_back("--chunk: no picture is in the part " + files.chunk);
+      }
+      if (!files.mask.empty() && !commandLine.jobs.empty() && !commandLine.jobs[0].mask) {
+        commandLine.mask = pathOf(files.mask);
+      }
+      if (!keyFile.empty()) animate(commandLine, keyFile, parameters);
       if (skipsExisting) skipExisting(commandLine);
       if (!files.outputDirectory.empty())
         commandLine.outputDirectory = pathOf(files.outputDirectory);
@@ -226,7 +268,6 @@ ParsedCommandLine parseCommandLine(int argc, char** argv) {
     }
     return parsed;
   }
-  if (!files.mask.empty() && !isPattern(files.mask)) commandLine.mask = pathOf(files.mask);
   std::error_code error;
   commandLine.module = module.empty() ? standin::programLibrary(RADIASHAFTS_MODULE_NAME)
                                       : std::filesystem::absolute(pathOf(module), error);

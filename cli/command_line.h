@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "cli/job_list.h"
+#include "cli/key_file.h"
 #include "standin/picture_file.h"
 #include "standin/script.h"
 #include "standin/stand_in_host.h"
@@ -42,6 +43,7 @@ struct CommandLine {
   standin::Script script;
   standin::Script givenValues;                          // of the script, those of parameter options
   std::optional<std::array<double, 2>> originInPixels;  // in the place of the scripts' origins
+  std::optional<KeyFile> keys;                          // of the frames, over the scripts
   standin::HostTraits traits;
   std::vector<std::string> notes;  // for the user, one line each
   std::optional<std::array<std::int16_t, 3>>

@@ -32,7 +32,9 @@ constexpr char usage[] =
     " photo.jpg rays.jpg --preset low_warm_sun --origin 0.7,0.2\n"
     "  " PROGRAM
     " photo.jpg rays.png --selection-low 180 --intensity 3 --color-high '#ffcc66'\n"
-    "  " PROGRAM " *.jpg --output-dir rays --name '{stem}-rays{ext}' --skip-existing\n";
+    "  " PROGRAM
+    " *.jpg --output-dir rays --name '{stem}-rays{ext}' --skip-existing\n"
+    "  " PROGRAM " in.%04d.exr out.%04d.exr --frames 1-2000 --animate light.keys\n";
 
 constexpr std::size_t lineWidth = 100;
 constexpr std::size_t textColumn = 30;

@@ -12,10 +12,11 @@ namespace radiashafts::cli {
 // The groups of options, in their order; those of parameters come first.
 inline constexpr char presetGroup[] = "Presets";
 inline constexpr char fileGroup[] = "Files";
+inline constexpr char sequenceGroup[] = "Sequences";
 inline constexpr char encodingGroup[] = "Formats";
 inline constexpr char otherGroup[] = "Other";
 inline constexpr std::array usualGroups{lightGroup, colorGroup,    selectionGroup, presetGroup,
-                                        fileGroup,  encodingGroup, otherGroup};
+                                        fileGroup,  sequenceGroup, encodingGroup,  otherGroup};
 inline constexpr char hostGroup[] = "Hosts, for tests";  // in --help-host alone
 
 // What is printed when the program is called without an argument.

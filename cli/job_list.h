@@ -15,6 +15,7 @@ struct Job {
   std::filesystem::path input;
   std::filesystem::path output;
   std::optional<std::filesystem::path> mask;  // of this picture alone
+  std::optional<int> frame;                   // of a sequence
 };
 
 struct FileOptions {
@@ -23,16 +24,17 @@ struct FileOptions {
   std::string name;    // pattern of the outputs' names
   std::string format;  // extension of outputs that are called after their inputs
   std::string mask;    // a file, or the pattern of one file for each input
+  std::string frames;  // of sequences; empty for those on the disk
+  std::string chunk;   // the part of the list to do; empty for all
   bool overwrite = false;
 };
 
 // Converts a UTF-8 argument to a path; the system's paths may use another encoding.
 std::filesystem::path pathOf(const std::string& text);
+std::string utf8(const std::filesystem::path& path);
 
-// Whether the text holds "{stem}" or "{ext}", which stand for an input's name.
-bool isPattern(const std::string& text);
-
-// Pairs each input with its output. Throws a CLI::Error when the arguments contradict each other.
+// Pairs each input, and each frame of sequences, with its output. Throws a CLI::Error when the
+// arguments contradict each other, and a Failure when there are no frames.
 std::vector<Job> jobsOf(const FileOptions& options);
 
 }  // namespace radiashafts::cli

@@ -23,14 +23,6 @@ struct InvalidValue : std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-bool hasOption(const ParameterFacts& facts) {
-  return facts.keys[0].code != nullptr;
-}
-
-std::string optionName(const ParameterFacts& facts) {
-  return "--" + hyphenatedName(facts.name);
-}
-
 double numberIn(std::string_view text) {
   if (const auto value = parseNumber(text)) return *value;
   throw InvalidValue("'" + std::string(text) + "' is no number");
@@ -132,6 +124,29 @@ std::string textOf(const ParameterFacts&, double value) {
 
 }  // namespace
 
+bool hasOption(const ParameterFacts& facts) {
+  return facts.keys[0].code != nullptr;
+}
+
+std::string optionName(const ParameterFacts& facts) {
+  return "--" + hyphenatedName(facts.name);
+}
+
+std::vector<std::string> clampingNotes(const std::string& name, const ParameterFacts& facts,
+                                       const ParameterNumbers& numbers) {
+  std::vector<std::string> notes;
+  if (facts.bound == Bound::none) return notes;
+  for (std::size_t k = 0; k < static_cast<std::size_t>(valueCount(facts.kind)); ++k) {
+    const double clamped =
+        std::max(facts.bound == Bound::both ? std::min(numbers[k], facts.maximum) : numbers[k],
+                 facts.minimum);
+    if (clamped == numbers[k]) continue;
+    notes.push_back(name + ": " + numberText(numbers[k]) +
+                    " lies outside its range and is taken as " + numberText(clamped));
+  }
+  return notes;
+}
+
 ParameterOptions::ParameterOptions(CLI::App& app) {
   for (std::size_t i = 0; i < effectTable.size(); ++i) {
     const ParameterFacts& facts = effectTable[i];
@@ -180,17 +195,16 @@ std::vector<std::string> ParameterOptions::notes() const {
   std::vector<std::string> notes;
   for (std::size_t i = 0; i < effectTable.size(); ++i) {
     const ParameterFacts& facts = effectTable[i];
-    if (!values_[i].given || facts.bound == Bound::none) continue;
-    for (std::size_t k = 0; k < static_cast<std::size_t>(valueCount(facts.kind)); ++k) {
-      const double number = values_[i].numbers[k];
-      const double clamped = std::max(
-          facts.bound == Bound::both ? std::min(number, facts.maximum) : number, facts.minimum);
-      if (clamped == number) continue;
-      notes.push_back(optionName(facts) + ": " + numberText(number) +
-                      " lies outside its range and is taken as " + numberText(clamped));
-    }
+    if (!values_[i].given) continue;
+    const auto own = clampingNotes(optionName(facts), facts, values_[i].numbers);
+    notes.insert(notes.end(), own.begin(), own.end());
   }
   return notes;
+}
+
+bool ParameterOptions::isGiven(std::size_t parameter) const {
+  const bool isOrigin = effectTable[parameter].kind == ParameterKind::position;
+  return values_[parameter].given || (isOrigin && originInPixels_.has_value());
 }
 
 std::string parameterEntries(const CLI::Option& option) {

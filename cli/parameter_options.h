@@ -14,6 +14,16 @@
 
 namespace radiashafts::cli {
 
+// Whether users set the parameter: it is in scripts.
+bool hasOption(const ParameterFacts& facts);
+// "RayLength" becomes "--ray-length".
+std::string optionName(const ParameterFacts& facts);
+
+// One line for each of the numbers that the filter clamps, since it is outside the range. They
+// begin with the name.
+std::vector<std::string> clampingNotes(const std::string& name, const ParameterFacts& facts,
+                                       const ParameterNumbers& numbers);
+
 // One option per scriptable parameter, in the table's order.
 class ParameterOptions {
  public:
@@ -27,11 +37,14 @@ class ParameterOptions {
   // Sets the parameters that were given on the command line; leaves the others alone.
   void applyTo(EffectParameters& effect) const;
 
+  // Whether the parameter of the effect's table was given on the command line.
+  bool isGiven(std::size_t parameter) const;
+
   // The origin where it was given in pixels, as in "700,200px". It is not among the other values,
   // since it depends on the picture's size.
   const std::optional<std::array<double, 2>>& originInPixels() const { return originInPixels_; }
 
-  // One line for each value outside its range. The filter clamps such values.
+  // One line for each value outside its range.
   std::vector<std::string> notes() const;
 
  private:

@@ -13,13 +13,10 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-std::string utf8(const std::filesystem::path& path) {
-  const std::u8string text = path.u8string();
-  return {text.begin(), text.end()};
-}
-
 Json jsonOf(const Job& job) {
-  return {{"input", utf8(job.input)}, {"output", utf8(job.output)}};
+  Json json{{"input", utf8(job.input)}, {"output", utf8(job.output)}};
+  if (job.frame) json["frame"] = *job.frame;
+  return json;
 }
 
 // Bytes that are no UTF-8 are replaced.

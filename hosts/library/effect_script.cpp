@@ -24,6 +24,14 @@ void addTo(standin::Script& script, const ParameterFacts& facts, const Parameter
   }
 }
 
+void setIn(standin::Script& script, const ParameterFacts& facts, const ParameterNumbers& numbers) {
+  for (const ScriptTerm& term : facts.keys) {
+    if (term.code == nullptr) continue;
+    std::erase_if(script, [&term](const auto& entry) { return entry.first == scriptKey(term); });
+  }
+  addTo(script, facts, numbers);
+}
+
 standin::Script scriptOf(const EffectParameters& effect) {
   standin::Script script;
   for (std::size_t i = 0; i < effectTable.size(); ++i) {
@@ -51,11 +59,7 @@ void setOrigin(standin::Script& script, double x, double y) {
   const auto origin = std::find_if(effectTable.begin(), effectTable.end(), [](const auto& facts) {
     return facts.kind == ParameterKind::position;
   });
-  for (const ScriptTerm& term : origin->keys) {
-    if (term.code == nullptr) continue;
-    std::erase_if(script, [&term](const auto& entry) { return entry.first == scriptKey(term); });
-  }
-  addTo(script, *origin, {x, y});
+  setIn(script, *origin, {x, y});
 }
 
 }  // namespace radiashafts::hosts

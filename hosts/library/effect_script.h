@@ -9,6 +9,9 @@ namespace radiashafts::hosts {
 // Appends a parameter's values.
 void addTo(standin::Script& script, const ParameterFacts& facts, const ParameterNumbers& numbers);
 
+// Replaces a parameter's values.
+void setIn(standin::Script& script, const ParameterFacts& facts, const ParameterNumbers& numbers);
+
 // The values of all scriptable parameters.
 standin::Script scriptOf(const EffectParameters& effect);
 

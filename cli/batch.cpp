@@ -16,8 +16,9 @@
 #include "cli/host_window.h"
 #include "cli/mask_scaling.h"
 #include "cli/parameter_options.h"
-#include "cli/progress_bar.h"
+#include "cli/progress_line.h"
 #include "cli/report.h"
+#include "cli/run_progress.h"
 #include "cli/standard_streams.h"
 #include "hosts/library/auto_values.h"
 #include "hosts/library/effect_script.h"
@@ -30,6 +31,7 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr char interrupted[] = "interrupted";
+constexpr char interruptedOverLine[] = "\r\033[Kradiashafts: interrupted\n";
 
 bool wasInterrupted() {
   return standin::interruptCode() != 0;
@@ -60,10 +62,19 @@ void makeDirectory(const std::filesystem::path& path) {
   if (error) throw Failure{exitOutput, path.string() + ": " + error.message()};
 }
 
+bool isSequence(const CommandLine& commandLine) {
+  return !commandLine.jobs.empty() && commandLine.jobs.front().frame.has_value();
+}
+
 class Batch {
  public:
   Batch(const CommandLine& commandLine, standin::EntryPoint entry, const standin::Mask* mask)
-      : commandLine_(commandLine), entry_(entry), mask_(mask), report_(commandLine) {}
+      : commandLine_(commandLine),
+        entry_(entry),
+        mask_(mask),
+        line_(!commandLine.quiet && !commandLine.json),
+        report_(commandLine, line_),
+        progress_(commandLine.jobs.size(), isSequence(commandLine) ? "frame" : "picture") {}
   ~Batch() {  // also after any failure, and an interrupt ends even this
     for (; !reading_.empty(); reading_.pop_front()) {
       if (isRunning(reading_.front())) awaitReader();
@@ -118,6 +129,7 @@ class Batch {
   // Returns the filter's run time in seconds.
   double filter(const Job& job, const standin::Picture& picture, const standin::Mask* mask,
                 const standin::Script& script, standin::Picture& rendered);
+  void showProgress(const Job& job, int percent);
   void startWriting(Output& output);
   void finishWriting();  // of the oldest output
   void finishAllWriting() {
@@ -127,7 +139,9 @@ class Batch {
   const CommandLine& commandLine_;
   standin::EntryPoint entry_;
   const standin::Mask* mask_;
+  ProgressLine line_;
   Report report_;
+  RunProgress progress_;
   std::optional<TemporaryPicture> standardInput_;
   std::size_t nextToRead_ = 0;
   std::deque<std::future<Input>> reading_;
@@ -164,6 +178,7 @@ void Batch::renderNext(const Job& job) {
   reading_.pop_front();
   startReading();
   if (!failure) failure = failureOf(job, [&] { render(job, input, output); });
+  progress_.finishOne();
   if (failure) {
     finishAllWriting();
     return report(job, *failure);
@@ -239,7 +254,8 @@ void Batch::awaitReader() {
     output->result.wait_for(10ms);
   }
   if (isReady(reading_.front()) || standardInput_) return;
-  const standin::ExitOnInterrupt exitOnInterrupt(interruptedLine);
+  const standin::ExitOnInterrupt exitOnInterrupt(line_.isShown() ? interruptedOverLine
+                                                                 : interruptedLine);
   reading_.front().wait();
 }
 
@@ -332,7 +348,6 @@ void Batch::filterWithAutoValues(const Job& job, const standin::Picture& picture
 
 double Batch::filter(const Job& job, const standin::Picture& picture, const standin::Mask* mask,
                      const standin::Script& script, standin::Picture& rendered) {
-  ProgressBar bar(job.input.filename().string(), !commandLine_.quiet);
   standin::HostTraits traits = commandLine_.traits;
   std::optional<standin::PictureWindow> window;
   if (traits.playInfo == hostapi::playDisplay && commandLine_.ownWindow) {
@@ -345,12 +360,17 @@ double Batch::filter(const Job& job, const standin::Picture& picture, const stan
     if (commandLine_.pickedColor) color = *commandLine_.pickedColor;
     return commandLine_.pickedColor.has_value();
   };
-  host.onProgress = [&bar](std::int32_t done, std::int32_t total) { bar.show(done, total); };
+  host.onProgress = [this, &job](std::int32_t done, std::int32_t total) {
+    if (total > 0) showProgress(job, static_cast<int>(std::int64_t{done} * 100 / total));
+  };
   host.abortWanted = wasInterrupted;
   const auto begin = std::chrono::steady_clock::now();
   const standin::RunResult result = host.run(entry_, script, rendered);
   const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - begin;
-  if (commandLine_.printScript) printScript(std::cout, result.script);
+  if (commandLine_.printScript) {
+    line_.clear();
+    printScript(std::cout, result.script);
+  }
   if (wasInterrupted()) throw Failure{standin::interruptCode(), interrupted};
   if (result.status == hostapi::userCanceledError) {
     cancelled_ = true;
@@ -360,6 +380,13 @@ double Batch::filter(const Job& job, const standin::Picture& picture, const stan
     throw Failure{exitRender, job.input.string() + ": " + causeOf(result.status)};
   }
   return seconds.count();
+}
+
+void Batch::showProgress(const Job& job, int percent) {
+  percent = std::clamp(percent, 0, 100);
+  const bool isAlone = commandLine_.jobs.size() == 1;
+  line_.show(isAlone ? progressBar(job.input.filename().string(), percent)
+                     : progress_.text(percent));
 }
 
 void Batch::startWriting(Output& output) {

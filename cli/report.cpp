@@ -30,7 +30,13 @@ std::string lineOf(const Json& json) {
 void Report::print(const std::string& line) const {
   const std::vector<Job>& jobs = commandLine_.jobs;
   const bool takesPicture = !jobs.empty() && jobs[0].output == standardStream;
+  progress_.clear();
   (takesPicture ? std::cerr : std::cout) << line << std::flush;
+}
+
+void Report::printText(const std::string& text) const {
+  progress_.clear();
+  printMessage(text);
 }
 
 void Report::skipped(const Job& job) const {
@@ -39,7 +45,7 @@ void Report::skipped(const Job& job) const {
     json["skipped"] = true;
     print(lineOf(json));
   } else if (!commandLine_.quiet) {
-    printMessage("note: " + job.output.string() + " exists, and is skipped");
+    printText("note: " + job.output.string() + " exists, and is skipped");
   }
 }
 
@@ -53,7 +59,7 @@ void Report::made(const Job& job, const PictureReport& picture) const {
                  {"notes", picture.notes}});
     print(lineOf(json));
   } else if (!commandLine_.quiet) {
-    for (const std::string& note : picture.notes) printMessage("note: " + note);
+    for (const std::string& note : picture.notes) printText("note: " + note);
     std::ostringstream line;
     line << printable(job.output.string()) << ": " << picture.width << " x " << picture.height
          << " pixels, " << picture.depth << " bits a channel, rays in " << std::fixed
@@ -64,7 +70,7 @@ void Report::made(const Job& job, const PictureReport& picture) const {
 
 void Report::failed(const Job& job, const Failure& failure) const {
   failedAtLast(job, failure);
-  printMessage("radiashafts: " + failure.text);
+  printText("radiashafts: " + failure.text);
 }
 
 void Report::failedAtLast(const Job& job, const Failure& failure) const {

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "cli/command_line.h"
+#include "cli/progress_line.h"
 
 namespace radiashafts::cli {
 
@@ -19,7 +20,9 @@ struct PictureReport {
 
 class Report {
  public:
-  explicit Report(const CommandLine& commandLine) : commandLine_(commandLine) {}
+  // Takes the line away before it prints.
+  Report(const CommandLine& commandLine, ProgressLine& progress)
+      : commandLine_(commandLine), progress_(progress) {}
 
   void skipped(const Job& job) const;
   void made(const Job& job, const PictureReport& picture) const;
@@ -31,7 +34,10 @@ class Report {
  private:
   void print(const std::string& line) const;
 
+  void printText(const std::string& text) const;
+
   const CommandLine& commandLine_;
+  ProgressLine& progress_;
 };
 
 }  // namespace radiashafts::cli

@@ -3,13 +3,13 @@
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 version=$(sed -n 's/^project(radiashafts VERSION \([0-9.]*\).*/\1/p' "$root/CMakeLists.txt")
 
-build_packages=(g++ cmake ninja-build pkg-config libopenimageio-dev
+build_packages=(g++ cmake ninja-build pkg-config libopenimageio-dev libopenexr-dev
   libjpeg62-turbo-dev libpng-dev libwebp-dev libheif-dev liblcms2-dev libcli11-dev
   nlohmann-json3-dev libgegl-dev libgtest-dev libbenchmark-dev python3)
 windows_packages=(g++-mingw-w64-x86-64-posix)
 # What tests/picture_formats makes and judges files with.
 format_packages=(colord-data imagemagick libgs-common libheif-examples libimage-exiftool-perl
-  libjpeg-turbo-progs openimageio-tools python3 webp)
+  libjpeg-turbo-progs openexr openimageio-tools python3 webp)
 # What tests the front-ends for other programs.
 host_packages=(ffmpeg gegl melt)
 test_packages=(bash-completion clang-format clang-tidy cppcheck fonts-wine googletest icoutils

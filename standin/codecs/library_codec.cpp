@@ -9,8 +9,8 @@
 #include <type_traits>
 
 #include <OpenImageIO/strutil.h>
-#include <OpenImageIO/tiffutils.h>
 
+#include "standin/codecs/exr_file.h"
 #include "standin/codecs/layout.h"
 #include "standin/codecs/tiff_tags.h"
 #include "standin/oiio_threads.h"
@@ -117,10 +117,6 @@ ImageSpec outputSpec(const EncodedPicture& encoded, const ImageOutput& output) {
       if (format != "tiff" || isEncoding) spec.extra_attribs.push_back(attribute);
     }
   }
-  if (format == "openexr" && encoded.options.depth) {
-    constexpr int halfBits = 16;
-    spec.set_format(encoded.bits <= halfBits ? TypeDesc::HALF : TypeDesc::FLOAT);
-  }
   std::string compression = encoded.options.compression;
   if (compression.empty()) compression = spec.get_string_attribute("compression");
   if (encoded.options.quality) {
@@ -133,10 +129,12 @@ ImageSpec outputSpec(const EncodedPicture& encoded, const ImageOutput& output) {
   if (format == "dpx" && encoded.bits % 8 != 0) spec.attribute("oiio:BitsPerSample", encoded.bits);
   spec.erase_attribute("oiio:subimages");
   spec.erase_attribute("ICCProfile");
-  if (format == "tiff") return spec;
-  if (input == nullptr && format == "openexr" && !metadata.exif.empty()) {
-    OIIO::decode_exif(metadata.exif.block(), spec);
+  // Without these the library writes the time, or bytes of chance.
+  if (format == "tiff") spec.attribute("DateTime", "0000:00:00 00:00:00");
+  if (format == "sgi" && spec.get_string_attribute("ImageDescription").empty()) {
+    spec.attribute("ImageDescription", " ");
   }
+  if (format == "tiff") return spec;
   if (!metadata.profile.empty()) {
     spec.attribute("ICCProfile",
                    TypeDesc(TypeDesc::UINT8, static_cast<int>(metadata.profile.size())),
@@ -152,18 +150,15 @@ ImageSpec outputSpec(const EncodedPicture& encoded, const ImageOutput& output) {
 
 // Whether the encoder is lossless.
 bool isExact(const ImageOutput& output) {
-  constexpr std::string_view formats[] = {"bmp", "dpx", "fits", "iff",   "openexr", "png",
-                                          "pnm", "rla", "sgi",  "targa", "tiff",    "zfile"};
+  constexpr std::string_view formats[] = {"bmp", "dpx", "fits",  "iff",  "png",  "pnm",
+                                          "rla", "sgi", "targa", "tiff", "zfile"};
   if (std::find(std::begin(formats), std::end(formats), output.format_name()) ==
       std::end(formats)) {
     return false;
   }
   if (output.spec().get_int_attribute("oiio:BitsPerSample") % 8 != 0) return false;
   const std::string_view compression = output.spec().get_string_attribute("compression");
-  for (const std::string_view lossy : {"jpeg", "b44", "dwa", "pxr24"}) {
-    if (compression.substr(0, lossy.size()) == lossy) return false;
-  }
-  return true;
+  return compression.substr(0, 4) != "jpeg";
 }
 
 // Compares strip by strip, where the file is to hold the picture unchanged.
@@ -276,6 +271,7 @@ DecodedPicture decodeWithLibrary(const fs::path& path, int page) {
   }
   ImageSpec spec = input->spec();
   checkSides(static_cast<unsigned>(spec.width), static_cast<unsigned>(spec.height));
+  if (spec.deep) throw std::runtime_error("holds deep samples, several for each pixel");
   if (spec.depth > 1) throw std::runtime_error("is a volume, not a picture");
   setLayout(decoded, spec);
   decoded.picture.allocate();
@@ -284,6 +280,7 @@ DecodedPicture decodeWithLibrary(const fs::path& path, int page) {
     throw std::runtime_error(input->geterror());
   }
   metadata.format = input->format_name();
+  if (metadata.format == exrFormat) metadata.exrHeader = readExrHeader(path, index);
   metadata.bits = spec.format == TypeDesc::HALF ? 16 : spec.get_int_attribute("oiio:BitsPerSample");
   decoded.isPremultiplied = decoded.picture.hasAlpha && isPremultiplied(metadata.format, spec);
   decoded.orientation = spec.get_int_attribute("Orientation", 1);
@@ -345,10 +342,22 @@ StoredSamples encodeWithLibrary(ImageOutput& output, const fs::path& path,
   return {stored, isExact(output)};
 }
 
+// The library puts the temporary file's name into the header.
+void clearNameInDpx(const fs::path& path) {
+  constexpr std::streamoff nameAt = 36;
+  constexpr std::size_t nameSize = 100;
+  std::fstream stream(path, std::ios::binary | std::ios::in | std::ios::out);
+  stream.seekp(nameAt);
+  stream.write(std::string(nameSize, '\0').data(), nameSize);
+  stream.close();
+  if (stream.fail()) throw std::runtime_error("its header cannot be written");
+}
+
 void finishWithLibrary(ImageOutput& output, const fs::path& path,
                        const std::vector<FileMetadata>& pages, std::vector<std::string>& notes) {
   const std::string_view format = output.format_name();
   if (!output.close()) throw std::runtime_error(output.geterror());
+  if (format == "dpx") clearNameInDpx(path);
   for (int page = 0; format == "tiff" && page < static_cast<int>(pages.size()); ++page) {
     const TagsWritten written = writeTiffTags(path, page, pages[static_cast<std::size_t>(page)]);
     if (written == TagsWritten::failed) throw std::runtime_error("its tags cannot be written");

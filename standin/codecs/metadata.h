@@ -57,7 +57,9 @@ struct FileMetadata final : PictureMetadata {
   bool lossless = false;  // WebP
   int bits = 0;           // of a sample, where it is neither 8, 16 nor 32
   std::any nclx;          // HEIF's numbers for a colour space
+  std::any exrHeader;     // OpenEXR's attributes
   std::any spec;          // of a file that the picture library read
+  bool colorsConverted = false;
   bool hasNextPage = false;
   std::vector<std::string> notes;  // what is left out already
 };

@@ -13,6 +13,7 @@
 
 #include "standin/codecs/codec.h"
 #include "standin/codecs/color_profile.h"
+#include "standin/codecs/exr_file.h"
 #include "standin/codecs/kept_metadata.h"
 #include "standin/codecs/layout.h"
 #include "standin/codecs/library_codec.h"
@@ -126,6 +127,7 @@ void updateTags(DecodedPicture& decoded, bool colorsConverted) {
   exif.replaceText(tagSoftware, "Radiashafts " RADIASHAFTS_VERSION);
   constexpr std::uint32_t srgb = 1;
   constexpr std::uint32_t uncalibrated = 0xFFFF;
+  decoded.metadata->colorsConverted = colorsConverted;
   if (colorsConverted) {
     exif.replaceNumber(tagColorSpace, decoded.metadata->profile.empty() ? srgb : uncalibrated);
   }
@@ -226,7 +228,9 @@ void encodePage(Page& page, int number, const Encoder& encoder, const fs::path& 
   dropUnkept(page.metadata, encoder.format, picture.colorPlanes, notes);
   const EncodedPicture encoded{picture, page.metadata, options, encoder.extension,
                                bits,    number,        aborted, notes};
-  if (encoder.library != nullptr) {
+  if (encoder.format == exrFormat) {
+    page.stored = encodeExr(path, encoded, picture);
+  } else if (encoder.library != nullptr) {
     page.stored = encodeWithLibrary(*encoder.library, path, encoded, picture);
   } else {
     encoder.codec->encode(path, encoded);
@@ -338,7 +342,7 @@ WriteResult writePictureFile(const fs::path& path, PictureFile&& file,
       encodePage(pages[i], static_cast<int>(i), encoder, partial.path(), options, aborted, notes);
       if (aborted()) return false;
     }
-    if (encoder.library != nullptr) {
+    if (encoder.library != nullptr && encoder.format != exrFormat) {
       std::vector<FileMetadata> metadata;
       metadata.reserve(pages.size());
       for (const Page& page : pages) metadata.push_back(page.metadata);

@@ -12,6 +12,8 @@ format_packages=(colord-data imagemagick libgs-common libheif-examples libimage-
   libjpeg-turbo-progs openexr openimageio-tools python3 webp)
 # What tests the front-ends for other programs.
 host_packages=(ffmpeg gegl melt)
+# What tests/farm renders with.
+farm_packages=(munge parallel slurm-client slurmctld slurmd)
 test_packages=(bash-completion clang-format clang-tidy cppcheck fonts-wine googletest icoutils
   openbox wine64 xauth xvfb zsh)
 
@@ -34,8 +36,29 @@ need_packages() {
     as_root apt-get update -qq >&2
     packages_updated=1
   fi
-  as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends \
-    "${missing[@]}" >"$root/build/apt.log" 2>&1 || { cat "$root/build/apt.log" >&2; return 1; }
+  without_services as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq \
+    --no-install-recommends "${missing[@]}" >"$root/build/apt.log" 2>&1 ||
+    { cat "$root/build/apt.log" >&2; return 1; }
+}
+
+# Runs an installation that starts no service, neither now nor with the system.
+without_services() {
+  local policy=/usr/sbin/policy-rc.d status=0 own= service
+  local before=()
+  for service in munge slurmctld slurmd; do
+    [ ! -e "/lib/systemd/system/$service.service" ] || before+=("$service")
+  done
+  if [ ! -e "$policy" ]; then
+    own=1
+    printf '#!/bin/sh\nexit 101\n' | as_root install -m 755 /dev/stdin "$policy"
+  fi
+  "$@" || status=$?
+  [ -z "$own" ] || as_root rm "$policy"
+  for service in munge slurmctld slurmd; do
+    [[ " ${before[*]} " == *" $service "* || ! -e /lib/systemd/system/$service.service ]] ||
+      as_root systemctl disable "$service"
+  done
+  return "$status"
 }
 
 # Configures a CMake preset if needed and builds the named targets, or all: build_preset PRESET

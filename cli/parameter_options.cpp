@@ -1,7 +1,6 @@
 #include "cli/parameter_options.h"
 
 #include <algorithm>
-#include <cctype>
 #include <charconv>
 #include <cmath>
 #include <iomanip>

@@ -184,7 +184,8 @@ gboolean process(GeglOperation* operation, GeglOperationContext* context, const 
   return TRUE;
 }
 
-void initialize(GTypeInstance* instance, gpointer) {
+// Without memory GLib ends the program, and what it calls to make types and instances does so too.
+void initialize(GTypeInstance* instance, gpointer) noexcept {
   reinterpret_cast<Operation*>(instance)->values = new Values;
 }
 
@@ -193,7 +194,7 @@ void finalize(GObject* object) {
   G_OBJECT_CLASS(parentClass)->finalize(object);
 }
 
-void initializeClass(gpointer klass, gpointer) {
+void initializeClass(gpointer klass, gpointer) noexcept {
   parentClass = static_cast<GeglOperationClass*>(g_type_class_peek_parent(klass));
   auto* object = static_cast<GObjectClass*>(klass);
   object->set_property = setProperty;
@@ -230,7 +231,7 @@ RADIASHAFTS_EXPORT const GeglModuleInfo* gegl_module_query(GTypeModule*) {
   return &info;
 }
 
-RADIASHAFTS_EXPORT gboolean gegl_module_register(GTypeModule* module) {
+RADIASHAFTS_EXPORT gboolean gegl_module_register(GTypeModule* module) noexcept {
   registerEnumerations(module);
   GTypeInfo type{};
   type.class_size = sizeof(GeglOperationFilterClass);

@@ -11,7 +11,7 @@ namespace {
 constexpr auto flags =
     static_cast<GParamFlags>(G_PARAM_READWRITE | G_PARAM_CONSTRUCT | GEGL_PARAM_PAD_INPUT);
 
-// An enumeration's texts have to live as long as the module.
+// An enumeration's values and texts stay where they are as long as the module is loaded.
 struct Enumeration {
   std::list<std::string> nicks;
   std::vector<GEnumValue> values;
@@ -36,6 +36,16 @@ std::string nickOf(std::string entry) {
   std::erase_if(entry, [](char c) { return c == '(' || c == ')'; });
   std::replace(entry.begin(), entry.end(), ' ', '-');
   return entry;
+}
+
+Enumeration entriesOf(const radiashafts_parameter& list) {
+  Enumeration made;
+  for (int i = 0; i < list.entry_count; ++i) {
+    const char* nick = made.nicks.emplace_back(nickOf(list.entries[i])).c_str();
+    made.values.push_back({i + 1, list.entries[i], nick});
+  }
+  made.values.push_back({});  // the end
+  return made;
 }
 
 GParamSpec* numberSpecification(const Setting& property, double minimum, double maximum) {
@@ -85,11 +95,7 @@ void registerEnumerations(GTypeModule* module) {
     const radiashafts_parameter& list = *property.parameter;
     if (list.kind != RADIASHAFTS_LIST) continue;
     Enumeration& made = enumerations()[&list];
-    for (int i = 0; i < list.entry_count; ++i) {
-      const char* nick = made.nicks.emplace_back(nickOf(list.entries[i])).c_str();
-      made.values.push_back({i + 1, list.entries[i], nick});
-    }
-    made.values.push_back({});  // the end
+    if (made.values.empty()) made = entriesOf(list);
     const std::string name = std::string("Radiashafts") + list.name;
     made.type = g_type_module_register_enum(module, name.c_str(), made.values.data());
   }

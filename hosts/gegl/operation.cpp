@@ -186,7 +186,7 @@ gboolean process(GeglOperation* operation, GeglOperationContext* context, const 
 
 // Without memory GLib ends the program, and what it calls to make types and instances does so too.
 void initialize(GTypeInstance* instance, gpointer) noexcept {
-  reinterpret_cast<Operation*>(instance)->values = new Values;
+  reinterpret_cast<Operation*>(instance)->values = std::make_unique<Values>().release();
 }
 
 void finalize(GObject* object) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cmath>
 #include <list>
 #include <map>
 
@@ -83,6 +84,18 @@ double numberIn(const GValue& value) {
   return g_value_get_double(&value);
 }
 
+// GEGL keeps colors in single precision. An 8-bit value, as in "#ffcc00", is made exact again.
+SettingValues colorIn(const GValue& value, const Babl* space) {
+  SettingValues color{};
+  gegl_color_get_pixel(GEGL_COLOR(g_value_get_object(&value)),
+                       babl_format_with_space("R'G'B' double", space), color.data());
+  for (double& component : color) {
+    const double exact = std::round(component * 255) / 255;
+    if (std::abs(component - exact) < 1e-6) component = exact;
+  }
+  return color;
+}
+
 }  // namespace
 
 const std::vector<Setting>& properties() {
@@ -126,8 +139,7 @@ void setAll(radiashafts_session* session, const std::vector<GValue>& values, con
     const Setting& property = properties()[i];
     SettingValues numbers = valuesOf(session, property);
     if (property.parameter->kind == RADIASHAFTS_COLOR) {
-      gegl_color_get_pixel(GEGL_COLOR(g_value_get_object(&values[i])),
-                           babl_format_with_space("R'G'B' double", space), numbers.data());
+      numbers = colorIn(values[i], space);
     } else {
       numbers[property.axis] = numberIn(values[i]);
     }

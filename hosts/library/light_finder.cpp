@@ -1,234 +1,175 @@
 #include "hosts/library/light_finder.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
-#include <cstdint>
-#include <cstdlib>
 #include <numeric>
-#include <type_traits>
 #include <vector>
+
+#include "hosts/library/picture_survey.h"
 
 namespace radiashafts::hosts {
 namespace {
 
-using standin::Mask;
-using standin::Picture;
-
 // Found by trial on photographs (tools/judge_auto). Lengths are in diagonals of the picture.
-constexpr double softness = 0.012;      // the blur that removes glints
-constexpr double lightSize = 0.04;      // the blur that weighs region against region
-constexpr double centerRadius = 0.1;    // of the part whose centre is taken
-constexpr double leastContrast = 0.33;  // between the light and the median of the picture
-constexpr double shiningShare = 0.1;    // of the picture, above the threshold
+constexpr double lightBlur = 0.014;       // removes glints
+constexpr double surroundingsBlur = 0.1;  // what a light is brighter than
+constexpr double glowRadius = 0.25;       // of the part of a picture that a glow fills
+constexpr double slightSlope = 2;         // of brightness, in a diagonal: glows are steeper
+constexpr double glowOfLamps = 0.3;       // a lamp with none is as good as other things with this
+constexpr double leastLight = 0.3;        // contrast and glow together
+constexpr double centerRadius = 0.07;     // of the part whose centre is taken
+constexpr double centerBrightness = 0.9;  // that part's, where the light's is 1 and the median 0
+constexpr double shiningShare = 0.1;      // of the picture, above the threshold
 
-constexpr int mapSide = 192;          // cells
-constexpr int samplesPerSide = 4;     // of a cell, at least, where it has as many pixels
-constexpr float maximumFloat = 1e4F;  // so bright is a sun in a picture of unclipped light
+// Calls use(x, y) for the cells of a map that are at most so many columns and rows away.
+template <class Use>
+void forCellsAround(int x, int y, int reach, const Map& map, Use use) {
+  for (int row = std::max(y - reach, 0); row <= std::min(y + reach, map.height - 1); ++row) {
+    for (int column = std::max(x - reach, 0); column <= std::min(x + reach, map.width - 1);
+         ++column) {
+      use(column, row);
+    }
+  }
+}
 
-// One value for each cell of the picture; cells are squares of pixels.
-struct Map {
-  int width, height;
+// Where the weight is 0, the median does not count.
+float medianOf(const Map& map, const Map& weight) {
   std::vector<float> values;
-
-  Map(int mapWidth, int mapHeight)
-      : width(mapWidth),
-        height(mapHeight),
-        values(static_cast<std::size_t>(mapWidth) * static_cast<std::size_t>(mapHeight)) {}
-  std::size_t index(int x, int y) const {
-    return static_cast<std::size_t>(y) * static_cast<std::size_t>(width) +
-           static_cast<std::size_t>(x);
+  for (std::size_t i = 0; i < map.values.size(); ++i) {
+    if (weight.values[i] > 0) values.push_back(map.values[i]);
   }
-  double diagonal() const { return std::hypot(width, height); }
+  if (values.empty()) return 0;
+  const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+  std::nth_element(values.begin(), middle, values.end());
+  return *middle;
+}
+
+// Which way a map gets brighter: vectors up to 1 long, and short where it hardly does.
+struct Slopes {
+  Map x, y;
+
+  explicit Slopes(const Map& brightness) : x(brightness.width, brightness.height), y(x) {
+    const auto slight = static_cast<float>(slightSlope / brightness.diagonal());
+    for (int row = 0; row < x.height; ++row) {
+      for (int column = 0; column < x.width; ++column) {
+        const int left = std::max(column - 1, 0), right = std::min(column + 1, x.width - 1);
+        const int above = std::max(row - 1, 0), below = std::min(row + 1, x.height - 1);
+        const float dx = (brightness.at(right, row) - brightness.at(left, row)) / 2;
+        const float dy = (brightness.at(column, below) - brightness.at(column, above)) / 2;
+        const float length = std::hypot(dx, dy) + slight;
+        x.values[x.index(column, row)] = dx / length;
+        y.values[y.index(column, row)] = dy / length;
+      }
+    }
+  }
 };
 
-struct Measured {
-  float brightness;  // luma; above 1 in a float picture whose light is not clipped
-  float lightness;   // of the HSL model, 0 to 1
-  float weight;      // alpha and mask, 0 to 1
+struct Place {
+  int x, y;  // a cell
+  double glow;
 };
 
-template <class Sample>
-class PixelReader {
+// Looks for the light in a small picture.
+class Search {
  public:
-  // scale is the sample of full brightness.
-  PixelReader(const Picture& picture, const Mask* mask, float scale)
-      : picture_(picture), mask_(mask), toUnit_(1 / scale) {}
+  explicit Search(const Survey& picture)
+      : picture_(picture),
+        brightness_(softBrightness(picture, lightBlur)),
+        surroundings_(softBrightness(picture, surroundingsBlur)),
+        slopes_(brightness_),
+        median_(medianOf(brightness_, picture.weight)) {}
 
-  Measured measure(int x, int y) const {
-    const std::size_t pixel =
-        static_cast<std::size_t>(y) * static_cast<std::size_t>(picture_.width) +
-        static_cast<std::size_t>(x);
-    const auto* const samples =
-        reinterpret_cast<const Sample*>(picture_.bytes.data() + pixel * picture_.pixelBytes());
-    const int lastColor = picture_.colorPlanes - 1;
-    const float r = unit(samples[0]);
-    const float g = unit(samples[std::min(1, lastColor)]);
-    const float b = unit(samples[std::min(2, lastColor)]);
-    const float lightness = (std::min({r, g, b}) + std::max({r, g, b})) / 2;
-    float weight = picture_.hasAlpha ? std::min(unit(samples[lastColor + 1]), 1.0F) : 1.0F;
-    if (mask_ != nullptr) weight *= static_cast<float>(mask_->bytes[pixel]) / 255;
-    return {0.299F * shown(r) + 0.587F * shown(g) + 0.114F * shown(b), std::min(lightness, 1.0F),
-            weight};
-  }
+  // The peak of prominence with the most of it, weighted by its glow.
+  std::optional<Place> brightestPlace() const;
+  // A white thing has contrast but little glow. In the dark, contrast is enough.
+  bool isLight(const Place& place) const;
+
+  struct Center {
+    double x = 0, y = 0;   // cells
+    double lightness = 0;  // mean
+  };
+  // The centre of what is about as bright, close to a place.
+  Center centerAround(const Place& place) const;
 
  private:
-  static constexpr bool isFloat = std::is_floating_point_v<Sample>;
+  float contrast(int x, int y) const { return brightness_.at(x, y) - median_; }
+  // A light is brighter than its surroundings and than most of the picture.
+  float prominence(int x, int y) const;
+  bool isPeak(int x, int y) const;
+  double glow(int x, int y) const;
 
-  float unit(Sample sample) const {
-    if constexpr (isFloat) return sample > 0 ? std::min(sample, maximumFloat) : 0;  // NaN is 0
-    return static_cast<float>(sample) * toUnit_;
-  }
-  // Float pictures hold linear light; a screen shows it in about this way.
-  static float shown(float value) { return isFloat ? std::sqrt(value) : value; }
-
-  const Picture& picture_;
-  const Mask* mask_;
-  float toUnit_;
+  const Survey& picture_;
+  Map brightness_, surroundings_;
+  Slopes slopes_;
+  float median_;
 };
 
-// The picture in small. Means over the samples of a cell.
-struct Survey {
-  int cellSide;                         // pixels
-  Map weight;                           // of the samples
-  Map brightness, lightness;            // times the weight
-  std::array<double, 256> histogram{};  // weights by lightness
+float Search::prominence(int x, int y) const {
+  if (picture_.weight.at(x, y) == 0) return 0;
+  return std::max(brightness_.at(x, y) - surroundings_.at(x, y), 0.0F) *
+         std::max(contrast(x, y), 0.0F);
+}
 
-  Survey(int side, int width, int height)
-      : cellSide(side),
-        weight(width, height),
-        brightness(width, height),
-        lightness(width, height) {}
-};
+bool Search::isPeak(int x, int y) const {
+  const float here = prominence(x, y);
+  bool highest = here > 0;
+  forCellsAround(x, y, 1, brightness_, [&](int column, int row) {
+    highest = highest && prominence(column, row) <= here;
+  });
+  return highest;
+}
 
-template <class Sample>
-Survey survey(const Picture& picture, const Mask* mask, float scale) {
-  const int side = (std::max(picture.width, picture.height) + mapSide - 1) / mapSide;
-  const int step = std::max(side / samplesPerSide, 1);
-  const auto cells = [side](int pixels) { return (pixels + side - 1) / side; };
-  Survey result(side, cells(picture.width), cells(picture.height));
-  Map counts(result.weight.width, result.weight.height);
-  const PixelReader<Sample> reader(picture, mask, scale);
-  for (int y = 0; y < picture.height; y += step) {
-    for (int x = 0; x < picture.width; x += step) {
-      const Measured pixel = reader.measure(x, y);
-      const std::size_t cell = counts.index(x / side, y / side);
-      result.weight.values[cell] += pixel.weight;
-      result.brightness.values[cell] += pixel.weight * pixel.brightness;
-      result.lightness.values[cell] += pixel.weight * pixel.lightness;
-      counts.values[cell] += 1;
-      result.histogram[static_cast<std::size_t>(pixel.lightness * 255)] += pixel.weight;
+// How steadily it gets brighter towards a cell from all sides: 1 in a perfect glow, about 0 among
+// edges and textures, which have slopes to all sides, and in flat areas.
+double Search::glow(int x, int y) const {
+  const double radius = glowRadius * brightness_.diagonal();
+  double towards = 0, weight = 0;
+  forCellsAround(x, y, static_cast<int>(radius), brightness_, [&](int column, int row) {
+    const double dx = x - column, dy = y - row;
+    const double distance = std::hypot(dx, dy);
+    if (distance == 0 || distance > radius) return;
+    const double w = picture_.weight.at(column, row);
+    towards += w * (slopes_.x.at(column, row) * dx + slopes_.y.at(column, row) * dy) / distance;
+    weight += w;
+  });
+  return weight > 0 ? towards / weight : 0;
+}
+
+std::optional<Place> Search::brightestPlace() const {
+  std::optional<Place> best;
+  double bestScore = 0;
+  for (int y = 0; y < brightness_.height; ++y) {
+    for (int x = 0; x < brightness_.width; ++x) {
+      if (!isPeak(x, y)) continue;
+      const double glowHere = glow(x, y);
+      const double score = prominence(x, y) * (glowOfLamps + glowHere);
+      if (score <= bestScore) continue;
+      bestScore = score;
+      best = Place{x, y, glowHere};
     }
   }
-  for (Map* map : {&result.weight, &result.brightness, &result.lightness}) {
-    for (std::size_t i = 0; i < counts.values.size(); ++i) {
-      if (counts.values[i] > 0) map->values[i] /= counts.values[i];
-    }
-  }
-  return result;
+  return best;
 }
 
-Survey survey(const Picture& picture, const Mask* mask) {
-  switch (picture.depth) {
-    case 8:
-      return survey<std::uint8_t>(picture, mask, 255);
-    case 16:
-      return survey<std::uint16_t>(picture, mask, 32768);
-    default:
-      return survey<float>(picture, mask, 1);
-  }
+bool Search::isLight(const Place& place) const {
+  const float darkness = std::max(1 - median_, 0.0F);
+  return std::min(contrast(place.x, place.y), 1.0F) * darkness + place.glow >= leastLight;
 }
 
-// Blurs the rows and writes them as columns.
-Map blurredAcross(const Map& map, const std::vector<float>& kernel) {
-  Map result(map.height, map.width);
-  const int reach = static_cast<int>(kernel.size()) - 1;
-  for (int y = 0; y < map.height; ++y) {
-    for (int x = 0; x < map.width; ++x) {
-      float sum = 0, weight = 0;
-      for (int i = std::max(x - reach, 0); i <= std::min(x + reach, map.width - 1); ++i) {
-        const float share = kernel[static_cast<std::size_t>(std::abs(i - x))];
-        sum += share * map.values[map.index(i, y)];
-        weight += share;
-      }
-      result.values[result.index(y, x)] = sum / weight;
-    }
-  }
-  return result;
-}
-
-// A Gaussian blur; sigma is in diagonals of the map. Beyond the border there is nothing.
-Map blurred(const Map& map, double sigma) {
-  const double cells = sigma * map.diagonal();
-  std::vector<float> kernel;
-  for (int i = 0; i <= std::ceil(3 * cells); ++i) {
-    kernel.push_back(static_cast<float>(std::exp(-0.5 * i * i / (cells * cells))));
-  }
-  return blurredAcross(blurredAcross(map, kernel), kernel);
-}
-
-// The blurred brightness, 0 where nothing has a weight.
-Map softBrightness(const Survey& picture) {
-  Map soft = blurred(picture.brightness, softness);
-  const Map weight = blurred(picture.weight, softness);
-  for (std::size_t i = 0; i < soft.values.size(); ++i) {
-    const float w = weight.values[i];
-    soft.values[i] = picture.weight.values[i] > 0 ? soft.values[i] / w : 0;
-  }
-  return soft;
-}
-
-// How much each cell counts as light: the square of what it is brighter than most of the picture.
-// Empty where nothing is much brighter.
-std::optional<Map> lightShares(const Survey& picture) {
-  Map soft = softBrightness(picture);
-  std::vector<float> sorted;
-  for (std::size_t i = 0; i < soft.values.size(); ++i) {
-    if (picture.weight.values[i] > 0) sorted.push_back(soft.values[i]);
-  }
-  if (sorted.empty()) return std::nullopt;
-  std::sort(sorted.begin(), sorted.end());
-  const float median = sorted[sorted.size() / 2];
-  const float contrast = sorted.back() - median;
-  if (contrast < leastContrast) return std::nullopt;
-  const float tenth = sorted[sorted.size() * 9 / 10];
-  const float threshold = std::max(tenth, median + 0.6F * contrast);
-  for (std::size_t i = 0; i < soft.values.size(); ++i) {
-    const float above = std::max(soft.values[i] - threshold, 0.0F);
-    soft.values[i] = above * above * picture.weight.values[i];
-  }
-  return soft;
-}
-
-struct Center {
-  double x, y;       // cells
-  double lightness;  // mean of the light around it
-};
-
-// The centre of the light around a cell: a mean, taken again around itself.
-Center centerAround(int cell, const Map& shares, const Survey& picture) {
-  const int columns = shares.width;
-  const int row = cell / columns;
-  Center center{static_cast<double>(cell - row * columns), static_cast<double>(row), 0};
-  const double radius = centerRadius * shares.diagonal();
-  for (int pass = 0; pass < 5; ++pass) {
-    Center sum{};
-    double weight = 0;
-    for (int y = 0; y < shares.height; ++y) {
-      for (int x = 0; x < shares.width; ++x) {
-        const std::size_t i = shares.index(x, y);
-        const double share = shares.values[i];
-        if (share == 0 || std::hypot(x - center.x, y - center.y) > radius) continue;
-        sum.x += share * x;
-        sum.y += share * y;
-        sum.lightness += share * picture.lightness.values[i] / picture.weight.values[i];
-        weight += share;
-      }
-    }
-    if (weight == 0) break;
-    center = {sum.x / weight, sum.y / weight, sum.lightness / weight};
-  }
-  return center;
+Search::Center Search::centerAround(const Place& place) const {
+  const double leastContrast = centerBrightness * contrast(place.x, place.y);
+  const double radius = centerRadius * brightness_.diagonal();
+  Center sum;
+  double weight = 0;
+  forCellsAround(place.x, place.y, static_cast<int>(radius), brightness_, [&](int x, int y) {
+    if (contrast(x, y) < leastContrast || std::hypot(x - place.x, y - place.y) > radius) return;
+    const double w = picture_.weight.at(x, y);
+    sum.x += w * x;
+    sum.y += w * y;
+    sum.lightness += picture_.lightness.at(x, y);
+    weight += w;
+  });
+  return {sum.x / weight, sum.y / weight, sum.lightness / weight};
 }
 
 // The lightness of the brightest part of the picture, but less than that of the light itself.
@@ -244,14 +185,12 @@ int lowestShining(const Survey& picture, double lightness) {
 
 }  // namespace
 
-std::optional<Light> findLight(const Picture& picture, const Mask* mask) {
+std::optional<Light> findLight(const standin::Picture& picture, const standin::Mask* mask) {
   const Survey small = survey(picture, mask);
-  const std::optional<Map> shares = lightShares(small);
-  if (!shares) return std::nullopt;
-  const Map regions = blurred(*shares, lightSize);
-  const auto brightest = std::max_element(regions.values.begin(), regions.values.end());
-  const Center center =
-      centerAround(static_cast<int>(brightest - regions.values.begin()), *shares, small);
+  const Search search(small);
+  const std::optional<Place> place = search.brightestPlace();
+  if (!place || !search.isLight(*place)) return std::nullopt;
+  const Search::Center center = search.centerAround(*place);
   const auto position = [&small](double cells, int pixels) {
     return std::min((cells + 0.5) * small.cellSide / pixels, 1.0);
   };

@@ -12,8 +12,9 @@ struct Light {
   int low;      // the darkest HSL lightness that is to shine, 0 to 255
 };
 
-// The middle of the brightest soft region; none where no region stands out. What is transparent or
-// outside the mask, which may be null, counts for nothing. NaN and infinite samples are harmless.
+// The place that is brighter than its surroundings and than most of the picture, and has a glow or
+// is in the dark; none where there is no such place. What is transparent or outside the mask, which
+// may be null, counts for nothing. NaN and infinite samples are harmless.
 std::optional<Light> findLight(const standin::Picture& picture, const standin::Mask* mask);
 
 }  // namespace radiashafts::hosts

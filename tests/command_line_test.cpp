@@ -386,7 +386,7 @@ TEST_F(CommandLine, AutoTellsASunFromAWhiteThing) {
         const bool white = x >= 130 && x < 150 && y >= 70 && y < 90;
         const double distance = std::hypot(x - 50, y - 40);
         const double sky = std::min(130 + glow * std::exp(-distance / 30), 255.0);
-        samples += static_cast<char>(static_cast<int>(white ? 235 : sky));
+        samples += static_cast<char>(static_cast<int>(white ? 228 : sky));
       }
     }
     write(name, "P5 180 120 255\n" + samples);

@@ -15,10 +15,10 @@ constexpr double lightBlur = 0.014;       // removes glints
 constexpr double surroundingsBlur = 0.1;  // what a light is brighter than
 constexpr double glowRadius = 0.25;       // of the part of a picture that a glow fills
 constexpr double slightSlope = 2;         // of brightness, in a diagonal: glows are steeper
-constexpr double glowOfLamps = 0.3;       // a lamp with none is as good as other things with this
-constexpr double leastLight = 0.3;        // contrast and glow together
-constexpr double centerRadius = 0.07;     // of the part whose centre is taken
-constexpr double centerBrightness = 0.9;  // that part's, where the light's is 1 and the median 0
+constexpr double glowOfLamps = 0.6;       // a lamp with none is as good as other things with this
+constexpr double leastLight = 0.5;        // contrast and glow together
+constexpr double centerRadius = 0.1;      // of the part whose centre is taken
+constexpr double centerBrightness = 0.6;  // that part's, where the light's is 1 and the median 0
 constexpr double shiningShare = 0.1;      // of the picture, above the threshold
 
 // Calls use(x, y) for the cells of a map that are at most so many columns and rows away.
@@ -81,14 +81,14 @@ class Search {
 
   // The peak of prominence with the most of it, weighted by its glow.
   std::optional<Place> brightestPlace() const;
-  // A white thing has contrast but little glow. In the dark, contrast is enough.
+  // A white thing has contrast, but little glow. In the dark, contrast is enough.
   bool isLight(const Place& place) const;
 
   struct Center {
     double x = 0, y = 0;   // cells
     double lightness = 0;  // mean
   };
-  // The centre of what is about as bright, close to a place.
+  // The centre of the light around a place: a mean, taken again around itself.
   Center centerAround(const Place& place) const;
 
  private:
@@ -152,24 +152,30 @@ std::optional<Place> Search::brightestPlace() const {
 }
 
 bool Search::isLight(const Place& place) const {
-  const float darkness = std::max(1 - median_, 0.0F);
-  return std::min(contrast(place.x, place.y), 1.0F) * darkness + place.glow >= leastLight;
+  return std::min(contrast(place.x, place.y), 1.0F) + place.glow >= leastLight;
 }
 
 Search::Center Search::centerAround(const Place& place) const {
   const double leastContrast = centerBrightness * contrast(place.x, place.y);
   const double radius = centerRadius * brightness_.diagonal();
-  Center sum;
-  double weight = 0;
-  forCellsAround(place.x, place.y, static_cast<int>(radius), brightness_, [&](int x, int y) {
-    if (contrast(x, y) < leastContrast || std::hypot(x - place.x, y - place.y) > radius) return;
-    const double w = picture_.weight.at(x, y);
-    sum.x += w * x;
-    sum.y += w * y;
-    sum.lightness += picture_.lightness.at(x, y);
-    weight += w;
-  });
-  return {sum.x / weight, sum.y / weight, sum.lightness / weight};
+  Center center{static_cast<double>(place.x), static_cast<double>(place.y)};
+  for (int pass = 0; pass < 5; ++pass) {
+    Center sum;
+    double weight = 0;
+    const auto column = static_cast<int>(center.x), row = static_cast<int>(center.y);
+    forCellsAround(column, row, static_cast<int>(radius) + 1, brightness_, [&](int x, int y) {
+      const double above = contrast(x, y) - leastContrast;
+      if (above <= 0 || std::hypot(x - center.x, y - center.y) > radius) return;
+      const double share = above * above;
+      sum.x += share * picture_.weight.at(x, y) * x;
+      sum.y += share * picture_.weight.at(x, y) * y;
+      sum.lightness += share * picture_.lightness.at(x, y);
+      weight += share * picture_.weight.at(x, y);
+    });
+    if (weight == 0) break;
+    center = {sum.x / weight, sum.y / weight, sum.lightness / weight};
+  }
+  return center;
 }
 
 // The lightness of the brightest part of the picture, but less than that of the light itself.

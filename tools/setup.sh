@@ -5,13 +5,13 @@ version=$(sed -n 's/^project(radiashafts VERSION \([0-9.]*\).*/\1/p' "$root/CMak
 
 build_packages=(g++ cmake ninja-build pkg-config libopenimageio-dev libopenexr-dev
   libjpeg62-turbo-dev libpng-dev libwebp-dev libheif-dev liblcms2-dev libcli11-dev
-  nlohmann-json3-dev libgegl-dev libgtest-dev libbenchmark-dev python3)
+  nlohmann-json3-dev libgegl-dev libgimp2.0-dev libgtest-dev libbenchmark-dev python3)
 windows_packages=(g++-mingw-w64-x86-64-posix)
 # What tests/picture_formats makes and judges files with.
 format_packages=(colord-data imagemagick libgs-common libheif-examples libimage-exiftool-perl
   libjpeg-turbo-progs openexr openimageio-tools python3 webp)
 # What tests the front-ends for other programs.
-host_packages=(ffmpeg gegl melt)
+host_packages=(ffmpeg gegl gimp melt)
 # What tests/farm renders with.
 farm_packages=(munge parallel slurm-client slurmctld slurmd)
 test_packages=(bash-completion clang-format clang-tidy cppcheck fonts-wine googletest icoutils

@@ -25,7 +25,7 @@ void showGuide(const gchar* /*topic*/, gpointer /*context*/) {
   const std::string guide = (folder / RADIASHAFTS_GUIDE).lexically_normal();
   GError* error = nullptr;
   if (gtk_show_uri(nullptr, ("file://" + guide).c_str(), GDK_CURRENT_TIME, &error)) return;
-  g_message("%s: %s", guide.c_str(), error->message);
+  g_message("%s", error->message);  // names the file
   g_error_free(error);
 }
 

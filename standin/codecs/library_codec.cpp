@@ -120,7 +120,7 @@ ImageSpec outputSpec(const EncodedPicture& encoded, const ImageOutput& output) {
   std::string compression = encoded.options.compression;
   if (compression.empty()) compression = spec.get_string_attribute("compression");
   if (encoded.options.quality) {
-    compression = compression.substr(0, compression.find(':'));
+    compression.resize(std::min(compression.find(':'), compression.size()));
     compression += ':' + std::to_string(*encoded.options.quality);
   }
   if (!compression.empty()) spec.attribute("compression", compression);

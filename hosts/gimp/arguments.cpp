@@ -4,23 +4,10 @@
 #include <cmath>
 #include <sstream>
 
+#include "parameters/hyphenated_name.h"
+
 namespace radiashafts::gimp {
 namespace {
-
-bool isLower(char letter) {
-  return letter >= 'a' && letter <= 'z';
-}
-
-// "RayLength" as "ray-length".
-std::string argumentName(const radiashafts_parameter& parameter) {
-  std::string name;
-  for (const char* letter = parameter.name; *letter != '\0'; ++letter) {
-    const bool isCapital = *letter >= 'A' && *letter <= 'Z';
-    if (isCapital && !name.empty() && isLower(letter[-1])) name += '-';
-    name += isCapital ? static_cast<char>(*letter + ('a' - 'A')) : *letter;
-  }
-  return name;
-}
 
 // "0 to 5 or more".
 std::string rangeOf(const radiashafts_parameter& parameter) {
@@ -89,7 +76,7 @@ void checkLimits(const radiashafts_parameter& parameter, const Numbers& numbers)
     const bool isAbove = hasLimits && parameter.has_open_end == 0 && number > parameter.maximum;
     if (std::isfinite(number) && !isBelow && !isAbove) continue;
     std::ostringstream text;
-    text << argumentName(parameter) << ": " << number << " is not "
+    text << hyphenatedName(parameter.name) << ": " << number << " is not "
          << (isBelow || isAbove ? rangeOf(parameter) : "a finite number");
     throw Failure(text.str());
   }
@@ -101,7 +88,7 @@ std::vector<Argument> arguments() {
   std::vector<Argument> all;
   for (const auto* parameter : parameters()) {
     const GimpPDBArgType type = argumentType(parameter->kind);
-    const std::string name = argumentName(*parameter);
+    const std::string name = hyphenatedName(parameter->name);
     const auto add = [&](const std::string& suffix, const std::string& limits) {
       all.push_back({type, name + suffix, argumentDescription(*parameter, limits)});
     };

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "hosts/library/radiashafts-host.h"
+#include "hosts/settings.h"
 
 namespace radiashafts::gimp {
 
@@ -15,10 +15,7 @@ struct Failure : std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-struct CloseSession {
-  void operator()(radiashafts_session* session) const { radiashafts_close(session); }
-};
-using Session = std::unique_ptr<radiashafts_session, CloseSession>;
+using Session = std::unique_ptr<radiashafts_session, hosts::CloseSession>;
 
 // With the default values.
 Session openSession();

@@ -101,6 +101,31 @@ TEST_F(HostLibrary, PicturesOfAnyLayoutAreWhatTheFilterMakes) {
   }
 }
 
+// Frames of four bytes a pixel, of which the first is not the filter's and the last ends the
+// memory.
+TEST_F(HostLibrary, FramesKeepTheirFourthByte) {
+  Random random(13);
+  constexpr int colors = 3;
+  for (const int width : {1, 4, 43}) {
+    const standin::Picture input = randomPicture(random, 18, width, 5);
+    const standin::Picture output = runModule(input, nullptr, hosts::scriptOf({})).output;
+    const auto frameOf = [](const standin::Picture& picture) {
+      std::vector<std::uint8_t> frame;
+      frame.reserve(picture.bytes.size() / colors * 4);
+      for (std::size_t i = 0; i < picture.bytes.size(); ++i) {
+        if (i % colors == 0) frame.push_back(static_cast<std::uint8_t>(i));
+        frame.push_back(picture.bytes[i]);
+      }
+      return frame;
+    };
+    std::vector<std::uint8_t> frame = frameOf(input);
+    std::uint8_t* const red = frame.data() + 1;
+    const radiashafts_picture view{width, 5, 8, colors, 0, {red, red + 1, red + 2}, 4, 4 * width};
+    radiashafts_render(session_, &view, nullptr, &view, nullptr, nullptr);
+    EXPECT_EQ(frame, frameOf(output)) << width;
+  }
+}
+
 TEST_F(HostLibrary, ThreadsTakeTurnsAndACancelledRenderLeavesTheResult) {
   Random random(12);
   const standin::Picture input = randomPicture(random, 15, 300, 200);

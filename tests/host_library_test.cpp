@@ -177,11 +177,11 @@ TEST_F(HostLibrary, ALightIsFoundOrTheValuesStay) {
   };
   EXPECT_EQ(find(), RADIASHAFTS_NOT_FOUND);
   EXPECT_EQ(get("Origin")[0], 0.5);
+  std::uint8_t* sample = samples.data();
   for (int y = 0; y < height; ++y) {
     for (int x = 0; x < width; ++x) {
       const double distance = std::hypot(x - 210, y - 60);
-      samples[static_cast<std::size_t>(y * width + x)] =
-          static_cast<std::uint8_t>(60 + 190 * std::exp(-distance * distance / 800));
+      *sample++ = static_cast<std::uint8_t>(60 + 190 * std::exp(-distance * distance / 800));
     }
   }
   ASSERT_EQ(find(), RADIASHAFTS_OK) << error();

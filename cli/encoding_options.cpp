@@ -1,5 +1,7 @@
 #include "cli/encoding_options.h"
 
+#include <CLI/CLI.hpp>
+
 #include "cli/help_text.h"
 #include "cli/job_list.h"
 

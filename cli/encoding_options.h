@@ -1,9 +1,11 @@
 // Command-line options that tell how picture files are read and written.
 #pragma once
 
-#include <CLI/CLI.hpp>
-
 #include "standin/picture_file.h"
+
+namespace CLI {
+class App;
+}  // namespace CLI
 
 namespace radiashafts::cli {
 

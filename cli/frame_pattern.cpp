@@ -6,7 +6,7 @@
 #include <regex>
 #include <string_view>
 
-#include <CLI/CLI.hpp>
+#include <CLI/Error.hpp>
 
 #include "cli/job_list.h"
 

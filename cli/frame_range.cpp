@@ -5,7 +5,7 @@
 #include <set>
 #include <string_view>
 
-#include <CLI/CLI.hpp>
+#include <CLI/Error.hpp>
 
 namespace radiashafts::cli {
 namespace {

@@ -3,7 +3,7 @@
 #include <map>
 #include <set>
 
-#include <CLI/CLI.hpp>
+#include <CLI/Error.hpp>
 
 #include "cli/command_line.h"
 #include "cli/frame_pattern.h"

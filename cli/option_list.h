@@ -3,7 +3,9 @@
 
 #include <ostream>
 
-#include <CLI/CLI.hpp>
+namespace CLI {
+class App;
+}  // namespace CLI
 
 namespace radiashafts::cli {
 

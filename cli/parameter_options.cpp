@@ -8,6 +8,8 @@
 #include <sstream>
 #include <stdexcept>
 
+#include <CLI/CLI.hpp>
+
 #include "cli/help_text.h"
 #include "hosts/library/effect_script.h"
 #include "hosts/library/suggestion.h"

@@ -7,10 +7,13 @@
 #include <string>
 #include <vector>
 
-#include <CLI/CLI.hpp>
-
 #include "parameters/effect_parameters.h"
 #include "standin/script.h"
+
+namespace CLI {
+class App;
+class Option;
+}  // namespace CLI
 
 namespace radiashafts::cli {
 

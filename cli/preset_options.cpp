@@ -4,6 +4,8 @@
 #include <cctype>
 #include <iostream>
 
+#include <CLI/CLI.hpp>
+
 #include "cli/command_line.h"
 #include "cli/help_text.h"
 #include "cli/printable.h"

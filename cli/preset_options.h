@@ -4,10 +4,12 @@
 #include <optional>
 #include <string>
 
-#include <CLI/CLI.hpp>
-
 #include "cli/parameter_options.h"
 #include "standin/script.h"
+
+namespace CLI {
+class App;
+}  // namespace CLI
 
 namespace radiashafts::cli {
 

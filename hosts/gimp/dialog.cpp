@@ -17,15 +17,18 @@ constexpr int resetResponse = 1;
 constexpr int width = 1060;
 constexpr int height = 700;
 
-// Opens the guide where an installation has it.
+// Opens the guide where an installation has it, or a build.
 void showGuide(const gchar* /*topic*/, gpointer /*context*/) {
   namespace fs = std::filesystem;
   std::error_code failure;
   const fs::path folder = fs::read_symlink("/proc/self/exe", failure).parent_path();
-  const std::string guide = (folder / RADIASHAFTS_GUIDE).lexically_normal();
+  const bool isInstalled = fs::exists(folder / RADIASHAFTS_INSTALLED_GUIDE, failure);
+  const fs::path guide =
+      folder / (isInstalled ? RADIASHAFTS_INSTALLED_GUIDE : RADIASHAFTS_SOURCE_GUIDE);
+  const std::string file = guide.lexically_normal();
   GError* error = nullptr;
-  if (gtk_show_uri(nullptr, ("file://" + guide).c_str(), GDK_CURRENT_TIME, &error)) return;
-  g_message("%s", error->message);  // names the file
+  if (gtk_show_uri(nullptr, ("file://" + file).c_str(), GDK_CURRENT_TIME, &error)) return;
+  g_message("The guide is the file %s. It cannot be shown here: %s", file.c_str(), error->message);
   g_error_free(error);
 }
 

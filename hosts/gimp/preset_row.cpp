@@ -18,10 +18,13 @@ std::string titleOf(const char* name) {
 }
 
 GtkWidget* makeList(GtkListStore* presets) {
-  // A list with a scroll bar: the presets are too many for a menu.
+  // A list with a scroll bar: the presets are too many for a menu. Where the engine of GIMP's
+  // themes is missing, they would write the selected row in the color of its ground.
   gtk_rc_parse_string(
       "style \"presets\" { GtkComboBox::appears-as-list = 1 }\n"
-      "widget \"*.radiashafts-presets\" style \"presets\"");
+      "widget \"*.radiashafts-presets\" style \"presets\"\n"
+      "style \"presets-selected\" { base[SELECTED] = \"#4a6fa5\" base[ACTIVE] = \"#4a6fa5\" }\n"
+      "widget \"gtk-combobox-popup-window.*\" style \"presets-selected\"");
   GtkWidget* const list = gtk_combo_box_new_with_model(GTK_TREE_MODEL(presets));
   gtk_widget_set_name(list, "radiashafts-presets");
   GtkCellLayout* const layout = GTK_CELL_LAYOUT(list);
@@ -132,7 +135,37 @@ void PresetRow::askForName() {
   gtk_widget_show(box);
 }
 
+// Names are the same in any case, and with blanks or underscores in them.
+bool PresetRow::hasOwn(const char* name) const {
+  const std::string wanted = titleOf(name);
+  GtkTreeModel* const presets = GTK_TREE_MODEL(presets_);
+  bool found = false;
+  GtkTreeIter row;
+  for (gboolean isRow = gtk_tree_model_get_iter_first(presets, &row); isRow != FALSE && !found;
+       isRow = gtk_tree_model_iter_next(presets, &row)) {
+    gchar* title = nullptr;
+    gchar* file = nullptr;
+    gtk_tree_model_get(presets, &row, titleColumn, &title, fileColumn, &file, -1);
+    found = file != nullptr && g_ascii_strcasecmp(title, wanted.c_str()) == 0;
+    g_free(title);
+    g_free(file);
+  }
+  return found;
+}
+
+bool PresetRow::mayReplace(const char* name) const {
+  GtkWidget* const box = gtk_message_dialog_new(
+      GTK_WINDOW(gtk_widget_get_toplevel(widget_)), GTK_DIALOG_MODAL, GTK_MESSAGE_QUESTION,
+      GTK_BUTTONS_NONE, "There is a preset \"%s\" of your own. Replace it?", titleOf(name).c_str());
+  gtk_dialog_add_buttons(GTK_DIALOG(box), "_Cancel", GTK_RESPONSE_CANCEL, "_Replace",
+                         GTK_RESPONSE_OK, nullptr);
+  const bool replaces = gtk_dialog_run(GTK_DIALOG(box)) == GTK_RESPONSE_OK;
+  gtk_widget_destroy(box);
+  return replaces;
+}
+
 void PresetRow::save(const char* name) {
+  if (hasOwn(name) && !mayReplace(name)) return;
   try {
     check(session_, radiashafts_save_preset(session_.get(), ownFile_.c_str(), name));
     fill();

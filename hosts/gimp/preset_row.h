@@ -28,6 +28,8 @@ class PresetRow {
   void addPresetsOf(const char* file);
   void choose();
   void open();
+  bool hasOwn(const char* name) const;
+  bool mayReplace(const char* name) const;
   void save(const char* name);
   void askForName();
   void tell(const std::string& failure) const;

@@ -1,6 +1,7 @@
 #include "hosts/gimp/preset_row.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "hosts/gimp/last_values.h"
 
@@ -80,14 +81,16 @@ void PresetRow::forget() {
   gtk_combo_box_set_active(GTK_COMBO_BOX(list_), -1);
 }
 
-// The user's own presets, then the collection.
-void PresetRow::fill() {
+// The user's own presets, then the collection. False when the user's file cannot be used.
+bool PresetRow::fill() {
   gtk_list_store_clear(presets_);
-  if (g_file_test(ownFile_.c_str(), G_FILE_TEST_EXISTS)) addPresetsOf(ownFile_.c_str());
+  const bool isThere = g_file_test(ownFile_.c_str(), G_FILE_TEST_EXISTS) != FALSE;
+  const bool isUsable = !isThere || addPresetsOf(ownFile_.c_str());
   addPresetsOf(nullptr);
+  return isUsable;
 }
 
-void PresetRow::addPresetsOf(const char* file) {
+bool PresetRow::addPresetsOf(const char* file) {
   struct Target {
     GtkListStore* presets;
     const char* file;
@@ -102,8 +105,10 @@ void PresetRow::addPresetsOf(const char* file) {
   };
   try {
     check(session_, radiashafts_list_presets(session_.get(), file, add, &target));
+    return true;
   } catch (const Failure& failure) {
     tell(failure.what());
+    return false;
   }
 }
 
@@ -179,11 +184,15 @@ void PresetRow::open() {
       gtk_file_chooser_dialog_new("Open Preset File", GTK_WINDOW(gtk_widget_get_toplevel(widget_)),
                                   GTK_FILE_CHOOSER_ACTION_OPEN, "_Cancel", GTK_RESPONSE_CANCEL,
                                   "_Open", GTK_RESPONSE_OK, nullptr);
+  gtk_file_chooser_set_filename(GTK_FILE_CHOOSER(chooser), ownFile_.c_str());
   if (gtk_dialog_run(GTK_DIALOG(chooser)) == GTK_RESPONSE_OK) {
     gchar* const file = gtk_file_chooser_get_filename(GTK_FILE_CHOOSER(chooser));
-    ownFile_ = file;
+    const std::string before = std::exchange(ownFile_, file);
     g_free(file);
-    fill();
+    if (!fill()) {
+      ownFile_ = before;
+      fill();
+    }
   }
   gtk_widget_destroy(chooser);
 }

@@ -24,8 +24,8 @@ class PresetRow {
   void forget();
 
  private:
-  void fill();
-  void addPresetsOf(const char* file);
+  bool fill();
+  bool addPresetsOf(const char* file);
   void choose();
   void open();
   bool hasOwn(const char* name) const;

@@ -142,11 +142,26 @@ int reportProgress(void* operation, double done) {
   return 1;
 }
 
+// Hosts begin their display of the progress at exactly 0 and end it at exactly 1.
+class Progress {
+ public:
+  explicit Progress(GeglOperation* operation) : operation_(operation) {
+    reportProgress(operation_, 0.0);
+  }
+  ~Progress() { reportProgress(operation_, 1.0); }
+  Progress(const Progress&) = delete;
+  Progress& operator=(const Progress&) = delete;
+
+ private:
+  GeglOperation* operation_;
+};
+
 // Renders in place; what cannot be rendered stays as it is.
 void render(GeglOperation* operation, const radiashafts_picture& picture, const Babl* format) {
   const std::unique_ptr<radiashafts_session, CloseSession> session(radiashafts_open());
   if (session == nullptr) throw std::bad_alloc();
   valuesOf(operation).giveTo(session.get(), babl_format_get_space(format));
+  const Progress progress(operation);
   const radiashafts_result result =
       radiashafts_render(session.get(), &picture, nullptr, &picture, reportProgress, operation);
   if (result != RADIASHAFTS_OK) g_warning("radiashafts: %s", radiashafts_error(session.get()));

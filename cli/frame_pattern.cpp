@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <regex>
 #include <string_view>
+#include <utility>
 
 #include <CLI/Error.hpp>
 
@@ -15,18 +16,28 @@ namespace radiashafts::cli {
 namespace fs = std::filesystem;
 
 std::optional<FramePattern> FramePattern::in(const std::string& text) {
-  static const std::regex place("%(?:0([1-9][0-9]?))?d|##+");
-  std::smatch found;
-  if (!std::regex_search(text, found, place)) return std::nullopt;
-  FramePattern pattern;
-  pattern.head_ = found.prefix();
-  pattern.tail_ = found.suffix();
-  const bool isHashes = found.str()[0] == '#';
-  if (isHashes) pattern.digits_ = static_cast<std::size_t>(found.length());
-  if (found[1].matched) pattern.digits_ = std::stoul(found[1]);
-  if (std::regex_search(pattern.tail_, place)) {
-    throw CLI::ValidationError("'" + text + "' has more than one place for a frame's number");
+  // "%d" before a letter is the beginning of a word.
+  static const std::regex special("%%|%0([1-9][0-9]?)d|%d(?![A-Za-z])|##+");
+  std::optional<FramePattern> pattern;
+  std::string plain;
+  auto at = text.begin();
+  for (std::sregex_iterator found(text.begin(), text.end(), special), end; found != end; ++found) {
+    const std::smatch& match = *found;
+    plain.append(at, match[0].first);
+    at = match[0].second;
+    if (match.str() == "%%") {
+      plain += '%';
+      continue;
+    }
+    if (pattern) {
+      throw CLI::ValidationError("'" + text + "' has more than one place for a frame's number");
+    }
+    pattern = FramePattern();
+    pattern->head_ = std::exchange(plain, "");
+    if (match.str()[0] == '#') pattern->digits_ = static_cast<std::size_t>(match.length());
+    if (match[1].matched) pattern->digits_ = std::stoul(match[1]);
   }
+  if (pattern) pattern->tail_ = plain.append(at, text.end());
   return pattern;
 }
 

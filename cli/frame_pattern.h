@@ -8,7 +8,8 @@
 
 namespace radiashafts::cli {
 
-// A file name in which "%d", "%04d" or "####" stands for the number of a frame.
+// A file name in which "%d", "%04d" or "####" stands for the number of a frame, and "%%" for a
+// percent sign.
 class FramePattern {
  public:
   // None where nothing in the text stands for a number. Throws a CLI::Error where several do.

@@ -10,13 +10,19 @@
 namespace radiashafts::hosts {
 namespace {
 
-// Found by trial on photographs (tools/judge_auto). Lengths are in diagonals of the picture.
+// Lengths are in diagonals of the picture.
 constexpr double lightBlur = 0.014;       // removes glints
 constexpr double surroundingsBlur = 0.1;  // what a light is brighter than
-constexpr double glowRadius = 0.25;       // of the part of a picture that a glow fills
+constexpr float brightestCell = 4;        // of unclipped light
+constexpr float whiteCell = 0.95F;        // from here on a cell is white
 constexpr double slightSlope = 2;         // of brightness, in a diagonal: glows are steeper
-constexpr double glowOfLamps = 0.6;       // a lamp with none is as good as other things with this
-constexpr double leastLight = 0.5;        // contrast and glow together
+constexpr double steepestSlope = 10;      // that counts
+constexpr int candidateStep = 4;          // cells
+constexpr float brightestShown = 1.2F;    // brighter is no better
+constexpr float roughSlope = 0.03F;       // of brightness, from a cell to the next
+constexpr double leastLampContrast = 0.5;
+constexpr double leastGlow = 0.1;
+constexpr double leastLight = 2.3;        // sum of the measures that tell a light from other things
 constexpr double centerRadius = 0.1;      // of the part whose centre is taken
 constexpr double centerBrightness = 0.6;  // that part's, where the light's is 1 and the median 0
 constexpr double shiningShare = 0.1;      // of the picture, above the threshold
@@ -32,16 +38,62 @@ void forCellsAround(int x, int y, int reach, const Map& map, Use use) {
   }
 }
 
-// Where the weight is 0, the median does not count.
-float medianOf(const Map& map, const Map& weight) {
+// The brightness of unclipped suns would hide everything else.
+Survey limited(Survey picture) {
+  for (std::size_t i = 0; i < picture.brightness.values.size(); ++i) {
+    float& brightness = picture.brightness.values[i];
+    brightness = std::min(brightness, brightestCell * picture.weight.values[i]);
+  }
+  return picture;
+}
+
+// Where the weight is 0, values do not count.
+std::vector<float> sortedValues(const Map& map, const Map& weight) {
   std::vector<float> values;
   for (std::size_t i = 0; i < map.values.size(); ++i) {
     if (weight.values[i] > 0) values.push_back(map.values[i]);
   }
-  if (values.empty()) return 0;
-  const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-  std::nth_element(values.begin(), middle, values.end());
-  return *middle;
+  std::sort(values.begin(), values.end());
+  return values;
+}
+
+// How a map changes from a cell to the next.
+struct Gradient {
+  float x, y;
+
+  Gradient(const Map& map, int column, int row) {
+    const int left = std::max(column - 1, 0), right = std::min(column + 1, map.width - 1);
+    const int above = std::max(row - 1, 0), below = std::min(row + 1, map.height - 1);
+    x = (map.at(right, row) - map.at(left, row)) / 2;
+    y = (map.at(column, below) - map.at(column, above)) / 2;
+  }
+  float length() const { return std::hypot(x, y); }
+};
+
+// The share of the cells that count for which holds(x, y) is true.
+template <class Condition>
+double shareOf(const Survey& picture, Condition holds) {
+  double share = 0, whole = 0;
+  for (int y = 0; y < picture.weight.height; ++y) {
+    for (int x = 0; x < picture.weight.width; ++x) {
+      if (picture.weight.at(x, y) == 0) continue;
+      share += holds(x, y) ? 1 : 0;
+      whole += 1;
+    }
+  }
+  return whole > 0 ? share / whole : 0;
+}
+
+double whiteShare(const Survey& picture) {
+  return shareOf(picture, [&picture](int x, int y) {
+    return picture.brightness.at(x, y) >= whiteCell * picture.weight.at(x, y);
+  });
+}
+
+double roughShare(const Survey& picture) {
+  return shareOf(picture, [&picture](int x, int y) {
+    return Gradient(picture.brightness, x, y).length() > roughSlope;
+  });
 }
 
 // Which way a map gets brighter: vectors up to 1 long, and short where it hardly does.
@@ -52,13 +104,10 @@ struct Slopes {
     const auto slight = static_cast<float>(slightSlope / brightness.diagonal());
     for (int row = 0; row < x.height; ++row) {
       for (int column = 0; column < x.width; ++column) {
-        const int left = std::max(column - 1, 0), right = std::min(column + 1, x.width - 1);
-        const int above = std::max(row - 1, 0), below = std::min(row + 1, x.height - 1);
-        const float dx = (brightness.at(right, row) - brightness.at(left, row)) / 2;
-        const float dy = (brightness.at(column, below) - brightness.at(column, above)) / 2;
-        const float length = std::hypot(dx, dy) + slight;
-        x.values[x.index(column, row)] = dx / length;
-        y.values[y.index(column, row)] = dy / length;
+        const Gradient gradient(brightness, column, row);
+        const float length = gradient.length() + slight;
+        x.values[x.index(column, row)] = gradient.x / length;
+        y.values[y.index(column, row)] = gradient.y / length;
       }
     }
   }
@@ -66,22 +115,15 @@ struct Slopes {
 
 struct Place {
   int x, y;  // a cell
-  double glow;
 };
 
 // Looks for the light in a small picture.
 class Search {
  public:
-  explicit Search(const Survey& picture)
-      : picture_(picture),
-        brightness_(softBrightness(picture, lightBlur)),
-        surroundings_(softBrightness(picture, surroundingsBlur)),
-        slopes_(brightness_),
-        median_(medianOf(brightness_, picture.weight)) {}
+  explicit Search(const Survey& picture);
 
-  // The peak of prominence with the most of it, weighted by its glow.
-  std::optional<Place> brightestPlace() const;
-  // A white thing has contrast, but little glow. In the dark, contrast is enough.
+  // None where everything is transparent or outside the mask.
+  std::optional<Place> likeliestPlace() const;
   bool isLight(const Place& place) const;
 
   struct Center {
@@ -94,40 +136,58 @@ class Search {
  private:
   float contrast(int x, int y) const { return brightness_.at(x, y) - median_; }
   // A light is brighter than its surroundings and than most of the picture.
-  float prominence(int x, int y) const;
-  bool isPeak(int x, int y) const;
-  double glow(int x, int y) const;
+  float prominence(const Place& place) const;
+  // How well a place suits a light, by measures with weights.
+  double likelihood(const Place& place) const;
+  // The share of the picture that is at least as bright.
+  double brighterShare(const Place& place) const;
+  double glow(const Place& place, double radius) const;
+  // How much brighter the brightest cell is than that share of the picture.
+  float above(double share) const;
 
   const Survey& picture_;
   Map brightness_, surroundings_;
   Slopes slopes_;
+  std::vector<float> sorted_;  // brightness of the cells that count
   float median_;
+  float highestProminence_ = 0;
 };
 
-float Search::prominence(int x, int y) const {
-  if (picture_.weight.at(x, y) == 0) return 0;
-  return std::max(brightness_.at(x, y) - surroundings_.at(x, y), 0.0F) *
-         std::max(contrast(x, y), 0.0F);
+Search::Search(const Survey& picture)
+    : picture_(picture),
+      brightness_(softBrightness(picture, lightBlur)),
+      surroundings_(softBrightness(picture, surroundingsBlur)),
+      slopes_(brightness_),
+      sorted_(sortedValues(brightness_, picture.weight)),
+      median_(sorted_.empty() ? 0 : sorted_[sorted_.size() / 2]) {
+  for (int y = 0; y < brightness_.height; ++y) {
+    for (int x = 0; x < brightness_.width; ++x) {
+      highestProminence_ = std::max(highestProminence_, prominence({x, y}));
+    }
+  }
 }
 
-bool Search::isPeak(int x, int y) const {
-  const float here = prominence(x, y);
-  bool highest = here > 0;
-  forCellsAround(x, y, 1, brightness_, [&](int column, int row) {
-    highest = highest && prominence(column, row) <= here;
-  });
-  return highest;
+float Search::prominence(const Place& place) const {
+  if (picture_.weight.at(place.x, place.y) == 0) return 0;
+  return std::max(brightness_.at(place.x, place.y) - surroundings_.at(place.x, place.y), 0.0F) *
+         std::max(contrast(place.x, place.y), 0.0F);
 }
 
-// How steadily it gets brighter towards a cell from all sides: 1 in a perfect glow, about 0 among
+double Search::brighterShare(const Place& place) const {
+  const auto first =
+      std::lower_bound(sorted_.begin(), sorted_.end(), brightness_.at(place.x, place.y));
+  return static_cast<double>(sorted_.end() - first) / static_cast<double>(sorted_.size());
+}
+
+// How steadily it gets brighter towards a place from all sides: 1 in a perfect glow, about 0 among
 // edges and textures, which have slopes to all sides, and in flat areas.
-double Search::glow(int x, int y) const {
-  const double radius = glowRadius * brightness_.diagonal();
+double Search::glow(const Place& place, double radius) const {
+  const double reach = radius * brightness_.diagonal();
   double towards = 0, weight = 0;
-  forCellsAround(x, y, static_cast<int>(radius), brightness_, [&](int column, int row) {
-    const double dx = x - column, dy = y - row;
+  forCellsAround(place.x, place.y, static_cast<int>(reach), brightness_, [&](int column, int row) {
+    const double dx = place.x - column, dy = place.y - row;
     const double distance = std::hypot(dx, dy);
-    if (distance == 0 || distance > radius) return;
+    if (distance == 0 || distance > reach) return;
     const double w = picture_.weight.at(column, row);
     towards += w * (slopes_.x.at(column, row) * dx + slopes_.y.at(column, row) * dy) / distance;
     weight += w;
@@ -135,24 +195,51 @@ double Search::glow(int x, int y) const {
   return weight > 0 ? towards / weight : 0;
 }
 
-std::optional<Place> Search::brightestPlace() const {
+// The weights were fitted to marked photographs (tools/lights.txt) by logistic regression.
+double Search::likelihood(const Place& place) const {
+  const int toEdge = std::min(
+      {place.x, brightness_.width - 1 - place.x, place.y, brightness_.height - 1 - place.y});
+  const double prominenceHere = prominence(place) / (highestProminence_ + 1e-6);
+  return std::log(prominenceHere + 0.03) -
+         2.4 * std::log(std::max(brighterShare(place), 0.002))  // little is brighter
+         + 4.3 * glow(place, 0.12)                // around a light it gets brighter towards it
+         - 4.3 * place.y / brightness_.height     // water and floors reflect lights
+         + 15 * toEdge / brightness_.diagonal();  // who composes a picture has the light inside
+}
+
+std::optional<Place> Search::likeliestPlace() const {
   std::optional<Place> best;
-  double bestScore = 0;
-  for (int y = 0; y < brightness_.height; ++y) {
-    for (int x = 0; x < brightness_.width; ++x) {
-      if (!isPeak(x, y)) continue;
-      const double glowHere = glow(x, y);
-      const double score = prominence(x, y) * (glowOfLamps + glowHere);
-      if (score <= bestScore) continue;
-      bestScore = score;
-      best = Place{x, y, glowHere};
+  double highest = 0;
+  for (int y = candidateStep / 2; y < brightness_.height; y += candidateStep) {
+    for (int x = candidateStep / 2; x < brightness_.width; x += candidateStep) {
+      if (picture_.weight.at(x, y) == 0) continue;
+      const Place place{x, y};
+      const double likelihoodHere = likelihood(place);
+      if (best && likelihoodHere <= highest) continue;
+      highest = likelihoodHere;
+      best = place;
     }
   }
   return best;
 }
 
+float Search::above(double share) const {
+  const auto cell = static_cast<std::size_t>(share * static_cast<double>(sorted_.size()));
+  return std::min(sorted_.back(), brightestShown) - std::min(sorted_[cell], brightestShown);
+}
+
+// The weights were fitted like those of the likelihood.
 bool Search::isLight(const Place& place) const {
-  return std::min(contrast(place.x, place.y), 1.0F) + place.glow >= leastLight;
+  const double wideGlow = glow(place, 0.25);
+  // By day a thing without a glow is just white. In the dark, contrast is enough.
+  if (contrast(place.x, place.y) < leastLampContrast && wideGlow < leastGlow) return false;
+  const Map wide = softBrightness(picture_, 0.05);
+  const double slope = Gradient(wide, place.x, place.y).length() * wide.diagonal();
+  return 3.8 * above(0.5) + 6.0 * above(0.75)  // a part of the picture is far brighter
+             + 3.3 * wideGlow + 14.3 * whiteShare(picture_)  // lights are overexposed
+             - 2.4 * roughShare(picture_)                    // among many edges, many are bright
+             - 0.6 * std::min(slope, steepestSlope)  // in the middle of a light there is none
+         >= leastLight;
 }
 
 Search::Center Search::centerAround(const Place& place) const {
@@ -192,9 +279,9 @@ int lowestShining(const Survey& picture, double lightness) {
 }  // namespace
 
 std::optional<Light> findLight(const standin::Picture& picture, const standin::Mask* mask) {
-  const Survey small = survey(picture, mask);
+  const Survey small = limited(survey(picture, mask));
   const Search search(small);
-  const std::optional<Place> place = search.brightestPlace();
+  const std::optional<Place> place = search.likeliestPlace();
   if (!place || !search.isLight(*place)) return std::nullopt;
   const Search::Center center = search.centerAround(*place);
   const auto position = [&small](double cells, int pixels) {

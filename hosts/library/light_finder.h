@@ -12,9 +12,9 @@ struct Light {
   int low;      // the darkest HSL lightness that is to shine, 0 to 255
 };
 
-// The place that is brighter than its surroundings and than most of the picture, and has a glow or
-// is in the dark; none where there is no such place. What is transparent or outside the mask, which
-// may be null, counts for nothing. NaN and infinite samples are harmless.
+// The place that is most likely a light by its brightness, its size, the glow around it and where
+// it is in the picture; none where it is more likely another bright thing. What is transparent or
+// outside the mask, which may be null, counts for nothing. NaN and infinite samples are harmless.
 std::optional<Light> findLight(const standin::Picture& picture, const standin::Mask* mask);
 
 }  // namespace radiashafts::hosts

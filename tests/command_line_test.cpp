@@ -379,21 +379,24 @@ TEST_F(CommandLine, AutoHeedsTheMaskAndValuesByHandAndDoesNotClip) {
 
 // By day a white thing is no light, and it does not hide a sun.
 TEST_F(CommandLine, AutoTellsASunFromAWhiteThing) {
-  const auto writeDay = [this](const char* name, double glow) {
+  const auto writeDay = [this](const char* name, double glow, int thing) {
     std::string samples;
     for (int y = 0; y < 120; ++y) {
       for (int x = 0; x < 180; ++x) {
         const bool white = x >= 130 && x < 150 && y >= 70 && y < 90;
         const double distance = std::hypot(x - 50, y - 40);
         const double sky = std::min(130 + glow * std::exp(-distance / 30), 255.0);
-        samples += static_cast<char>(static_cast<int>(white ? 228 : sky));
+        samples += static_cast<char>(white ? thing : static_cast<int>(sky));
       }
     }
     write(name, "P5 180 120 255\n" + samples);
   };
-  writeDay("thing.pgm", 0);
-  EXPECT_EQ(chosenFor("thing.pgm", run("thing.pgm out.png --auto")).rfind("finds no light", 0), 0U);
-  writeDay("sun.pgm", 200);
+  for (const int thing : {228, 255}) {
+    writeDay("thing.pgm", 0, thing);
+    const std::string note = chosenFor("thing.pgm", run("thing.pgm out.png --auto --overwrite"));
+    EXPECT_EQ(note.rfind("finds no light", 0), 0U) << thing;
+  }
+  writeDay("sun.pgm", 200, 228);
   double x = 0, y = 0;
   const std::string options = chosenFor("sun.pgm", run("sun.pgm out.png --auto"));
   ASSERT_EQ(std::sscanf(options.c_str(), "--origin %lf,%lf ", &x, &y), 2) << options;

@@ -11,17 +11,18 @@ namespace radiashafts::hosts {
 namespace {
 
 // Lengths are in diagonals of the picture.
-constexpr double lightBlur = 0.014;       // removes glints
-constexpr double surroundingsBlur = 0.1;  // what a light is brighter than
-constexpr float brightestCell = 4;        // of unclipped light
-constexpr float whiteCell = 0.95F;        // from here on a cell is white
-constexpr double slightSlope = 2;         // of brightness, in a diagonal: glows are steeper
-constexpr double steepestSlope = 10;      // that counts
-constexpr int candidateStep = 4;          // cells
-constexpr float brightestShown = 1.2F;    // brighter is no better
-constexpr float roughSlope = 0.03F;       // of brightness, from a cell to the next
-constexpr double leastLampContrast = 0.5;
+constexpr double lightBlur = 0.014;        // removes glints
+constexpr double surroundingsBlur = 0.1;   // what a light is brighter than
+constexpr float brightestCell = 4;         // of unclipped light
+constexpr float whiteCell = 0.95F;         // from here on a cell is white
+constexpr double slightSlope = 2;          // of brightness, in a diagonal: glows are steeper
+constexpr double steepestSlope = 10;       // that counts
+constexpr int candidateStep = 4;           // cells
+constexpr float brightestShown = 1.2F;     // brighter is no better
+constexpr float roughSlope = 0.03F;        // of brightness, from a cell to the next
+constexpr double leastLampContrast = 0.5;  // where no glow is needed
 constexpr double leastGlow = 0.1;
+constexpr double calmShare = 0.1;         // of a picture, rough at most, where a glow shows
 constexpr double leastLight = 2.3;        // sum of the measures that tell a light from other things
 constexpr double centerRadius = 0.1;      // of the part whose centre is taken
 constexpr double centerBrightness = 0.6;  // that part's, where the light's is 1 and the median 0
@@ -231,13 +232,17 @@ float Search::above(double share) const {
 // The weights were fitted like those of the likelihood.
 bool Search::isLight(const Place& place) const {
   const double wideGlow = glow(place, 0.25);
-  // By day a thing without a glow is just white. In the dark, contrast is enough.
-  if (contrast(place.x, place.y) < leastLampContrast && wideGlow < leastGlow) return false;
+  const double rough = roughShare(picture_);
+  // By day a thing without a glow is just white. In the dark, contrast is enough, and among many
+  // edges a glow hardly shows.
+  if (contrast(place.x, place.y) < leastLampContrast && wideGlow < leastGlow && rough < calmShare) {
+    return false;
+  }
   const Map wide = softBrightness(picture_, 0.05);
   const double slope = Gradient(wide, place.x, place.y).length() * wide.diagonal();
   return 3.8 * above(0.5) + 6.0 * above(0.75)  // a part of the picture is far brighter
              + 3.3 * wideGlow + 14.3 * whiteShare(picture_)  // lights are overexposed
-             - 2.4 * roughShare(picture_)                    // among many edges, many are bright
+             - 2.4 * rough                                   // among many edges, many are bright
              - 0.6 * std::min(slope, steepestSlope)  // in the middle of a light there is none
          >= leastLight;
 }

@@ -121,7 +121,12 @@ std::vector<std::uint8_t> Drawable::reducedSelection(const Picture& reduced) con
 }
 
 const Babl* Drawable::displayFormat() const {
-  GimpColorProfile* const profile = gimp_image_get_effective_color_profile(image_);
+  GimpColorProfile* profile = gimp_image_get_effective_color_profile(image_);
+  if (gimp_color_profile_is_linear(profile)) {  // the samples are not, see wholePicture
+    GimpColorProfile* const linear = profile;
+    profile = gimp_color_profile_new_srgb_trc_from_color_profile(linear);
+    g_object_unref(linear);
+  }
   // None, which stands for sRGB, where the profile has no such space.
   const Babl* const space = gimp_color_profile_get_space(
       profile, GIMP_COLOR_RENDERING_INTENT_RELATIVE_COLORIMETRIC, nullptr);

@@ -201,7 +201,9 @@ void encodeHeif(const fs::path& path, const EncodedPicture& encoded) {
   std::unique_ptr<heif_encoding_options, Release<heif_encoding_options_free>> options(
       heif_encoding_options_alloc());
   if (const Nclx* nclx = std::any_cast<Nclx>(&metadata.nclx)) {
+    check(heif_image_set_nclx_color_profile(image.get(), nclx->get()));
     options->output_nclx_profile = nclx->get();
+    options->macOS_compatibility_workaround_no_nclx_profile = 0;
     options->save_two_colr_boxes_when_ICC_and_nclx_available = 1;
   }
   const Handle handle = make<Handle>([&](heif_image_handle** out) {

@@ -204,7 +204,9 @@ struct WholeChannel {
   std::vector<unsigned> samples;
 };
 
-std::vector<WholeChannel> wholeChannels(Picture& picture, const std::vector<Channel>& channels) {
+std::vector<WholeChannel> wholeChannels(Picture& picture, const std::vector<Channel>& channels,
+                                        std::vector<std::string>& notes) {
+  constexpr unsigned highestExact = 1U << 24;  // of the floats that a picture holds
   std::vector<WholeChannel> whole;
   const std::size_t planes = channels.size();
   for (std::size_t plane = 0; plane < planes; ++plane) {
@@ -212,6 +214,10 @@ std::vector<WholeChannel> wholeChannels(Picture& picture, const std::vector<Chan
     WholeChannel& channel = whole.emplace_back(WholeChannel{plane, {}});
     for (std::size_t i = plane; i < picture.sampleCount(); i += planes) {
       channel.samples.push_back(wholeNumber(samplesOf(picture)[i]));
+    }
+    if (*std::max_element(channel.samples.begin(), channel.samples.end()) > highestExact) {
+      notes.push_back("whole numbers above 16777216 are rounded in the channel " +
+                      channels[plane].name);
     }
   }
   return whole;
@@ -280,7 +286,7 @@ StoredSamples encode(const std::filesystem::path& path, const EncodedPicture& en
   if (picture.hasAlpha) multiplyByAlpha(picture);
 
   std::vector<half> halves = halvesOf(picture, channels);
-  std::vector<WholeChannel> whole = wholeChannels(picture, channels);
+  std::vector<WholeChannel> whole = wholeChannels(picture, channels, encoded.notes);
   header.channels() = Imf::ChannelList();
   Imf::FrameBuffer frame;
   // Adds a channel whose pixels are so many samples apart.

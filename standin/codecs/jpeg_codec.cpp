@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <set>
 #include <stdexcept>
 
 #include <jerror.h>
@@ -17,12 +18,19 @@ namespace fs = std::filesystem;
 constexpr int markerExif = JPEG_APP0 + 1;  // XMP, too
 constexpr int markerProfile = JPEG_APP0 + 2;
 constexpr int markerResources = JPEG_APP0 + 13;
+constexpr int lastMarker = JPEG_APP0 + 15;
 constexpr std::size_t largestMarker = 65533;
 
 constexpr std::string_view exifHeader("Exif\0\0", 6);
 constexpr std::string_view xmpHeader("http://ns.adobe.com/xap/1.0/\0", 29);
 constexpr std::string_view xmpExtensionHeader("http://ns.adobe.com/xmp/extension/\0", 35);
+constexpr std::string_view profileHeader("ICC_PROFILE\0", 12);
 constexpr std::string_view resourcesHeader("Photoshop 3.0\0", 14);
+
+// What other segments begin with that only say how the picture is stored, show it as it was, or
+// tell where the pictures behind it are.
+constexpr std::string_view encodingHeaders[] = {"JFIF",  "JFXX",     "Adobe",
+                                                "Ducky", "Adobe_CM", std::string_view("MPF\0", 4)};
 
 // Turns the library's errors into exceptions and counts its warnings.
 struct ErrorManager : jpeg_error_mgr {
@@ -62,8 +70,24 @@ struct Encoder : jpeg_compress_struct {
   ErrorManager errors;
 };
 
+bool saysOnlyEncoding(std::string_view data) {
+  return std::any_of(std::begin(encodingHeaders), std::end(encodingHeaders),
+                     [&](std::string_view header) { return data.starts_with(header); });
+}
+
+void noteLeftOut(const std::set<int>& markers, FileMetadata& metadata) {
+  if (markers.empty()) return;
+  std::string names;
+  for (const int marker : markers) {
+    names += (names.empty() ? "APP" : ", APP") + std::to_string(marker - JPEG_APP0);
+  }
+  metadata.notes.push_back("what a camera or program has put into the input's segments " + names +
+                           " is left out");
+}
+
 void readMarkers(Decoder& decoder, FileMetadata& metadata) {
   std::string resources;
+  std::set<int> leftOut;
   for (const jpeg_marker_struct* marker = decoder.marker_list; marker != nullptr;
        marker = marker->next) {
     const std::string_view data(reinterpret_cast<const char*>(marker->data), marker->data_length);
@@ -82,8 +106,11 @@ void readMarkers(Decoder& decoder, FileMetadata& metadata) {
       metadata.xmpExtensions.emplace_back(data);
     } else if (startsWith(markerResources, resourcesHeader)) {
       resources += data.substr(resourcesHeader.size());
+    } else if (!startsWith(markerProfile, profileHeader) && !saysOnlyEncoding(data)) {
+      leftOut.insert(marker->marker);
     }
   }
+  noteLeftOut(leftOut, metadata);
   metadata.resources = splitImageResources(resources);
   JOCTET* profile = nullptr;
   unsigned size = 0;
@@ -116,13 +143,26 @@ JpegEncoding encodingOf(const Decoder& decoder) {
   return encoding;
 }
 
+// Whether the file goes on behind its picture, other than with zeros.
+bool hasMore(const Decoder& decoder, std::FILE* file) {
+  const jpeg_source_mgr& source = *decoder.src;
+  std::string rest(reinterpret_cast<const char*>(source.next_input_byte), source.bytes_in_buffer);
+  do {
+    if (rest.find_first_not_of('\0') != std::string::npos) return true;
+    rest.resize(4096);
+    rest.resize(std::fread(rest.data(), 1, rest.size(), file));
+  } while (!rest.empty());
+  return false;
+}
+
 DecodedPicture decodeJpeg(const fs::path& path, int) {
   const File file = openFile(path, "rb");
   Decoder decoder;
   DecodedPicture decoded;
   FileMetadata& metadata = *decoded.metadata;
   jpeg_stdio_src(&decoder, file.get());
-  for (const int marker : {markerExif, markerProfile, markerResources, int{JPEG_COM}}) {
+  jpeg_save_markers(&decoder, JPEG_COM, 0xFFFF);
+  for (int marker = markerExif; marker <= lastMarker; ++marker) {
     jpeg_save_markers(&decoder, marker, 0xFFFF);
   }
   jpeg_read_header(&decoder, TRUE);
@@ -146,6 +186,10 @@ DecodedPicture decodeJpeg(const fs::path& path, int) {
   // The tables of all scans have been read now.
   if (isPlain) metadata.jpeg = encodingOf(decoder);
   jpeg_finish_decompress(&decoder);
+  if (hasMore(decoder, file.get())) {
+    metadata.notes.emplace_back(
+        "what follows the input's picture, such as a preview, a gain map or a video, is left out");
+  }
   // This marker's author stores CMYK as full scale less the ink.
   if (decoded.isCmyk && decoder.saw_Adobe_marker == TRUE) {
     for (std::uint8_t& sample : picture.bytes) sample = static_cast<std::uint8_t>(255 - sample);

@@ -23,12 +23,14 @@ bool saysNothingOfPicture(std::uint16_t id) {
 
 // Whether chunks of a PNG file say anything but sRGB, which is what other formats are taken for.
 bool areOtherThanSrgb(const FileMetadata& metadata) {
+  bool isSrgb = false;
   bool otherGamma = false;
-  for (const auto& [name, data] : metadata.colorChunks) {
-    if (name == "sRGB") return false;
+  for (const auto& [name, data] : metadata.carriedChunks) {
+    if (name == "cICP") return data.substr(0, 2) != "\x01\x0D";
+    if (name == "sRGB") isSrgb = true;
     if (name == "gAMA") otherGamma = data.substr(0, 3) != std::string_view("\0\0\xB1", 3);
   }
-  return otherGamma;
+  return otherGamma && !isSrgb;
 }
 
 bool isOtherThanSrgb(const FileMetadata& metadata) {

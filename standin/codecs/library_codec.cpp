@@ -209,6 +209,17 @@ bool canAppendByte(const fs::path& file) {
   return !error && !stream.fail();
 }
 
+bool describesPicture(const ImageSpec& spec) {
+  constexpr std::string_view prefixes[] = {
+      "Exif:", "GPS:", "IPTC:", "xmp:", "Make", "Model", "ExposureTime"};
+  return std::any_of(
+      spec.extra_attribs.begin(), spec.extra_attribs.end(), [&](const auto& attribute) {
+        return std::any_of(std::begin(prefixes), std::end(prefixes), [&](std::string_view prefix) {
+          return attribute.name().string().starts_with(prefix);
+        });
+      });
+}
+
 }  // namespace
 
 TypeDesc typeOf(int depth) {
@@ -272,6 +283,9 @@ DecodedPicture decodeWithLibrary(const fs::path& path, int page) {
   ImageSpec spec = input->spec();
   checkSides(static_cast<unsigned>(spec.width), static_cast<unsigned>(spec.height));
   if (spec.deep) throw std::runtime_error("holds deep samples, several for each pixel");
+  if (std::string_view(spec.get_string_attribute("tiff:ColorSpace")).ends_with("LAB")) {
+    throw std::runtime_error("has its colours in Lab, which cannot be read; save it as RGB");
+  }
   if (spec.depth > 1) throw std::runtime_error("is a volume, not a picture");
   setLayout(decoded, spec);
   decoded.picture.allocate();
@@ -287,6 +301,10 @@ DecodedPicture decodeWithLibrary(const fs::path& path, int page) {
   if (const auto* profile = spec.find_attribute("ICCProfile");
       metadata.profile.empty() && profile) {
     metadata.profile.assign(static_cast<const char*>(profile->data()), profile->datasize());
+  }
+  const bool isCarried = metadata.exrHeader.has_value() || !metadata.exif.empty();
+  if (!isCarried && describesPicture(spec)) {
+    metadata.notes.emplace_back("the input's EXIF, IPTC and XMP data are left out");
   }
   metadata.hasNextPage = input->seek_subimage(index + 1, 0);
   if (decoded.orientation != 1) {

@@ -52,7 +52,7 @@ struct FileMetadata final : PictureMetadata {
   std::string profile;                     // ICC
   std::optional<Density> density;
   std::vector<PictureText> texts;
-  std::vector<std::pair<std::string, std::string>> colorChunks;  // PNG's, by name
+  std::vector<std::pair<std::string, std::string>> carriedChunks;  // PNG's, by name
   std::optional<JpegEncoding> jpeg;
   bool lossless = false;  // WebP
   int bits = 0;           // of a sample, where it is neither 8, 16 nor 32

@@ -277,7 +277,9 @@ PictureFile readPage(const fs::path& path, const Codec* codec, int page,
   namingFile(path, [&] { convertToProfile(decoded, options.profile); });
   rescaleWords(decoded.picture, hostWord);
   if (!options.allPages && (page > 1 || decoded.metadata->hasNextPage)) {
-    decoded.metadata->notes.emplace_back("holds one of the input's pages alone");
+    const bool isMerged = decoded.metadata->format == "psd" && page <= 1;
+    decoded.metadata->notes.emplace_back(isMerged ? "holds the input's layers merged into one"
+                                                  : "holds one of the input's pages alone");
   }
   std::string extension = path.extension().string();
   if (extension.empty()) {

@@ -15,9 +15,14 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr char xmpKeyword[] = "XML:com.adobe.xmp";
-// Chunks that are carried as they are: what the colours are, and when the picture was changed.
-constexpr png_byte carriedChunks[] = "gAMA\0cHRM\0sRGB\0tIME";
-constexpr int carriedChunkCount = 4;
+// Chunks that are carried as they are: what the colours are, when the picture was changed, and
+// where or what it lies on.
+constexpr png_byte carriedChunks[] =
+    "gAMA\0cHRM\0sRGB\0tIME\0cICP\0mDCV\0cLLI\0oFFs\0sCAL\0pCAL\0sTER";
+constexpr int carriedChunkCount = 11;
+// The further pictures of an animation.
+constexpr png_byte frameChunks[] = "fcTL\0fdAT";
+constexpr int frameChunkCount = 2;
 constexpr double centimetresInMetre = 100.0;
 
 [[noreturn]] void throwError(png_structp, png_const_charp text) {
@@ -70,6 +75,11 @@ void readTexts(const Reader& reader, FileMetadata& metadata) {
   }
 }
 
+bool isCarried(std::string_view name) {
+  const std::string_view all(reinterpret_cast<const char*>(carriedChunks), sizeof carriedChunks);
+  return all.find(name) != std::string_view::npos;
+}
+
 void readMetadata(const Reader& reader, FileMetadata& metadata) {
   readTexts(reader, metadata);
   png_bytep exif = nullptr;
@@ -95,10 +105,21 @@ void readMetadata(const Reader& reader, FileMetadata& metadata) {
   }
   png_unknown_chunkp chunks = nullptr;
   const int count = png_get_unknown_chunks(reader.png, reader.info, &chunks);
+  std::string leftOut;
   for (int i = 0; i < count; ++i) {
-    metadata.colorChunks.emplace_back(
-        reinterpret_cast<const char*>(chunks[i].name),
-        std::string(reinterpret_cast<const char*>(chunks[i].data), chunks[i].size));
+    const std::string chunk = reinterpret_cast<const char*>(chunks[i].name);
+    if (isCarried(chunk)) {
+      metadata.carriedChunks.emplace_back(
+          chunk, std::string(reinterpret_cast<const char*>(chunks[i].data), chunks[i].size));
+    } else if (chunk == "acTL") {
+      metadata.notes.emplace_back("holds the first picture of the input's animation alone");
+    } else {
+      leftOut += ' ' + chunk;
+    }
+  }
+  if (!leftOut.empty()) {
+    metadata.notes.push_back("chunks that a program has put into the input are left out:" +
+                             leftOut);
   }
 }
 
@@ -110,7 +131,9 @@ DecodedPicture decodePng(const fs::path& path, int) {
   png_infop const info = reader.info;
   png_init_io(png, file.get());
   png_set_option(png, PNG_SKIP_sRGB_CHECK_PROFILE, PNG_OPTION_ON);
+  png_set_keep_unknown_chunks(png, PNG_HANDLE_CHUNK_ALWAYS, nullptr, 0);
   png_set_keep_unknown_chunks(png, PNG_HANDLE_CHUNK_ALWAYS, carriedChunks, carriedChunkCount);
+  png_set_keep_unknown_chunks(png, PNG_HANDLE_CHUNK_NEVER, frameChunks, frameChunkCount);
   png_read_info(png, info);
   checkSides(png_get_image_width(png, info), png_get_image_height(png, info));
   png_set_expand(png);
@@ -179,7 +202,7 @@ void writeMetadata(const Writer& writer, const FileMetadata& metadata) {
                  density.unit == Density::none ? PNG_RESOLUTION_UNKNOWN : PNG_RESOLUTION_METER);
   }
   std::vector<png_unknown_chunk> chunks;
-  for (const auto& [name, data] : metadata.colorChunks) {
+  for (const auto& [name, data] : metadata.carriedChunks) {
     png_unknown_chunk chunk{};
     std::memcpy(chunk.name, name.c_str(), sizeof chunk.name);
     chunk.data = reinterpret_cast<png_bytep>(const_cast<char*>(data.data()));

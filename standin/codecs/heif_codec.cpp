@@ -172,7 +172,9 @@ Image imageOf(const Picture& picture, int bits) {
 // AVIF decoders take all of these, those of HEIC in hardware the default alone, which is 4:2:0.
 const char* avifChroma(int bits, int quality) {
   constexpr int tenBits = 10;
-  if (bits == tenBits) return "422";  // the encoder ends the program for any other
+  // libheif 1.15 asks for AV1's profile 2, in which 10 bits have to be 4:2:2: the encoder ends the
+  // program for any other.
+  if (bits == tenBits) return "422";
   constexpr int fineQuality = 90;
   return quality >= fineQuality ? "444" : "420";
 }

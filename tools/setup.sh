@@ -17,7 +17,7 @@ host_packages=(ffmpeg gegl gimp melt)
 # What tests/farm renders with.
 farm_packages=(munge parallel slurm-client slurmctld slurmd)
 test_packages=(bash-completion clang-format clang-tidy cppcheck fonts-wine googletest icoutils
-  openbox wine64 xauth xvfb zsh)
+  openbox wine64 xauth xdotool xvfb zsh)
 
 say() { printf '== %s\n' "$*" >&2; }
 
